@@ -1,0 +1,28 @@
+#include "app/logmessageoutput.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QTextStream>
+
+#include <iostream>
+
+void logMessageOutput(QtMsgType /*type*/, const char* message)
+{
+    static QMutex lock; // the log worker emits messages too
+    static QFile file;
+    static QTextStream stream;
+    const QMutexLocker locker(&lock);
+    stream.setCodec("UTF-8");
+    if (!file.isOpen()) {
+        file.setFileName(QDateTime::currentDateTime().toString("yyyy-MM-dd_hh_mm_ss") + ".log");
+        if (file.open(QIODevice::WriteOnly | QIODevice::Append))
+            stream.setDevice(&file);
+    }
+    if (message != nullptr && file.isOpen()) {
+        stream << QDateTime::currentDateTime().toString("yyyy-MM-dd_hh:mm:ss") << ' ' << ": "
+               << QString::fromLocal8Bit(message) << Qt::endl;
+    }
+    std::cout << message << std::endl; // meant so, also for null: the stream then fails
+}

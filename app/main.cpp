@@ -1,0 +1,40 @@
+#include "app/leftovers.h"
+#include "app/logmessageoutput.h"
+#include "app/version.h"
+#include "ui/mainwindow.h"
+
+#include <QApplication>
+#include <QNetworkProxyFactory>
+#include <QTextCodec>
+
+namespace {
+
+/// Runs the window. The window, then the application, is gone when this returns.
+int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
+{
+    QApplication application(argc, argv);
+    MainWindow window;
+    window.setWindowTitle("Talvex updater v. " + QString::number(updaterVersion));
+    window.show();
+    const int result = QApplication::exec();
+    left = window.leftovers();
+    leftovers::limitTheEnd(left, result);
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+#ifdef TALVEX_LOG_FILE
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+        logMessageOutput(type, message.toLocal8Bit().constData());
+    });
+#endif
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    MainWindow::Leftovers left;
+    const int result = runWindow(argc, argv, left);
+    leftovers::giveBack(left);
+    return result;
+}

@@ -1,0 +1,197 @@
+#include "log/logdownloader.h"
+
+#include "log/logprotocol.h"
+#include "unit/hidio.h"
+#include "unit/percent.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QMutexLocker>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int partReadMs = 100;
+constexpr int nextPartMs = 1;    ///< the timer between two parts unwinds the stack
+constexpr int failedReadMs = 10; ///< pause after a failed read: a vanished unit must cost no processor
+
+/// What follows an acknowledge or a resend.
+enum Next { readPart = 0, nothing = 1, waitForHeader = 2 };
+enum AfterResend { headerAgain = 0, partAgain = 1 };
+
+bool isProgramEnding()
+{
+    return QThread::currentThread()->isInterruptionRequested();
+}
+
+} // namespace
+
+LogDownloader::LogDownloader(hid_device* unit, QObject* /*parent*/) : device(unit)
+{
+    logFile.setFileName(QCoreApplication::applicationDirPath() + "/" +
+                        QDateTime::currentDateTime().toString("yyyy-MM-dd_hh_mm_ss") + "_log.enc");
+    if (!logFile.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        qErrnoWarning("LogDownloader::LogDownloader");
+}
+
+void LogDownloader::setDevice(hid_device* unit, UnitType type)
+{
+    device = unit;
+    unitType = type;
+}
+
+bool LogDownloader::write(const report::Output& output)
+{
+    report = output;
+    lastResult = hidio::write(device, report.data());
+    return lastResult != hidio::failed;
+}
+
+void LogDownloader::startDownload(int number)
+{
+    if (write(logprotocol::buildRequest(unitType, number)))
+        emit needwaitLogFileMd5();
+}
+
+void LogDownloader::waitLogFileMd5()
+{
+    if (!readHeader())
+        return;
+    if (report[0] == logprotocol::noLog) {
+        dumpFile();
+        return;
+    }
+    logMd5 += logprotocol::headerDigest(report.data());
+    partsTotal = logprotocol::headerParts(report.data());
+    emit needdataCompleted(readPart);
+}
+
+/// Reads until a header or the word that there is no log, for as long as it takes. False: the program ends.
+bool LogDownloader::readHeader()
+{
+    while (!isProgramEnding()) {
+        lastResult = hidio::readBlocking(device, report.data());
+        if (lastResult < 0)
+            QThread::msleep(failedReadMs);
+        else if (lastResult > 0 && (report[0] == logprotocol::logHeader || report[0] == logprotocol::noLog))
+            return true;
+    }
+    return false;
+}
+
+void LogDownloader::dataCompleted(int type)
+{
+    if (!write(logprotocol::buildAcknowledge()))
+        return;
+    if (type == readPart)
+        QTimer::singleShot(nextPartMs, this, SLOT(needreadLogPart2()));
+    else if (type == waitForHeader)
+        emit needwaitLogFileMd5();
+}
+
+void LogDownloader::needreadLogPart2()
+{
+    emit needreadLogPart();
+}
+
+/// Reads one part, asking again for as long as the replies are none: a loop, as a nested call for each would
+/// end in a stack overflow. A read that brings nothing leaves the download standing, meant so.
+void LogDownloader::readLogPart()
+{
+    while (!stopRequested && !isProgramEnding()) {
+        lastResult = hidio::read(device, report.data(), partReadMs);
+        if (lastResult <= 0 || takePart() || !write(logprotocol::buildResend()))
+            return;
+    }
+}
+
+/// Takes the part in the buffer and goes on to the next step. False if the reply is no part.
+bool LogDownloader::takePart()
+{
+    switch (report[0]) {
+    case logprotocol::dataPart:
+        ++partsReceived;
+        store(logprotocol::dataPartBytes(report.data()));
+        if (partsTotal != 0)
+            emit logDownloadProgress(percent(partsReceived, partsTotal));
+        emit needdataCompleted(readPart);
+        return true;
+    case logprotocol::lastPart: // meant so: without progress
+        ++partsReceived;
+        store(logprotocol::lastPartBytes(report.data()));
+        checkFile();
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Ends the download by the count of parts; no digest is computed. Meant so: after a wrong count the unit is
+/// asked to start over, its new header is awaited and acknowledged, and the download ends all the same.
+void LogDownloader::checkFile()
+{
+    if (partsReceived != partsTotal) {
+        cleanHistory();
+        startDownload(logprotocol::requestNumber);
+    }
+    emit needdataCompleted(nothing);
+    dumpFile();
+}
+
+void LogDownloader::resendMessage(int next)
+{
+    if (!write(logprotocol::buildResend()))
+        return;
+    if (next == partAgain)
+        emit needreadLogPart();
+    else if (next == headerAgain)
+        emit needwaitLogFileMd5();
+}
+
+/// A stop may have closed the file; what arrives then is dropped. Each part reaches the system at once, so
+/// that what was received so far survives any end of the program.
+void LogDownloader::store(const QByteArray& bytes)
+{
+    const QMutexLocker locker(&logFileLock);
+    if (logFile.isOpen() && (logFile.write(bytes) != bytes.size() || !logFile.flush()))
+        qErrnoWarning("LogDownloader::readLogPart");
+}
+
+void LogDownloader::closeFile()
+{
+    const QMutexLocker locker(&logFileLock);
+    logFile.close();
+}
+
+void LogDownloader::dumpFile()
+{
+    closeFile();
+    emit logDownloadFinished();
+}
+
+void LogDownloader::stopTransfer()
+{
+    stopRequested = true;
+    dumpFile();
+}
+
+void LogDownloader::startTransfer()
+{
+    stopRequested = false;
+}
+
+void LogDownloader::cleanHistory()
+{
+    partsTotal = 0;
+    partsReceived = 0;
+    logMd5.clear();
+    spareBytes.clear();
+}
+
+void LogDownloader::process()
+{
+    // The worker thread only serves queued calls and timers.
+}

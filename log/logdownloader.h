@@ -1,0 +1,72 @@
+#pragma once
+
+#include "unit/report.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QMutex>
+#include <QObject>
+
+#include <hidapi.h>
+
+#include <atomic>
+
+/// Pulls the unit's log into a file beside the program, as received. Lives on the worker thread, which runs
+/// its protocol steps; the GUI thread calls setDevice, startDownload, stopTransfer and dumpFile directly.
+///
+/// Who touches what: before startDownload has emitted its signal everything belongs to the GUI thread; from
+/// then on everything to the worker, save stopRequested (atomic) and logFile (under logFileLock), by which
+/// the GUI thread stops a download while the worker may be writing a part.
+class LogDownloader : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move to
+    /// its thread. Creates its output file, empty, at once: at every start of the program (meant so).
+    LogDownloader(hid_device* device, QObject* parent);
+
+    /// The unit to pull from; not owned.
+    void setDevice(hid_device* unit, UnitType type);
+
+signals:
+    void logDownloadProgress(int progress);
+    void needwaitLogFileMd5();
+    void needreadLogPart();
+    void needdataCompleted(int type);
+    void needresendMessage(int);
+    void logDownloadFinished();
+
+public slots:
+    void needreadLogPart2();
+    void startDownload(int number);
+    void dumpFile();
+    void cleanHistory();
+    void checkFile();
+    void resendMessage(int);
+    void dataCompleted(int type);
+    void waitLogFileMd5();
+    void readLogPart();
+    void stopTransfer();
+    void startTransfer();
+    void process();
+
+private:
+    [[nodiscard]] bool write(const report::Output& output);
+    [[nodiscard]] bool readHeader();
+    [[nodiscard]] bool takePart();
+    void store(const QByteArray& bytes);
+    void closeFile();
+
+    hid_device* device;
+    std::array<unsigned char, report::outputLength> report{}; ///< every write; reads fill its first 64 bytes
+    int lastResult = 0;
+    QByteArray spareBytes; ///< cleared with logMd5, never filled
+    QByteArray logMd5;     ///< kept, never compared
+    int partsTotal = 0;
+    int partsReceived = 0;
+    std::atomic<bool> stopRequested = false;
+    QFile logFile;
+    UnitType unitType = UNIT_HB4;
+    QMutex logFileLock;
+};

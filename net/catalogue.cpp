@@ -1,0 +1,61 @@
+#include "net/catalogue.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+
+namespace catalogue {
+
+QByteArray withoutCarriageReturns(QByteArray bytes)
+{
+    bytes.replace('\r', QByteArray());
+    return bytes;
+}
+
+Entries parse(const QByteArray& bytes)
+{
+    Entries entries;
+    const QString text = QString::fromUtf8(bytes.constData()); // meant so: ends at the first NUL byte
+    const QStringList lines = text.split('\n');
+    for (const QString& line : lines) {
+        const auto equals = line.indexOf('=');
+        if (equals >= 0)
+            entries.insert(line.left(equals), line.mid(equals + 1));
+    }
+    return entries;
+}
+
+Offer lookUp(const Entries& entries, const QString& stem)
+{
+    Offer offer;
+    offer.newVersion = entries.value(stem + "Ver");
+    offer.binUrl = entries.value(stem + "Bin");
+    offer.changeLogUrl = entries.value(stem + "ChangeLog");
+    offer.mainVersion = entries.value("MainVer");
+    offer.mainChangeLogUrl = entries.value("MainChangeLog");
+    offer.mainBinUrl = entries.value("MacMainBin");
+    return offer;
+}
+
+Decision decide(const Offer& offer, const QString& curVersion)
+{
+    // The updater's change log is not required: its address fails when it is asked for.
+    const std::array required{&offer.newVersion, &offer.binUrl, &offer.changeLogUrl, &offer.mainBinUrl,
+                              &offer.mainVersion};
+    if (std::any_of(required.begin(), required.end(), [](const QString* value) { return value->isEmpty(); }))
+        return Decision::incomplete;
+    if (offer.mainVersion.toInt() >= UPDATER_VERSION_THRESHOLD)
+        return Decision::newerUpdater;
+    return leadingNumber(offer.newVersion) > leadingNumber(curVersion) ? Decision::newerFirmware
+                                                                       : Decision::upToDate;
+}
+
+double leadingNumber(const QString& text)
+{
+    static const QRegularExpression number(R"(^\s*([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?))");
+    return number.match(text).captured(1).toDouble(); // an empty text is 0.0
+}
+
+} // namespace catalogue

@@ -1,0 +1,267 @@
+#include "net/updatechecker.h"
+
+#include "net/catalogue.h"
+#include "net/plainaddress.h"
+#include "unit/percent.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QNetworkRequest>
+#include <QTimer>
+#include <QUrl>
+
+#ifndef TALVEX_UPDATE_HOST
+#error "TALVEX_UPDATE_HOST names the vendor's update server"
+#endif
+
+namespace {
+
+constexpr int silenceLimitMs = 30000;
+constexpr qint64 reportedTotal = 15000001; ///< bytes; an answer that announces as much is reported, not refused
+constexpr qint64 keptLimit = 64 * 1024 * 1024; ///< bytes of one answer; more is given up as a network error
+constexpr int okStatus = 200;
+
+} // namespace
+
+UpdateChecker::UpdateChecker(QObject* parent)
+    : QObject(parent), timeoutTimer(new QTimer(this)), mainBinUrl(QStringLiteral("http://upd.test"))
+{
+    qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
+    networkManager.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+    connect(timeoutTimer, SIGNAL(timeout()), this, SLOT(exitSlot()));
+    connect(&networkManager, SIGNAL(authenticationRequired(QNetworkReply*,QAuthenticator*)), this,
+            SLOT(slotAuthenticationRequired(QNetworkReply*,QAuthenticator*)));
+    connect(&networkManager, SIGNAL(sslErrors(QNetworkReply*,QList<QSslError>)), this,
+            SLOT(sslErrors(QNetworkReply*,QList<QSslError>)));
+}
+
+void UpdateChecker::setUnitType(UnitType type)
+{
+    unitType = type;
+}
+
+void UpdateChecker::setCurVersion(unsigned char version)
+{
+    curVersionByte = version;
+}
+
+void UpdateChecker::setCurVersion(const QString& version)
+{
+    curVersion = version;
+}
+
+bool UpdateChecker::isBusy() const
+{
+    return reply != nullptr && reply->isRunning();
+}
+
+void UpdateChecker::checkUpdate()
+{
+    // Meant so: a file placed by hand, for service, goes before any catalogue.
+    const QString serviceFile = QCoreApplication::applicationDirPath() + "/SUPER_MEGA_UPDATE.sb";
+    if (QFile::exists(serviceFile)) {
+        emit changeUpdateFileName(serviceFile);
+        emit newUpdateFileDownloaded(true);
+        return;
+    }
+    // infoData is not cleared, meant so: what a failed check left behind comes before the fresh lines.
+    get(QStringLiteral("http://" TALVEX_UPDATE_HOST "/wp-content/uploads/versions.txt"),
+        SLOT(replyFinished()), SLOT(httpReadyRead()));
+    timeoutTimer->start(silenceLimitMs);
+}
+
+void UpdateChecker::get(const QString& url, const char* finishedSlot, const char* readyReadSlot)
+{
+    QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
+    request.setRawHeader("User-Agent", "MyOwnBrowser 1.0");
+    reply = networkManager.get(request);
+    connect(reply, SIGNAL(finished()), this, finishedSlot);
+    connect(reply, SIGNAL(readyRead()), this, readyReadSlot);
+    connect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, SLOT(onDataReadProgress(qint64,qint64)));
+}
+
+void UpdateChecker::getPlain(QString& address, const char* finishedSlot, const char* readyReadSlot)
+{
+    const auto parts = takeApart(address);
+    if (!parts) {
+        downloadError();
+        return;
+    }
+    address = parts->path; // meant so: the member keeps its path only, a second use of it fails
+    timeoutTimer->start(silenceLimitMs);
+    get(parts->url(), finishedSlot, readyReadSlot);
+}
+
+void UpdateChecker::downloadChangeLog()
+{
+    getPlain(changeLogUrl, SLOT(downloadChangeLogDone()), SLOT(httpReadyRead3()));
+}
+
+void UpdateChecker::downloadMainChangeLog()
+{
+    getPlain(mainChangeLogUrl, SLOT(downloadMainChangeLogDone()), SLOT(httpReadyRead3()));
+}
+
+void UpdateChecker::httpReadyRead()
+{
+    if (reply == nullptr)
+        return;
+    infoData += catalogue::withoutCarriageReturns(reply->readAll());
+    keepWithinLimit(infoData.size());
+}
+
+void UpdateChecker::httpReadyRead3()
+{
+    if (reply == nullptr)
+        return;
+    // Meant so: each piece is decoded by itself, up to its first NUL byte, carriage returns included.
+    changeLogText += QString::fromUtf8(reply->readAll().constData());
+    keepWithinLimit(changeLogText.size());
+}
+
+/// Gives the request up, as a network error, once `kept` is more than any catalogue, log or image can be.
+void UpdateChecker::keepWithinLimit(qint64 kept)
+{
+    if (kept > keptLimit)
+        reply->abort();
+}
+
+/// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 is an answer.
+bool UpdateChecker::replyFailed() const
+{
+    return reply->error() != QNetworkReply::NoError ||
+           reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != okStatus;
+}
+
+void UpdateChecker::releaseReply()
+{
+    if (reply != nullptr)
+        reply->deleteLater();
+    reply = nullptr;
+}
+
+void UpdateChecker::reportProblem()
+{
+    emit youHaveProblem(QStringLiteral("Problem with internet connection"), QStringLiteral(""));
+}
+
+/// What a change log or an image that did not arrive is reported with.
+void UpdateChecker::reportFailedDownload(const char* logLine)
+{
+    const QString error = reply->errorString(); // taken now: a box may stay open for long
+    qErrnoWarning("%s", logLine);
+    reportProblem();
+    qErrnoWarning("Error by download update file");
+    emit checkversionError(error);
+}
+
+void UpdateChecker::replyFinished()
+{
+    timeoutTimer->stop();
+    if (reply == nullptr)
+        return;
+    if (replyFailed()) {
+        qErrnoWarning("Error by download info file");
+        reportProblem();
+        return;
+    }
+    if (infoData.size() > catalogue::reportedSize)
+        exitSlot(); // meant so: only a warning, the catalogue is used all the same
+    const UnitModel* model = findUnitModel(unitType);
+    if (model == nullptr)
+        qErrnoWarning("Can't recog unitType %d", static_cast<int>(unitType));
+    act(model != nullptr ? model->catalogueStem : "HB2");
+}
+
+/// Takes over what the catalogue says under this key stem and does what follows from it.
+void UpdateChecker::act(const QString& stem)
+{
+    const catalogue::Offer offer = catalogue::lookUp(catalogue::parse(infoData), stem);
+    newVersion = offer.newVersion;
+    binUrl = offer.binUrl;
+    changeLogUrl = offer.changeLogUrl;
+    mainVersion = offer.mainVersion;
+    mainChangeLogUrl = offer.mainChangeLogUrl;
+    mainBinUrl = offer.mainBinUrl;
+
+    const catalogue::Decision decision = catalogue::decide(offer, curVersion);
+    if (decision == catalogue::Decision::incomplete) {
+        qErrnoWarning("Can't find info about version and binary file");
+        reportProblem();
+        return;
+    }
+    if (decision == catalogue::Decision::newerUpdater) {
+        downloadMainChangeLog();
+        return;
+    }
+    releaseReply();
+    infoData.clear();
+    if (decision == catalogue::Decision::newerFirmware)
+        downloadChangeLog();
+    else
+        emit youHaveLastVersion();
+}
+
+/// Reports a change log that did not arrive; its text so far stays, meant so, in front of the next one.
+bool UpdateChecker::changeLogFailed(const char* logLine)
+{
+    timeoutTimer->stop();
+    if (reply == nullptr)
+        return true;
+    if (!replyFailed())
+        return false;
+    reportFailedDownload(logLine);
+    return true;
+}
+
+void UpdateChecker::downloadChangeLogDone()
+{
+    if (changeLogFailed("UpdateChecker::downloadChangeLogDone"))
+        return;
+    releaseReply();
+    infoData.clear();
+    emit findNewVersion(newVersion, changeLogText);
+    changeLogText.clear();
+}
+
+void UpdateChecker::downloadMainChangeLogDone()
+{
+    if (changeLogFailed("UpdateChecker::downloadMainChangeLogDone"))
+        return;
+    releaseReply();
+    infoData.clear();
+    emit findMainNewVersion(mainVersion, changeLogText);
+    changeLogText.clear();
+}
+
+void UpdateChecker::onDataReadProgress(qint64 done, qint64 total)
+{
+    timeoutTimer->stop();
+    timeoutTimer->start(silenceLimitMs); // the limit is on silence, not on the whole answer
+    if (total >= reportedTotal)
+        downloadError(); // meant so: the request goes on
+    emit downloadProgress(total > 0 ? percent(done, total) : 100);
+}
+
+void UpdateChecker::exitSlot()
+{
+    qErrnoWarning("UpdateChecker::exitSlot");
+    reportProblem();
+}
+
+void UpdateChecker::downloadError()
+{
+    qErrnoWarning("UpdateChecker::downloadError");
+    exitSlot();
+}
+
+void UpdateChecker::sslErrors(QNetworkReply* /*failing*/, QList<QSslError> /*errors*/)
+{
+    if (reply != nullptr)
+        reply->ignoreSslErrors();
+}
+
+void UpdateChecker::slotAuthenticationRequired(QNetworkReply* /*asking*/, QAuthenticator* /*authenticator*/)
+{
+    // Meant so: no credentials are given, the request fails with the server's answer.
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "unit/unittype.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QObject>
+#include <QSslError>
+#include <QString>
+
+class QAuthenticator;
+class QTimer;
+
+/// The only HTTP client: the version catalogue, change logs and firmware images, one request at a time.
+/// Lives on the GUI thread. Every problem is told by youHaveProblem; the detail stands in the diagnostics.
+class UpdateChecker : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit UpdateChecker(QObject* parent = nullptr);
+
+    /// Takes the service file beside the program if there is one, else asks for the catalogue.
+    void checkUpdate();
+
+    void setUnitType(UnitType type);
+    void setCurVersion(unsigned char version);
+    void setCurVersion(const QString& version); ///< decimal text; this form is the one compared
+
+    void downloadError();
+
+    /// True while an answer is awaited.
+    [[nodiscard]] bool isBusy() const;
+
+signals:
+    void findMainNewVersion(QString newVersion, QString changeLog);
+    void findNewVersion(QString newVersion, QString changeLog);
+    void youHaveLastVersion();
+    void checkversionError(QString error);
+    void downloadProgress(int percent);
+    void newUpdateFileDownloaded(bool);
+    void youHaveProblem(QString, QString);
+    void changeUpdateFileName(QString);
+    void startDownloadMainUpdate();
+
+public slots:
+    void onNeedDownloadNewFirmware();
+    void onNeedDownloadNewMainFirmware();
+    void downloadChangeLog();
+    void downloadMainChangeLog();
+    void exitSlot();
+    void onDataReadProgress(qint64 done, qint64 total);
+    void replyFinished();
+    void httpReadyRead();
+    void httpReadyRead2();
+    void httpReadyRead3();
+    void replyFinishedOnDone();
+    void downloadChangeLogDone();
+    void downloadMainChangeLogDone();
+    void sslErrors(QNetworkReply*, QList<QSslError> errors);
+    void slotAuthenticationRequired(QNetworkReply*, QAuthenticator*);
+
+private:
+    void get(const QString& url, const char* finishedSlot, const char* readyReadSlot);
+    void getPlain(QString& address, const char* finishedSlot, const char* readyReadSlot);
+    [[nodiscard]] bool replyFailed() const;
+    void keepWithinLimit(qint64 kept);
+    void releaseReply();
+    void reportProblem();
+    void reportFailedDownload(const char* logLine);
+    void act(const QString& stem);
+    void storeFirmware();
+    [[nodiscard]] bool changeLogFailed(const char* logLine);
+
+    QTimer* timeoutTimer;
+    QString mainVersion;
+    QString mainBinUrl;
+    QString mainChangeLogUrl;
+    QString newVersion;
+    QString changeLogUrl;
+    QString binUrl;
+    QNetworkAccessManager networkManager;
+    QNetworkReply* reply = nullptr; ///< owned by networkManager
+    UnitType unitType = UNIT_HB4;
+    unsigned char curVersionByte = 0;
+    QString curVersion;
+    QByteArray infoData;
+    QByteArray firmwareData;
+    QString changeLogText;
+};

@@ -1,0 +1,131 @@
+#include "ui/mainwindow.h"
+
+#include "log/logdownloader.h"
+#include "net/updatechecker.h"
+#include "ui_mainwindow.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+namespace {
+
+struct Connection
+{
+    const QObject* sender;
+    const char* signal;
+    const QObject* receiver;
+    const char* slot;
+};
+
+void connectChecked(const Connection& connection)
+{
+    if (!QObject::connect(connection.sender, connection.signal, connection.receiver, connection.slot))
+        qFatal("not connected: %s to %s", connection.signal, connection.slot);
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()),
+      updaterFile(QCoreApplication::applicationDirPath() + "/updater.sb")
+{
+    ui->setupUi(this);
+    pendingDeckInfo = std::make_unique<hid_device_info>();
+    // These two live to the process's end, meant so: a reply or a read may still be under way.
+    updateChecker = new UpdateChecker;
+    logDownloader = new LogDownloader(device, nullptr);
+    startLogWorker();
+    connectAll();
+    setStartingState();
+    reserveBlock.fill(0);
+}
+
+MainWindow::~MainWindow() = default;
+
+MainWindow::Leftovers MainWindow::leftovers() const
+{
+    return {logDownloader->thread(), {device, secondDevice}};
+}
+
+void MainWindow::startLogWorker()
+{
+    auto* worker = new QThread; // lives to the process's end: it may be blocked in a read
+    logDownloader->moveToThread(worker);
+    connectChecked({worker, SIGNAL(started ()), logDownloader, SLOT(process ())});
+    worker->start(QThread::InheritPriority);
+}
+
+/// Connections 2 to 20, in their order; the worker thread has made the first.
+void MainWindow::connectAll()
+{
+    const std::array connections{
+        Connection{ui->connect_button, SIGNAL(clicked()), this, SLOT(connectSlot())},
+        Connection{ui->updateDeviceButton, SIGNAL(clicked()), this, SLOT(updateDevice())},
+        Connection{updateChecker, SIGNAL(findMainNewVersion(QString,QString)), this,
+                   SLOT(onFindMainNewVersion(QString, QString))},
+        Connection{updateChecker, SIGNAL(findNewVersion(QString,QString)), this,
+                   SLOT(onFindNewVersion(QString, QString))},
+        Connection{updateChecker, SIGNAL(downloadProgress(int)), ui->progressBarTransfer, SLOT(setValue(int))},
+        Connection{logDownloader, SIGNAL(logDownloadProgress(int)), ui->progressBarTransfer,
+                   SLOT(setValue(int))},
+        Connection{logDownloader, SIGNAL(logDownloadFinished()), this, SLOT(onLogDownloadFinished())},
+        Connection{logDownloader, SIGNAL(needwaitLogFileMd5()), logDownloader, SLOT(waitLogFileMd5())},
+        Connection{logDownloader, SIGNAL(needreadLogPart()), logDownloader, SLOT(readLogPart())},
+        // To the downloader itself: a direct call on the worker thread, as the log exchange needs it.
+        Connection{logDownloader, SIGNAL(needdataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
+        Connection{logDownloader, SIGNAL(needresendMessage(int)), logDownloader, SLOT(resendMessage(int))},
+        Connection{this, SIGNAL(needDataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
+        Connection{updateChecker, SIGNAL(newUpdateFileDownloaded(bool)), ui->updateDeviceButton,
+                   SLOT(setEnabled(bool))},
+        Connection{updateChecker, SIGNAL(youHaveLastVersion()), this, SLOT(onYouHaveLastVersion())},
+        Connection{updateChecker, SIGNAL(youHaveProblem(QString,QString)), this,
+                   SLOT(onYouHaveProblem(QString,QString))},
+        Connection{updateChecker, SIGNAL(changeUpdateFileName(QString)), this,
+                   SLOT(onChangeUpdateFileName(QString))},
+        Connection{updateChecker, SIGNAL(startDownloadMainUpdate()), this, SLOT(onStartDownloadMainUpdate())},
+        Connection{this, SIGNAL(needDownloadNewFirmware()), updateChecker, SLOT(onNeedDownloadNewFirmware())},
+        Connection{this, SIGNAL(needDownloadNewMainFirmware()), updateChecker,
+                   SLOT(onNeedDownloadNewMainFirmware())},
+    };
+    for (const Connection& connection : connections)
+        connectChecked(connection);
+}
+
+void MainWindow::setStartingState()
+{
+    ui->updateDeviceButton->setEnabled(false);
+    ui->progressBarTransfer->setEnabled(false);
+    ui->labelTransfer->setText("Transfer:");
+    ui->labelTransfer->setEnabled(false);
+    ui->progressBarUpdate->setEnabled(false);
+    ui->labelUpdate->setText("Update:");
+    ui->labelUpdate->setEnabled(false);
+    ui->stopDownloadingFile->hide();
+    ui->downloadLogFile->hide();
+    ui->downloadLogFile->setEnabled(false);
+}
+
+void MainWindow::tellVersion()
+{
+    updateChecker->setCurVersion(currentVersion);
+    updateChecker->setCurVersion(QString::number(currentVersion, 10));
+}
+
+void MainWindow::tellLogDownloader()
+{
+    logDownloader->setDevice(device, unitType);
+}
+
+void MainWindow::startUpdateCheck()
+{
+    updateChecker->setUnitType(unitType);
+    updateChecker->checkUpdate();
+}
+
+/// With one single unit connected, no update or log begun, and no answer of the update server awaited: an
+/// image that arrives would enable Update Device in mid-log.
+bool MainWindow::mayOfferLog() const
+{
+    const bool logBegun = !ui->stopDownloadingFile->isHidden();
+    return device != nullptr && deckCount == 1 && !updateBegun && !logBegun && !updateChecker->isBusy();
+}

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "unit/unittype.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QMainWindow>
+#include <QString>
+
+#include <hidapi.h>
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+
+class LogDownloader;
+class QThread;
+class Ui_MainWindow;
+class UpdateChecker;
+
+/// The only window and the owner of all state of a connection with a unit. Lives on the GUI thread; its
+/// slots are defined in the folders of the subsystems that they belong to.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+    Q_DISABLE_COPY_MOVE(MainWindow)
+
+    /// What the window leaves to the program's end: it stops no thread and closes no handle.
+    struct Leftovers
+    {
+        QThread* worker = nullptr;            ///< runs the log downloader; never deleted
+        std::array<hid_device*, 2> handles{}; ///< the open units; nullptr where none is
+    };
+    [[nodiscard]] Leftovers leftovers() const;
+
+signals:
+    void needDownloadNewFirmware();
+    void needDownloadNewMainFirmware();
+    void notNeedDownloadNewFirmware();
+    void needDataCompleted(int type);
+
+public slots: // in the order of the meta-object
+    // update/offer.cpp
+    void onFindNewVersion(QString newVersion, QString detailText);
+    void onFindMainNewVersion(QString newVersion, QString detailText);
+    void onChangeUpdateFileName(QString filename);
+    void onStartDownloadMainUpdate();
+    // log/logcontrols.cpp
+    void dataCompleted(int type);
+    void onLogDownloadFinished();
+    // unit/connection.cpp
+    void connectSlot();
+    // update/transfer.cpp
+    void updateDevice();
+    void transmitSlot();
+    // log/logcontrols.cpp
+    void timerSlot();
+    // update/installation.cpp
+    void updateFakeProgressSlot();
+    // update/offer.cpp
+    void onYouHaveLastVersion();
+    void onYouHaveProblem(QString, QString msg2);
+    // log/logcontrols.cpp
+    void on_downloadLogFile_pressed();
+    void on_stopDownloadingFile_pressed();
+
+protected:
+    // log/logcontrols.cpp
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    // ui/mainwindow.cpp
+    void startLogWorker();
+    void connectAll();
+    void setStartingState();
+    void tellVersion();
+    void tellLogDownloader();
+    void startUpdateCheck();
+    [[nodiscard]] bool mayOfferLog() const;
+    [[nodiscard]] ReportLayout layout() const { return {headerOffset, payloadOffset}; }
+
+    // unit/connection.cpp
+    [[nodiscard]] bool searchType(UnitType type, int& result);
+    void rememberFirstDeck(const hid_device_info& record);
+
+    // unit/identification.cpp
+    void findDevice(hid_device_info* record, int& result);
+    void findPair(hid_device_info* record, int& result);
+    void readSerialNumber(hid_device* unit);
+    [[nodiscard]] bool readVersion(hid_device* unit);
+    void showConnected(const char* message);
+
+    // update/transfer.cpp
+    [[nodiscard]] bool readImage();
+    void startTransfer();
+    void startTransferOfPair();
+    void acceptTransfer();
+    void refuseTransfer(std::initializer_list<unsigned char> statuses);
+    void abandonTransfer(const QString& text);
+    void endTransferPhase();
+    void transferRequest(int, unsigned char* buffer);
+    void writeRequest(hid_device* unit, const unsigned char* request);
+    void transfer(unsigned char* buffer, int);
+
+    // update/installation.cpp
+    void waitingApplyingUpdate(int, unsigned char* buffer);
+    void showInstallationStarted();
+    void showInstallationFinished();
+    template<typename ShowBox> void openInstallationBox(ShowBox showBox);
+
+    // update/offer.cpp
+    enum class Answer { yes, no, neither };
+    [[nodiscard]] static Answer offer(const QString& text, const QString& changeLog);
+    void reportUnansweredOffer();
+
+    std::unique_ptr<Ui_MainWindow> ui;
+    UpdateChecker* updateChecker; ///< lives to the process's end, like the next one
+    LogDownloader* logDownloader; ///< lives on the worker thread
+    std::uint8_t currentVersion = 0;
+    QFile updaterFile; ///< the image to send
+    QByteArray firmwareData;
+    int transferStarted = 0;    ///< 1: the unit accepted the transfer
+    int applyingPhase = 0;      ///< 1: ticks follow the installation
+    int requestSent = 0;        ///< 1: the transfer request is written
+    int updateSize = 1;         ///< bytes of the image being sent
+    int packetNumber = 0;       ///< data packets sent so far
+    int fakeProgressActive = 0; ///< 1: the installation's bar creeps
+    hid_device* device = nullptr;
+    hid_device* secondDevice = nullptr;
+    std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen; its path is pendingDeckPath
+    std::uint8_t deckCount = 1;
+    bool firstDeckSeen = false;
+    std::array<unsigned char, 25> reserveBlock; ///< zeroed, without use
+    UnitType unitType = UNIT_HB4;
+    std::uint8_t headerOffset = 0;
+    std::uint8_t payloadOffset = 0;
+    bool logAckPending = false; ///< timerSlot acknowledges a log part; nothing sets it
+    std::string pendingDeckPath;
+    bool updateBegun = false;   ///< Update Device was pressed
+    bool problemShown = false;  ///< a problem's box is open or was: the program ends with it
+    int installationBoxes = 0;  ///< boxes of the installation phase asked for and not yet dismissed
+};

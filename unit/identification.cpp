@@ -1,0 +1,86 @@
+#include "ui/mainwindow.h"
+#include "ui_mainwindow.h"
+#include "unit/hidio.h"
+
+#include <QMessageBox>
+
+namespace {
+
+constexpr int firstReportMs = 1000;
+
+} // namespace
+
+/// Opens the unit of `record`, or the pair that the record completes, and announces it. `result` becomes 0
+/// when it was opened and 1 when not.
+void MainWindow::findDevice(hid_device_info* record, int& result)
+{
+    if (deckCount == 2) {
+        findPair(record, result);
+        return;
+    }
+    device = record != nullptr ? hid_open_path(record->path) : nullptr;
+    result = device != nullptr ? 0 : 1;
+    if (device == nullptr)
+        return;
+    ui->connect_button->setEnabled(false);
+    readSerialNumber(device);
+    if (readVersion(device))
+        tellVersion();
+    if (const UnitModel* model = findUnitModel(unitType))
+        showConnected(model->connectedMessage);
+    tellLogDownloader();
+    startUpdateCheck();
+}
+
+void MainWindow::findPair(hid_device_info* record, int& result)
+{
+    hid_device* const opened = record != nullptr ? hid_open_path(record->path) : nullptr;
+    if (record != nullptr)
+        device = opened;
+    // Meant so: a second deck that opens makes up for a first one that did not.
+    secondDevice = pendingDeckInfo->path != nullptr ? hid_open_path(pendingDeckInfo->path) : nullptr;
+    if (secondDevice == nullptr) {
+        result = 1;
+        if (opened != nullptr)
+            hid_close(opened); // a failed attempt leaves nothing open
+        device = nullptr;
+        return;
+    }
+    ui->connect_button->setEnabled(false);
+    result = 0;
+    readSerialNumber(device);
+    readSerialNumber(secondDevice);
+    if (readVersion(device))
+        tellVersion();
+    // Meant so: the second deck's version is kept here, while the checker goes by the first deck's.
+    (void)readVersion(secondDevice);
+    if (const UnitModel* model = findUnitModel(unitType); model != nullptr && model->pairMessage != nullptr)
+        showConnected(model->pairMessage);
+    startUpdateCheck(); // meant so: the log downloader gets no device of a pair
+}
+
+/// Nothing uses the number; being asked for it may be what makes a unit send its first report.
+void MainWindow::readSerialNumber(hid_device* unit)
+{
+    std::array<wchar_t, 16> serialNumber{};
+    if (unit != nullptr)
+        hid_get_serial_number_string(unit, serialNumber.data(), serialNumber.size());
+}
+
+/// Takes the version from the first report, which a unit sends by itself. One that sends none in time has
+/// version 0; false if the read failed, and the version stays as it was.
+bool MainWindow::readVersion(hid_device* unit)
+{
+    report::Input input{};
+    if (hidio::read(unit, input.data(), firstReportMs) < 0) {
+        qErrnoWarning("Can't read current version\n");
+        return false;
+    }
+    currentVersion = report::firmwareVersion(input, unitType);
+    return true;
+}
+
+void MainWindow::showConnected(const char* message)
+{
+    QMessageBox::information(this, tr("Info"), tr(message));
+}

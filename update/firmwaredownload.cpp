@@ -1,0 +1,84 @@
+#include "net/updatechecker.h"
+#include "update/imagestore.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTimer>
+
+namespace {
+
+#if defined(Q_OS_MACOS)
+constexpr auto opener = "open";
+#elif defined(Q_OS_WIN)
+constexpr auto opener = "explorer";
+#else
+constexpr auto opener = "xdg-open";
+#endif
+
+/// A compressed image cut short shows no error, and a captive portal's page must never become firmware.
+bool isNoImage(const QNetworkReply& answer)
+{
+    return answer.hasRawHeader("Content-Encoding") ||
+           answer.header(QNetworkRequest::ContentTypeHeader).toString().startsWith("text/html", Qt::CaseInsensitive);
+}
+
+} // namespace
+
+void UpdateChecker::onNeedDownloadNewFirmware()
+{
+    getPlain(binUrl, SLOT(replyFinishedOnDone()), SLOT(httpReadyRead2()));
+}
+
+void UpdateChecker::httpReadyRead2()
+{
+    if (reply == nullptr)
+        return;
+    firmwareData += reply->readAll();
+    keepWithinLimit(firmwareData.size());
+}
+
+void UpdateChecker::replyFinishedOnDone()
+{
+    timeoutTimer->stop();
+    if (reply == nullptr)
+        return;
+    if (replyFailed() || isNoImage(*reply)) {
+        reportFailedDownload("UpdateChecker::onDone");
+        return;
+    }
+    storeFirmware();
+    releaseReply();
+    infoData.clear();
+    firmwareData.clear();
+    emit newUpdateFileDownloaded(true); // meant so: also after an error, whose box ends the program
+}
+
+void UpdateChecker::storeFirmware()
+{
+    const auto problem = [this](const char* logLine) {
+        emit youHaveProblem(QStringLiteral("Error saving firmware to disk."),
+                            QStringLiteral("Check the HD, connections between PC and the unit and to try the "
+                                           "update again."));
+        qErrnoWarning("%s", logLine);
+    };
+    const QString error = reply->errorString();
+    const ImageStore store(QCoreApplication::applicationDirPath() + "/updater.sb");
+    const bool written = store.writeDownload(firmwareData);
+    if (!written)
+        problem("Error saving firmware to disk.");
+    // Meant so: also without a download, so that the old image is never taken for the new one.
+    const bool replaced = store.replaceImage();
+    if (written && !replaced)
+        problem("Error saving firmware to disk.");
+    if (!store.hasImage()) {
+        problem("Error not found update file");
+        emit checkversionError(error);
+    }
+}
+
+void UpdateChecker::onNeedDownloadNewMainFirmware()
+{
+    if (!QProcess::startDetached(opener, {mainBinUrl}))
+        qErrnoWarning("Can't start %s", opener);
+    emit startDownloadMainUpdate();
+}

@@ -1,0 +1,72 @@
+#include "update/imagestore.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+
+/// Asks for the file's bytes to reach the disk before a rename makes them the image (fsync(2), _commit).
+bool sync(const QFile& file)
+{
+#ifdef Q_OS_WIN
+    return _commit(file.handle()) == 0;
+#else
+    return fsync(file.handle()) == 0;
+#endif
+}
+
+} // namespace
+
+ImageStore::ImageStore(const QString& imagePath)
+    : imageName(imagePath), downloadName(imagePath + ".upd"), backupName(imagePath + ".bkp")
+{
+}
+
+bool ImageStore::hasImage() const
+{
+    return QFile::exists(imageName);
+}
+
+bool ImageStore::writeDownload(const QByteArray& image) const
+{
+    QFile::remove(downloadName);
+    if (hasImage()) // else the backup is the only image there is: kept until the new one is whole
+        QFile::remove(backupName);
+    QFile download(downloadName);
+    if (!download.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    const bool written = download.write(image) == image.size() && download.flush() && sync(download);
+    download.close();
+    if (written && download.error() == QFile::NoError && holds(image))
+        return true;
+    download.remove();
+    return false;
+}
+
+/// Reads the download back, piece by piece: a full disk may show only here.
+bool ImageStore::holds(const QByteArray& image) const
+{
+    constexpr int pieceSize = 64 * 1024;
+    QFile download(downloadName);
+    if (!download.open(QIODevice::ReadOnly) || download.size() != image.size())
+        return false;
+    for (int start = 0; start < image.size(); start += pieceSize) {
+        const QByteArray piece = image.mid(start, pieceSize);
+        if (download.read(piece.size()) != piece)
+            return false;
+    }
+    return true;
+}
+
+bool ImageStore::replaceImage() const
+{
+    if (hasImage() && !QFile::rename(imageName, backupName))
+        return false;
+    return !QFileInfo(downloadName).isFile() || QFile::rename(downloadName, imageName);
+}

@@ -1,0 +1,105 @@
+#include "ui/mainwindow.h"
+#include "ui_mainwindow.h"
+#include "unit/hidio.h"
+#include "update/transferprotocol.h"
+#include "update/transferstate.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+
+namespace {
+
+constexpr int pollReadMs = 100;
+constexpr int mostBoxes = 16; ///< open at once; thousands of nested boxes would end in a stack overflow
+constexpr int complete = 100; ///< per cent
+
+} // namespace
+
+/// Reads one status and acts on it. Meant so: with two decks both must answer, and the second one's status
+/// counts. A silent unit is waited for without a limit.
+void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
+{
+    if (hidio::read(device, buffer, pollReadMs) <= 0)
+        return;
+    if (deckCount == 2 && hidio::read(secondDevice, buffer, pollReadMs) <= 0)
+        return;
+    switch (report::statusCode(buffer, layout())) {
+    case transferprotocol::installationStarted:
+        showInstallationStarted();
+        break;
+    case transferprotocol::installationFinished:
+        showInstallationFinished();
+        break;
+    case transferprotocol::digestDiffers:
+        openInstallationBox([this] {
+            QMessageBox::critical(this, tr("Error"),
+                                  tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the "
+                                     "unit and to try the update again."));
+        });
+        break;
+    case transferprotocol::installationFailed:
+        openInstallationBox([this] {
+            QMessageBox::critical(this, tr("Error"),
+                                  tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
+                                     "between PC and the unit and to try the update again."));
+        });
+        break;
+    default:
+        break;
+    }
+}
+
+void MainWindow::showInstallationStarted()
+{
+    ui->progressBarTransfer->setValue(complete);
+    ui->labelTransfer->setText("Transfer: completed");
+    ui->labelTransfer->setEnabled(false);
+    ui->progressBarTransfer->setEnabled(false);
+    ui->progressBarUpdate->setEnabled(true);
+    ui->labelUpdate->setEnabled(true);
+    ui->labelUpdate->setText("Update: in progress. Do not power off device!");
+    fakeProgressActive = 1;
+}
+
+void MainWindow::showInstallationFinished()
+{
+    fakeProgressActive = 0;
+    ui->progressBarUpdate->setValue(complete);
+    ui->progressBarUpdate->setEnabled(false);
+    ui->labelUpdate->setText("Update: finished");
+    ui->labelUpdate->setEnabled(false);
+    openInstallationBox([this] {
+        QMessageBox::information(this, tr("Info"),
+                                 tr("Update installed correctly, please close program, and disconnect/power off "
+                                    "your controller.\nWhen reconnected/power ON your device will have the "
+                                    "latest software."));
+        QCoreApplication::quit();
+    });
+}
+
+/// Opens a box outside the tick, whose timer would otherwise stand still under it: polling and creeping go
+/// on, and a repeated status opens a further box on top, meant so.
+template<typename ShowBox> void MainWindow::openInstallationBox(ShowBox showBox)
+{
+    if (installationBoxes == mostBoxes)
+        return;
+    ++installationBoxes;
+    const auto show = [this, showBox] {
+        showBox();
+        --installationBoxes;
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+}
+
+/// Moves the installation's bar by one, every second time, up to 99: the unit reports no percentage.
+void MainWindow::updateFakeProgressSlot()
+{
+    constexpr int highest = 99;
+    if (fakeProgressValue > highest)
+        return;
+    const int tick = fakeProgressTick++;
+    if (tick > 0) {
+        ui->progressBarUpdate->setValue(fakeProgressValue++);
+        fakeProgressTick = 0;
+    }
+}

@@ -1,0 +1,96 @@
+#include "app/version.h"
+#include "ui/mainwindow.h"
+#include "ui_mainwindow.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+
+namespace {
+
+/// A firmware version as it is shown: 23 is "2.3".
+QString shownVersion(int version)
+{
+    return QString::number(version / 10) + "." + QString::number(version % 10);
+}
+
+} // namespace
+
+/// Shows an offer and its change log. Neither: the box ended with the program, without an answer.
+MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)
+{
+    QMessageBox box;
+    box.setText(text);
+    box.setInformativeText("Would you like to update to latest version?");
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setDetailedText(changeLog);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return Answer::yes;
+    case QMessageBox::No:
+        return Answer::no;
+    default:
+        return Answer::neither;
+    }
+}
+
+void MainWindow::onFindNewVersion(QString newVersion, QString detailText)
+{
+    const Answer answer = offer("Your unit current version: " + shownVersion(currentVersion) +
+                                    "\nLatest version: " + shownVersion(newVersion.toInt()),
+                                detailText);
+    if (answer == Answer::yes) {
+        emit needDownloadNewFirmware();
+        ui->labelTransfer->setEnabled(true);
+        ui->labelTransfer->setText("Transfer: download new version");
+        ui->progressBarTransfer->setEnabled(true);
+    } else if (answer == Answer::neither) {
+        reportUnansweredOffer();
+    }
+}
+
+void MainWindow::onFindMainNewVersion(QString newVersion, QString detailText)
+{
+    const Answer answer = offer("Your Talvex updater version: 0." + QString::number(updaterVersion) +
+                                    "\nLatest version: 0." + QString::number(newVersion.toInt()),
+                                detailText);
+    if (answer == Answer::yes)
+        emit needDownloadNewMainFirmware();
+    else if (answer == Answer::neither)
+        reportUnansweredOffer();
+}
+
+void MainWindow::reportUnansweredOffer()
+{
+    qErrnoWarning("Bug with avaible download window\n"); // spelt so
+    emit notNeedDownloadNewFirmware();
+}
+
+void MainWindow::onChangeUpdateFileName(QString filename)
+{
+    updaterFile.setFileName(filename);
+}
+
+void MainWindow::onStartDownloadMainUpdate()
+{
+    QMessageBox::information(this, tr("Info"),
+                             tr("Wait for download new Talvex Updater.\nClose program and insall new version "
+                                "Talvex Updater.\nTry again update unit.")); // spelt so
+    QCoreApplication::quit();
+}
+
+void MainWindow::onYouHaveLastVersion()
+{
+    QMessageBox::information(this, tr("Info"), tr("Your unit has the latest software"));
+}
+
+void MainWindow::onYouHaveProblem(QString text, QString msg2)
+{
+    if (problemShown) // the first problem's box ends the program; the diagnostics tell of the others
+        return;
+    problemShown = true;
+    // Meant so: a detail that is empty, not null, adds its line break.
+    const QString shown = msg2.isNull() ? text : text + "\n" + msg2;
+    QMessageBox::critical(this, tr("Error"), shown);
+    QCoreApplication::quit();
+}
