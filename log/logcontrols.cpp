@@ -55,8 +55,8 @@ void MainWindow::onLogDownloadFinished()
     ui->stopDownloadingFile->setEnabled(false);
     ui->updateDeviceButton->setEnabled(true);
     ui->progressBarTransfer->setValue(0);
-    QMessageBox::information(
-        this, tr("Info"), tr("Download log file is complete.\nYou can find it in program directory."));
+    QMessageBox::information(this, tr("Info"),
+                             tr("Download log file is complete.\nYou can find it in program directory."));
     QCoreApplication::quit();
 }
 

@@ -22,8 +22,8 @@ class LogDownloader : public QObject
     Q_OBJECT
 
 public:
-    /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move to
-    /// its thread. Creates its output file, empty, at once: at every start of the program (meant so).
+    /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move
+    /// to its thread. Creates its output file, empty, at once: at every start of the program (meant so).
     LogDownloader(hid_device* device, QObject* parent);
 
     /// The unit to pull from; not owned.

@@ -38,9 +38,9 @@ inline constexpr unsigned char requestNumber = 1; ///< the only number ever aske
 [[nodiscard]] report::Output buildResend();
 
 /// Readers of the 64 bytes of an input report.
-[[nodiscard]] QByteArray headerDigest(const unsigned char* reply);   ///< 32 bytes
-[[nodiscard]] std::int32_t headerParts(const unsigned char* reply);  ///< negative from 2^31 parts on
-[[nodiscard]] QByteArray dataPartBytes(const unsigned char* reply);  ///< 63 bytes
-[[nodiscard]] QByteArray lastPartBytes(const unsigned char* reply);  ///< 0 to 62 bytes, whatever is announced
+[[nodiscard]] QByteArray headerDigest(const unsigned char* reply);  ///< 32 bytes
+[[nodiscard]] std::int32_t headerParts(const unsigned char* reply); ///< negative from 2^31 parts on
+[[nodiscard]] QByteArray dataPartBytes(const unsigned char* reply); ///< 63 bytes
+[[nodiscard]] QByteArray lastPartBytes(const unsigned char* reply); ///< 0 to 62 bytes, whatever is announced
 
 } // namespace logprotocol

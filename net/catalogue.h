@@ -29,8 +29,8 @@ struct Offer
 };
 
 enum class Decision {
-    incomplete,    ///< a required value is missing or empty
-    newerUpdater,  ///< comes before any firmware
+    incomplete,   ///< a required value is missing or empty
+    newerUpdater, ///< comes before any firmware
     newerFirmware,
     upToDate,
 };

@@ -17,8 +17,8 @@
 namespace {
 
 constexpr int silenceLimitMs = 30000;
-constexpr qint64 reportedTotal = 15000001; ///< bytes; an answer that announces as much is reported, not refused
-constexpr qint64 keptLimit = 64 * 1024 * 1024; ///< bytes of one answer; more is given up as a network error
+constexpr qint64 reportedTotal = 15000001; // bytes; an answer that announces as much is reported, not refused
+constexpr qint64 keptLimit = 64LL * 1024 * 1024; // bytes of one answer; more is given up as a network error
 constexpr int okStatus = 200;
 
 } // namespace
@@ -28,11 +28,13 @@ UpdateChecker::UpdateChecker(QObject* parent)
 {
     qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
     networkManager.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+    // clang-format off
     connect(timeoutTimer, SIGNAL(timeout()), this, SLOT(exitSlot()));
-    connect(&networkManager, SIGNAL(authenticationRequired(QNetworkReply*,QAuthenticator*)), this,
-            SLOT(slotAuthenticationRequired(QNetworkReply*,QAuthenticator*)));
-    connect(&networkManager, SIGNAL(sslErrors(QNetworkReply*,QList<QSslError>)), this,
-            SLOT(sslErrors(QNetworkReply*,QList<QSslError>)));
+    connect(&networkManager, SIGNAL(authenticationRequired(QNetworkReply*,QAuthenticator*)),
+            this, SLOT(slotAuthenticationRequired(QNetworkReply*,QAuthenticator*)));
+    connect(&networkManager, SIGNAL(sslErrors(QNetworkReply*,QList<QSslError>)),
+            this, SLOT(sslErrors(QNetworkReply*,QList<QSslError>)));
+    // clang-format on
 }
 
 void UpdateChecker::setUnitType(UnitType type)
@@ -77,7 +79,9 @@ void UpdateChecker::get(const QString& url, const char* finishedSlot, const char
     reply = networkManager.get(request);
     connect(reply, SIGNAL(finished()), this, finishedSlot);
     connect(reply, SIGNAL(readyRead()), this, readyReadSlot);
+    // clang-format off
     connect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, SLOT(onDataReadProgress(qint64,qint64)));
+    // clang-format on
 }
 
 void UpdateChecker::getPlain(QString& address, const char* finishedSlot, const char* readyReadSlot)

@@ -26,7 +26,8 @@ void connectChecked(const Connection& connection)
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()),
+    : QMainWindow(parent),
+      ui(std::make_unique<Ui_MainWindow>()),
       updaterFile(QCoreApplication::applicationDirPath() + "/updater.sb")
 {
     ui->setupUi(this);
@@ -51,45 +52,45 @@ void MainWindow::startLogWorker()
 {
     auto* worker = new QThread; // lives to the process's end: it may be blocked in a read
     logDownloader->moveToThread(worker);
-    connectChecked({worker, SIGNAL(started ()), logDownloader, SLOT(process ())});
+    // clang-format off
+    connectChecked({worker, SIGNAL(started ()), logDownloader, SLOT(process ())}); // with their blanks
+    // clang-format on
     worker->start(QThread::InheritPriority);
 }
 
-/// Connections 2 to 20, in their order; the worker thread has made the first.
+// The table's signatures are handed over with their blanks.
+// clang-format off
+
+/// Connections 2 to 20, in their order; startLogWorker has made the first.
 void MainWindow::connectAll()
 {
-    const std::array connections{
-        Connection{ui->connect_button, SIGNAL(clicked()), this, SLOT(connectSlot())},
-        Connection{ui->updateDeviceButton, SIGNAL(clicked()), this, SLOT(updateDevice())},
-        Connection{updateChecker, SIGNAL(findMainNewVersion(QString,QString)), this,
-                   SLOT(onFindMainNewVersion(QString, QString))},
-        Connection{updateChecker, SIGNAL(findNewVersion(QString,QString)), this,
-                   SLOT(onFindNewVersion(QString, QString))},
-        Connection{updateChecker, SIGNAL(downloadProgress(int)), ui->progressBarTransfer, SLOT(setValue(int))},
-        Connection{logDownloader, SIGNAL(logDownloadProgress(int)), ui->progressBarTransfer,
-                   SLOT(setValue(int))},
-        Connection{logDownloader, SIGNAL(logDownloadFinished()), this, SLOT(onLogDownloadFinished())},
-        Connection{logDownloader, SIGNAL(needwaitLogFileMd5()), logDownloader, SLOT(waitLogFileMd5())},
-        Connection{logDownloader, SIGNAL(needreadLogPart()), logDownloader, SLOT(readLogPart())},
+    const std::array<Connection, 19> connections{{
+        {ui->connect_button,     SIGNAL(clicked()), this, SLOT(connectSlot())},
+        {ui->updateDeviceButton, SIGNAL(clicked()), this, SLOT(updateDevice())},
+        {updateChecker, SIGNAL(findMainNewVersion(QString,QString)), this, SLOT(onFindMainNewVersion(QString, QString))},
+        {updateChecker, SIGNAL(findNewVersion(QString,QString)),     this, SLOT(onFindNewVersion(QString, QString))},
+        {updateChecker, SIGNAL(downloadProgress(int)),    ui->progressBarTransfer, SLOT(setValue(int))},
+        {logDownloader, SIGNAL(logDownloadProgress(int)), ui->progressBarTransfer, SLOT(setValue(int))},
+        {logDownloader, SIGNAL(logDownloadFinished()), this,          SLOT(onLogDownloadFinished())},
+        {logDownloader, SIGNAL(needwaitLogFileMd5()),  logDownloader, SLOT(waitLogFileMd5())},
+        {logDownloader, SIGNAL(needreadLogPart()),     logDownloader, SLOT(readLogPart())},
         // To the downloader itself: a direct call on the worker thread, as the log exchange needs it.
-        Connection{logDownloader, SIGNAL(needdataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
-        Connection{logDownloader, SIGNAL(needresendMessage(int)), logDownloader, SLOT(resendMessage(int))},
-        Connection{this, SIGNAL(needDataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
-        Connection{updateChecker, SIGNAL(newUpdateFileDownloaded(bool)), ui->updateDeviceButton,
-                   SLOT(setEnabled(bool))},
-        Connection{updateChecker, SIGNAL(youHaveLastVersion()), this, SLOT(onYouHaveLastVersion())},
-        Connection{updateChecker, SIGNAL(youHaveProblem(QString,QString)), this,
-                   SLOT(onYouHaveProblem(QString,QString))},
-        Connection{updateChecker, SIGNAL(changeUpdateFileName(QString)), this,
-                   SLOT(onChangeUpdateFileName(QString))},
-        Connection{updateChecker, SIGNAL(startDownloadMainUpdate()), this, SLOT(onStartDownloadMainUpdate())},
-        Connection{this, SIGNAL(needDownloadNewFirmware()), updateChecker, SLOT(onNeedDownloadNewFirmware())},
-        Connection{this, SIGNAL(needDownloadNewMainFirmware()), updateChecker,
-                   SLOT(onNeedDownloadNewMainFirmware())},
-    };
+        {logDownloader, SIGNAL(needdataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
+        {logDownloader, SIGNAL(needresendMessage(int)), logDownloader, SLOT(resendMessage(int))},
+        {this,          SIGNAL(needDataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
+        {updateChecker, SIGNAL(newUpdateFileDownloaded(bool)), ui->updateDeviceButton, SLOT(setEnabled(bool))},
+        {updateChecker, SIGNAL(youHaveLastVersion()),            this, SLOT(onYouHaveLastVersion())},
+        {updateChecker, SIGNAL(youHaveProblem(QString,QString)), this, SLOT(onYouHaveProblem(QString,QString))},
+        {updateChecker, SIGNAL(changeUpdateFileName(QString)),   this, SLOT(onChangeUpdateFileName(QString))},
+        {updateChecker, SIGNAL(startDownloadMainUpdate()),       this, SLOT(onStartDownloadMainUpdate())},
+        {this, SIGNAL(needDownloadNewFirmware()),     updateChecker, SLOT(onNeedDownloadNewFirmware())},
+        {this, SIGNAL(needDownloadNewMainFirmware()), updateChecker, SLOT(onNeedDownloadNewMainFirmware())},
+    }};
     for (const Connection& connection : connections)
         connectChecked(connection);
 }
+
+// clang-format on
 
 void MainWindow::setStartingState()
 {

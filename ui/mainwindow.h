@@ -142,7 +142,7 @@ private:
     std::uint8_t payloadOffset = 0;
     bool logAckPending = false; ///< timerSlot acknowledges a log part; nothing sets it
     std::string pendingDeckPath;
-    bool updateBegun = false;   ///< Update Device was pressed
-    bool problemShown = false;  ///< a problem's box is open or was: the program ends with it
-    int installationBoxes = 0;  ///< boxes of the installation phase asked for and not yet dismissed
+    bool updateBegun = false;  ///< Update Device was pressed
+    bool problemShown = false; ///< a problem's box is open or was: the program ends with it
+    int installationBoxes = 0; ///< boxes of the installation phase asked for and not yet dismissed
 };

@@ -17,6 +17,6 @@
     if (total == 0)
         return 0;
     const qint64 quotient = done * 100 / total;
-    return static_cast<int>(std::clamp<qint64>(quotient, std::numeric_limits<int>::min(),
-                                               std::numeric_limits<int>::max()));
+    return static_cast<int>(
+        std::clamp<qint64>(quotient, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }

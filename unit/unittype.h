@@ -43,8 +43,8 @@ inline constexpr ReportLayout layoutB{60, 1}; ///< players: data first, header i
 struct UnitModel
 {
     UnitType type;
-    std::uint16_t productId;      ///< USB product ID
-    std::uint8_t versionByte;     ///< 0-based index of the firmware version in a 64-byte input report
+    std::uint16_t productId;  ///< USB product ID
+    std::uint8_t versionByte; ///< 0-based index of the firmware version in a 64-byte input report
     ReportLayout layout;
     const char* catalogueStem;    ///< beginning of the model's keys in the version catalogue
     const char* connectedMessage; ///< shown on connection; translated in the context "MainWindow"
@@ -75,16 +75,18 @@ inline constexpr std::array<UnitModel, 17> unitModels{{
 }};
 // clang-format on
 
-static_assert([] {
-    for (std::size_t i = 0; i < unitModels.size(); ++i)
-        if (unitModels[i].type != static_cast<UnitType>(i))
-            return false;
-    return true;
-}(), "the table is indexed by UnitType");
-
 /// The model's line, or nullptr for a value outside 0 to 16.
 [[nodiscard]] constexpr const UnitModel* findUnitModel(UnitType type)
 {
     const auto index = static_cast<std::size_t>(type); // a negative value becomes a huge index
     return index < unitModels.size() ? &unitModels[index] : nullptr;
 }
+
+static_assert(
+    [] {
+        for (int value = 0; value < static_cast<int>(unitModels.size()); ++value)
+            if (unitModels[static_cast<std::size_t>(value)].type != value)
+                return false;
+        return true;
+    }(),
+    "the table is indexed by UnitType");

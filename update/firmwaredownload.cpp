@@ -18,8 +18,8 @@ constexpr auto opener = "xdg-open";
 /// A compressed image cut short shows no error, and a captive portal's page must never become firmware.
 bool isNoImage(const QNetworkReply& answer)
 {
-    return answer.hasRawHeader("Content-Encoding") ||
-           answer.header(QNetworkRequest::ContentTypeHeader).toString().startsWith("text/html", Qt::CaseInsensitive);
+    const QString type = answer.header(QNetworkRequest::ContentTypeHeader).toString();
+    return answer.hasRawHeader("Content-Encoding") || type.startsWith("text/html", Qt::CaseInsensitive);
 }
 
 } // namespace

@@ -39,9 +39,10 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         break;
     case transferprotocol::installationFailed:
         openInstallationBox([this] {
-            QMessageBox::critical(this, tr("Error"),
-                                  tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
-                                     "between PC and the unit and to try the update again."));
+            QMessageBox::critical(
+                this, tr("Error"),
+                tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
+                   "between PC and the unit and to try the update again."));
         });
         break;
     default:
@@ -69,10 +70,11 @@ void MainWindow::showInstallationFinished()
     ui->labelUpdate->setText("Update: finished");
     ui->labelUpdate->setEnabled(false);
     openInstallationBox([this] {
-        QMessageBox::information(this, tr("Info"),
-                                 tr("Update installed correctly, please close program, and disconnect/power off "
-                                    "your controller.\nWhen reconnected/power ON your device will have the "
-                                    "latest software."));
+        QMessageBox::information(
+            this, tr("Info"),
+            tr("Update installed correctly, please close program, and disconnect/power off "
+               "your controller.\nWhen reconnected/power ON your device will have the "
+               "latest software."));
         QCoreApplication::quit();
     });
 }

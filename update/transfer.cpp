@@ -14,7 +14,7 @@ namespace {
 
 constexpr int tickMs = 1;
 constexpr int acceptanceReadMs = 1;
-constexpr qint64 largestImage = 64 * 1024 * 1024; ///< bytes; a larger file is no firmware image
+constexpr qint64 largestImage = 64LL * 1024 * 1024; // bytes; a larger file is no firmware image
 
 } // namespace
 
@@ -102,7 +102,8 @@ void MainWindow::startTransferOfPair()
         return;
     const unsigned char firstStatus = report::statusCode(first.data(), layout());
     const unsigned char secondStatus = report::statusCode(second.data(), layout());
-    if (firstStatus == transferprotocol::transferAccepted || secondStatus == transferprotocol::transferAccepted)
+    if (firstStatus == transferprotocol::transferAccepted ||
+        secondStatus == transferprotocol::transferAccepted)
         transferStarted = 1;
     refuseTransfer({firstStatus, secondStatus});
 }
@@ -114,11 +115,13 @@ void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
         return std::find(statuses.begin(), statuses.end(), code) != statuses.end();
     };
     if (anyIs(transferprotocol::transferTimedOut))
-        abandonTransfer(tr("Transfer timeout failed.\nCheck the connections between PC and the unit and to try "
-                           "the update again."));
+        abandonTransfer(
+            tr("Transfer timeout failed.\nCheck the connections between PC and the unit and to try "
+               "the update again."));
     if (anyIs(transferprotocol::packetsSkipped))
-        abandonTransfer(tr("Transfer failed. Packets skipped.\nCheck the connections between PC and the unit and "
-                           "to try the update again."));
+        abandonTransfer(
+            tr("Transfer failed. Packets skipped.\nCheck the connections between PC and the unit and "
+               "to try the update again."));
 }
 
 void MainWindow::abandonTransfer(const QString& text)

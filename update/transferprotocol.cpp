@@ -17,7 +17,8 @@ static_assert(shortNumberOffset + shortNumberLength == report::headerLength);
 
 void putData(report::Output& packet, ReportLayout layout, ImageBytes data)
 {
-    std::copy_n(data.begin(), std::min(data.size(), report::dataLength), packet.begin() + layout.payloadOffset);
+    std::copy_n(data.begin(), std::min(data.size(), report::dataLength),
+                packet.begin() + layout.payloadOffset);
 }
 
 } // namespace
