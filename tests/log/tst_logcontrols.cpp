@@ -1,0 +1,183 @@
+#include "log/logdownloader.h"
+#include "net/updatechecker.h"
+#include "support/testwindow.h"
+#include "tests/log/replyingunit.h"
+#include "ui/mainwindow.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QThread>
+#include <QtTest>
+
+namespace {
+
+/// Attaches a single unit and opens it for the window, as a press of Connect does.
+void connectUnit(TestWindow& window)
+{
+    virtualbus::DeviceRecord record;
+    record.productId = unitModels[UNIT_HB4].productId;
+    record.product = "HB4";
+    virtualbus::attach(record, std::make_shared<ReplyingUnit>());
+    hid_device_info* list = hid_enumerate(unitVendorId, record.productId);
+    window->device = hid_open_path(list->path);
+    hid_free_enumeration(list);
+    window->tellLogDownloader();
+}
+
+void pressLogKey(TestWindow& window)
+{
+    QTest::keyClick(&*window, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+}
+
+} // namespace
+
+class TestLogControls : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theKeyShowsTheButton_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<int>("decks");
+        QTest::addColumn<bool>("updateBegun");
+        QTest::addColumn<bool>("logBegun");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("before a unit is connected") << false << 1 << false << false << false;
+        QTest::newRow("single unit") << true << 1 << false << false << true;
+        QTest::newRow("pair of decks") << true << 2 << false << false << false;
+        QTest::newRow("update begun") << true << 1 << true << false << false;
+        QTest::newRow("log begun") << true << 1 << false << true << false;
+    }
+    void theKeyShowsTheButton()
+    {
+        QFETCH(const bool, connected);
+        QFETCH(const int, decks);
+        QFETCH(const bool, updateBegun);
+        QFETCH(const bool, logBegun);
+        QFETCH(const bool, shown);
+        TestWindow window;
+        if (connected)
+            connectUnit(window);
+        window->deckCount = static_cast<std::uint8_t>(decks);
+        window->updateBegun = updateBegun;
+        window.button("stopDownloadingFile").setVisible(logBegun);
+        QVERIFY(!window.button("downloadLogFile").isVisible());
+        pressLogKey(window);
+        QCOMPARE(window.button("downloadLogFile").isVisible(), shown);
+        QCOMPARE(window.button("downloadLogFile").isEnabled(), shown);
+    }
+
+    void theKeyDoesNothingWhileAnAnswerIsAwaited()
+    {
+        QTcpServer silent;
+        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        TestWindow window;
+        connectUnit(window);
+        window->updateChecker->binUrl = "http://127.0.0.1:" + QString::number(silent.serverPort()) + "/image";
+        window->updateChecker->onNeedDownloadNewFirmware();
+        pressLogKey(window);
+        QVERIFY(!window.button("downloadLogFile").isVisible());
+        QObject::disconnect(window->updateChecker, nullptr, &*window, nullptr);
+        window->updateChecker->reply->abort(); // an end of the request, good or bad
+        pressLogKey(window);
+        QVERIFY(window.button("downloadLogFile").isVisible());
+    }
+
+    void otherKeysShowNothing_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("L") << int(Qt::Key_L) << int(Qt::NoModifier);
+        QTest::newRow("Ctrl+L") << int(Qt::Key_L) << int(Qt::ControlModifier);
+        QTest::newRow("Shift+L") << int(Qt::Key_L) << int(Qt::ShiftModifier);
+        QTest::newRow("Ctrl+Alt+Shift+L")
+            << int(Qt::Key_L) << int(Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+        QTest::newRow("Ctrl+Shift+K") << int(Qt::Key_K) << int(Qt::ControlModifier | Qt::ShiftModifier);
+    }
+    void otherKeysShowNothing()
+    {
+        QFETCH(const int, key);
+        QFETCH(const int, modifiers);
+        TestWindow window;
+        connectUnit(window);
+        QTest::keyClick(&*window, static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+        QVERIFY(!window.button("downloadLogFile").isVisible());
+    }
+
+    /// The next two are one run of the program: one request, one closing box, whatever is pressed.
+    void aSecondPressChangesTheButtonsAndSendsNothing()
+    {
+        TestWindow window;
+        connectUnit(window);
+        window.button("updateDeviceButton").setEnabled(true);
+        for (int press = 0; press < 2; ++press) {
+            pressLogKey(window);
+            QVERIFY(QMetaObject::invokeMethod(&*window, "on_downloadLogFile_pressed"));
+            QVERIFY(window.button("stopDownloadingFile").isVisible());
+            QVERIFY(window.button("stopDownloadingFile").isEnabled());
+            QVERIFY(!window.button("downloadLogFile").isEnabled());
+            QVERIFY(!window.button("updateDeviceButton").isEnabled());
+            window.button("stopDownloadingFile").setEnabled(false);
+            window.button("downloadLogFile").setEnabled(true);
+        }
+        QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
+        window->leftovers().worker->requestInterruption(); // it awaits the header
+        virtualbus::clear();
+    }
+
+    void stopShowsTheClosingBoxOnce()
+    {
+        TestWindow window;
+        connectUnit(window);
+        window.button("stopDownloadingFile").show();
+        window.bar("progressBarTransfer").setValue(40);
+        QSignalSpy finished(window->logDownloader, SIGNAL(logDownloadFinished()));
+        window.boxes.whileOpen = [&window](QMessageBox&) {
+            QVERIFY(!window.button("stopDownloadingFile").isEnabled());
+            QVERIFY(window.button("updateDeviceButton").isEnabled());
+            QCOMPARE(window.bar("progressBarTransfer").value(), 0);
+        };
+        QVERIFY(QMetaObject::invokeMethod(&*window, "on_stopDownloadingFile_pressed"));
+        QCOMPARE(finished.size(), 2);
+        window->onLogDownloadFinished();
+        QCOMPARE(window.boxes.lines(),
+                 QStringList(informationBox(
+                     "Download log file is complete.\nYou can find it in program directory.")));
+        QVERIFY(window.boxes.seen().front().hasParent);
+    }
+
+    void theWindowsRelayReachesTheDownloader()
+    {
+        TestWindow window;
+        connectUnit(window);
+        window->dataCompleted(1);
+        QTRY_COMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
+        QCOMPARE(int(virtualbus::writesTo(1).front()[1]), 0x30);
+    }
+
+    void theUnusedHookAcknowledgesOnce()
+    {
+        TestWindow window;
+        connectUnit(window);
+        QVERIFY(!window->logAckPending);
+        window->timerSlot();
+        QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{0});
+        window->logAckPending = true;
+        window->timerSlot();
+        window->timerSlot();
+        QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
+        QVERIFY(!window->logAckPending);
+    }
+
+    void progressBeyond100LeavesTheBar()
+    {
+        TestWindow window;
+        emit window->logDownloader->logDownloadProgress(66);
+        emit window->logDownloader->logDownloadProgress(150);
+        QTRY_COMPARE(window.bar("progressBarTransfer").value(), 66);
+    }
+};
+
+QTEST_MAIN(TestLogControls)
+#include "tst_logcontrols.moc"

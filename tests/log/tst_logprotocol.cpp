@@ -1,0 +1,115 @@
+#include "log/logprotocol.h"
+
+#include <QtTest>
+
+namespace {
+
+QByteArray bytesOf(const report::Output& output)
+{
+    return {reinterpret_cast<const char*>(output.data()), static_cast<int>(output.size())};
+}
+
+/// 65 zero bytes with the given ones in their places.
+QByteArray outputWith(std::initializer_list<std::pair<int, char>> places)
+{
+    QByteArray output(65, '\0');
+    for (const auto& [index, value] : places)
+        output[index] = value;
+    return output;
+}
+
+report::Input reply(const QByteArray& beginning)
+{
+    report::Input input{};
+    std::copy(beginning.begin(), beginning.end(), input.begin());
+    return input;
+}
+
+} // namespace
+
+class TestLogProtocol : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void requestOfEachModel_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QByteArray>("expected");
+        for (int type = UNIT_HB4; type <= UNIT_LMB2; ++type)
+            QTest::addRow("type %d: bytes 1 and 2", type) << type << outputWith({{1, 0x10}, {2, 0x01}});
+        for (int type = UNIT_PLT70; type <= UNIT_PLT65; ++type)
+            QTest::addRow("type %d: bytes 61 and 62", type) << type << outputWith({{61, 0x10}, {62, 0x01}});
+    }
+    void requestOfEachModel()
+    {
+        QFETCH(const int, type);
+        QTEST(bytesOf(logprotocol::buildRequest(static_cast<UnitType>(type), 1)), "expected");
+    }
+
+    void requestSendsTheLowByteOfItsNumber()
+    {
+        QCOMPARE(bytesOf(logprotocol::buildRequest(UNIT_HB4, 0x1FE)),
+                 outputWith({{1, 0x10}, {2, static_cast<char>(0xFE)}}));
+    }
+
+    void acknowledge() { QCOMPARE(bytesOf(logprotocol::buildAcknowledge()), outputWith({{1, '0'}})); }
+    void resend() { QCOMPARE(bytesOf(logprotocol::buildResend()), outputWith({{1, 'p'}})); }
+
+    void replyCodesAreTheCharactersTheyLookLike()
+    {
+        QCOMPARE(int(logprotocol::logHeader), int(' '));
+        QCOMPARE(int(logprotocol::noLog), int('`'));
+        QCOMPARE(int(logprotocol::dataPart), 0x40);
+        QCOMPARE(int(logprotocol::lastPart), 0x50);
+    }
+
+    void header_data()
+    {
+        QTest::addColumn<QByteArray>("count");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("three") << QByteArray::fromHex("00000003") << 3;
+        QTest::newRow("most significant byte first") << QByteArray::fromHex("01020304") << 0x01020304;
+        QTest::newRow("largest positive") << QByteArray::fromHex("7fffffff") << 0x7FFFFFFF;
+        QTest::newRow("top bit set: negative") << QByteArray::fromHex("ffffffff") << -1;
+    }
+    void header()
+    {
+        QFETCH(const QByteArray, count);
+        const QByteArray digest = "0123456789abcdef0123456789ABCDEF";
+        const report::Input input = reply(" " + digest + count + QByteArray(27, 'x'));
+        QCOMPARE(logprotocol::headerDigest(input.data()), digest);
+        QTEST(int(logprotocol::headerParts(input.data())), "expected");
+    }
+
+    void dataPartHolds63Bytes()
+    {
+        QByteArray data;
+        for (char c = 1; c <= 63; ++c)
+            data += c;
+        QCOMPARE(logprotocol::dataPartBytes(reply("@" + data).data()), data);
+    }
+
+    void lastPart_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<int>("expected");
+        for (const int length : {0, 1, 10, 61, 62})
+            QTest::addRow("%d bytes", length) << length << length;
+        for (const int length : {63, 64, 128, 255})
+            QTest::addRow("%d announced: the 62 that a report can hold", length) << length << 62;
+    }
+    void lastPart()
+    {
+        QFETCH(const int, length);
+        QFETCH(const int, expected);
+        QByteArray data;
+        for (char c = 1; c <= 62; ++c)
+            data += c;
+        const report::Input input = reply("P" + QByteArray(1, static_cast<char>(length)) + data);
+        QCOMPARE(logprotocol::lastPartBytes(input.data()), data.left(expected));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestLogProtocol)
+#include "tst_logprotocol.moc"
