@@ -1,6 +1,7 @@
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
+#include "update/sleepinhibitor.h"
 #include "update/transferprotocol.h"
 #include "update/transferstate.h"
 
@@ -31,6 +32,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         showInstallationFinished();
         break;
     case transferprotocol::digestDiffers:
+        sleepinhibitor::release();
         openInstallationBox([this] {
             QMessageBox::critical(this, tr("Error"),
                                   tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the "
@@ -38,6 +40,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         });
         break;
     case transferprotocol::installationFailed:
+        sleepinhibitor::release();
         openInstallationBox([this] {
             QMessageBox::critical(
                 this, tr("Error"),
@@ -64,6 +67,7 @@ void MainWindow::showInstallationStarted()
 
 void MainWindow::showInstallationFinished()
 {
+    sleepinhibitor::release();
     fakeProgressActive = 0;
     ui->progressBarUpdate->setValue(complete);
     ui->progressBarUpdate->setEnabled(false);

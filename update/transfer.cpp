@@ -1,6 +1,7 @@
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
+#include "update/sleepinhibitor.h"
 #include "update/transferprotocol.h"
 #include "update/transferstate.h"
 
@@ -27,8 +28,11 @@ void MainWindow::updateDevice()
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
         applyingPhase = 1; // meant so: the timer starts all the same and only polls the installation
+    } else {
+        sleepinhibitor::hold();
     }
     if (transferTimer != nullptr) {
+        sleepinhibitor::release();
         transferTimer->stop();
         transferTimer->disconnect(this);
         delete transferTimer;
@@ -126,6 +130,7 @@ void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
 
 void MainWindow::abandonTransfer(const QString& text)
 {
+    sleepinhibitor::release();
     QMessageBox::critical(this, tr("Error"), text);
     endTransferPhase();
 }
@@ -156,6 +161,7 @@ void MainWindow::writeRequest(hid_device* unit, const unsigned char* request)
         requestSent = 1;
         return;
     }
+    sleepinhibitor::release();
     QMessageBox::critical(this, tr("Error HID device"),
                           "Check the connections between PC and the unit and to try the update again.");
     applyingPhase = 1;
