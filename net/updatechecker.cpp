@@ -126,8 +126,12 @@ void UpdateChecker::httpReadyRead3()
 /// Gives the request up, as a network error, once `kept` is more than any catalogue, log or image can be.
 void UpdateChecker::keepWithinLimit(qint64 kept)
 {
-    if (kept > keptLimit)
-        reply->abort();
+    if (kept <= keptLimit)
+        return;
+    // clang-format off
+    disconnect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, nullptr); // one more would start the clock again
+    // clang-format on
+    reply->abort();
 }
 
 /// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 is an answer.

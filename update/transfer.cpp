@@ -24,6 +24,8 @@ void MainWindow::updateDevice()
     updateBegun = true;
     ui->updateDeviceButton->setEnabled(false);
     ui->downloadLogFile->setEnabled(false);
+    if (transferTimer != nullptr)
+        transferTimer->stop(); // before a box can open: no protocol step is made under one
     if (!readImage()) {
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
@@ -33,7 +35,6 @@ void MainWindow::updateDevice()
     }
     if (transferTimer != nullptr) {
         sleepinhibitor::release();
-        transferTimer->stop();
         transferTimer->disconnect(this);
         delete transferTimer;
         transferTimer = nullptr;
