@@ -14,12 +14,12 @@ void logMessageOutput(QtMsgType /*type*/, const char* message)
     static QFile file;
     static QTextStream stream;
     const QMutexLocker locker(&lock);
-    stream.setCodec("UTF-8");
     if (!file.isOpen()) {
         file.setFileName(QDateTime::currentDateTime().toString("yyyy-MM-dd_hh_mm_ss") + ".log");
         if (file.open(QIODevice::WriteOnly | QIODevice::Append))
             stream.setDevice(&file);
     }
+    stream.setCodec("UTF-8"); // here: setDevice() sets it back
     if (message != nullptr && file.isOpen()) {
         stream << QDateTime::currentDateTime().toString("yyyy-MM-dd_hh:mm:ss") << ' ' << ": "
                << QString::fromLocal8Bit(message) << Qt::endl;

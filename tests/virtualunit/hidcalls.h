@@ -1,0 +1,42 @@
+#pragma once
+
+#include "host.h"
+
+#include "virtualunit/hidapi/virtualbus.h"
+
+#include <hidapi.h>
+
+/// hidapi's calls on byte arrays.
+namespace hidcalls {
+
+/// A handle of the first device on the bus, or nullptr.
+inline hid_device* openFirst()
+{
+    hid_device_info* list = hid_enumerate(0, 0);
+    hid_device* device = list == nullptr ? nullptr : hid_open_path(list->path);
+    hid_free_enumeration(list);
+    return device;
+}
+
+/// What a read gave: hidapi's result, and as many bytes.
+struct Read
+{
+    int result = 0;
+    host::Bytes bytes;
+};
+
+inline Read readTimeout(hid_device* device, int milliseconds)
+{
+    host::Bytes buffer(64, '\0');
+    const int result =
+        hid_read_timeout(device, reinterpret_cast<unsigned char*>(buffer.data()), 64, milliseconds);
+    return {result, buffer.left(std::max(result, 0))};
+}
+
+inline int write(hid_device* device, const host::Bytes& bytes)
+{
+    return hid_write(device, reinterpret_cast<const unsigned char*>(bytes.constData()),
+                     static_cast<std::size_t>(bytes.size()));
+}
+
+} // namespace hidcalls

@@ -1,0 +1,197 @@
+#include "hidcalls.h"
+#include "scripteddevice.h"
+
+#include <QTest>
+
+using hidcalls::openFirst;
+using host::Bytes;
+
+namespace {
+
+constexpr unsigned short vendor = 0x3A5D;
+
+} // namespace
+
+/// Devices, handles and strings through hidapi's interface, as a caller sees them.
+class TestVirtualHid : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { virtualbus::clear(); }
+    void cleanup() { virtualbus::clear(); }
+
+    void enumerationFilters_data();
+    void enumerationFilters();
+    void enumerationStrings();
+    void absentStringsAreNull();
+    void opening();
+    void openingBySerialNumber();
+    void secondOpeningFails();
+    void strings();
+    void deviceInfo();
+    void controlReportsAreRefused();
+    void constantAnswers();
+};
+
+void TestVirtualHid::enumerationFilters_data()
+{
+    QTest::addColumn<int>("vendorId");
+    QTest::addColumn<int>("productId");
+    QTest::addColumn<QString>("found");
+    const auto row = [](const char* name, int vendorId, int productId, const QString& found) {
+        QTest::newRow(name) << vendorId << productId << found;
+    };
+    row("everything", 0, 0, "HB4 PLT-70 HB4");
+    row("one model, twice", 0x3A5D, 0x0A21, "HB4 HB4");
+    row("one model of any vendor", 0, 0x2C15, "PLT-70");
+    row("other vendor", 0x1234, 0x0A21, "");
+    row("other product", 0x3A5D, 0x0A22, "");
+}
+
+void TestVirtualHid::enumerationFilters()
+{
+    QFETCH(int, vendorId);
+    QFETCH(int, productId);
+    QFETCH(QString, found);
+    for (const char* model : {"hb4", "plt70", "hb4"})
+        virtualbus::attach(host::options(model));
+    hid_device_info* list =
+        hid_enumerate(static_cast<unsigned short>(vendorId), static_cast<unsigned short>(productId));
+    QStringList names;
+    for (const hid_device_info* info = list; info != nullptr; info = info->next)
+        names << QString::fromWCharArray(info->product_string);
+    QCOMPARE(names.join(' '), found);
+    QCOMPARE(virtualbus::enumerationsNotFreed(), found.isEmpty() ? 0 : 1);
+    hid_free_enumeration(list);
+    QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
+}
+
+void TestVirtualHid::enumerationStrings()
+{
+    virtualbus::attach(host::options("trk900-right"));
+    hid_device_info* list = hid_enumerate(0, 0);
+    QVERIFY(list != nullptr);
+    QCOMPARE(int(list->vendor_id), 0x3A5D);
+    QCOMPARE(int(list->product_id), 0x2B54);
+    QVERIFY(std::wcscmp(list->product_string, L"TRK-900 R") == 0);
+    QVERIFY(list->serial_number != nullptr);
+    QVERIFY(list->manufacturer_string != nullptr);
+    QCOMPARE(list->interface_number, 0);
+    QCOMPARE(list->bus_type, HID_API_BUS_USB);
+    QVERIFY(list->next == nullptr);
+    hid_free_enumeration(list);
+}
+
+void TestVirtualHid::absentStringsAreNull()
+{
+    virtualbus::attach(host::options("hb4,no-product=yes"));
+    virtualbus::attach(host::options("hb4,fault=no-permission"));
+    hid_device_info* list = hid_enumerate(0, 0);
+    QVERIFY(list->product_string == nullptr);
+    QVERIFY(list->serial_number != nullptr);
+    QVERIFY(list->next->product_string == nullptr);
+    QVERIFY(list->next->serial_number == nullptr);
+    QVERIFY(hid_open_path(list->next->path) == nullptr);
+    hid_free_enumeration(list);
+}
+
+void TestVirtualHid::opening()
+{
+    const int unit = virtualbus::attach(host::options("hb4"));
+    virtualbus::attach(host::options("hb2,fault=cannot-open"));
+    QVERIFY(hid_open_path("virtual:3") == nullptr);
+    QVERIFY(hid_open_path("virtual:2") == nullptr);
+    virtualbus::failOpens(unit, true);
+    QVERIFY(hid_open_path("virtual:1") == nullptr);
+    QCOMPARE(virtualbus::openHandles(), 0);
+    virtualbus::failOpens(unit, false);
+    hid_device* device = hid_open_path("virtual:1");
+    QVERIFY(device != nullptr);
+    QCOMPARE(virtualbus::openHandles(), 1);
+    hid_close(device);
+    QCOMPARE(virtualbus::openHandles(), 0);
+}
+
+void TestVirtualHid::openingBySerialNumber()
+{
+    virtualbus::DeviceRecord record;
+    record.productId = 7;
+    for (const char* serial : {"A", "B"}) {
+        record.serial = serial;
+        virtualbus::attach(record, std::make_shared<ScriptedDevice>());
+    }
+    QVERIFY(hid_open(vendor, 7, L"C") == nullptr);
+    hid_device* second = hid_open(vendor, 7, L"B");
+    QVERIFY(second != nullptr);
+    QVERIFY(std::wcscmp(hid_get_device_info(second)->serial_number, L"B") == 0);
+    QVERIFY(hid_open(vendor, 7, nullptr) != nullptr); // the first one
+    QVERIFY(hid_open(vendor, 8, nullptr) == nullptr);
+    QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
+}
+
+void TestVirtualHid::secondOpeningFails()
+{
+    virtualbus::attach(host::options("hb4"));
+    hid_device* first = hid_open_path("virtual:1");
+    QVERIFY(first != nullptr);
+    QVERIFY(hid_open_path("virtual:1") == nullptr);
+    hid_close(first);
+    QVERIFY(hid_open_path("virtual:1") != nullptr);
+}
+
+void TestVirtualHid::strings()
+{
+    const int number = virtualbus::attach(host::options("trk300-left"));
+    hid_device* device = openFirst();
+    wchar_t text[16];
+    QCOMPARE(hid_get_product_string(device, text, 16), 0);
+    QVERIFY(std::wcscmp(text, L"TRK-300 L") == 0);
+    QCOMPARE(hid_get_product_string(device, text, 4), 0);
+    QVERIFY(std::wcscmp(text, L"TRK") == 0);
+    QCOMPARE(hid_get_serial_number_string(device, text, 16), 0);
+    QVERIFY(std::wcscmp(text, L"0001") == 0);
+    QCOMPARE(hid_get_manufacturer_string(device, text, 16), 0);
+    QVERIFY(std::wcscmp(text, L"Talvex") == 0);
+    QCOMPARE(hid_get_indexed_string(device, 2, text, 16), 0);
+    QVERIFY(std::wcscmp(text, L"TRK-300 L") == 0);
+    QCOMPARE(hid_get_indexed_string(device, 4, text, 16), -1);
+    QCOMPARE(hid_get_product_string(device, text, 0), -1);
+    virtualbus::unplug(number);
+    QCOMPARE(hid_get_serial_number_string(device, text, 16), -1);
+}
+
+void TestVirtualHid::deviceInfo()
+{
+    virtualbus::attach(host::options("lmb1"));
+    hid_device* device = openFirst();
+    const hid_device_info* info = hid_get_device_info(device);
+    QCOMPARE(Bytes(info->path), Bytes("virtual:1"));
+    QCOMPARE(int(info->product_id), 0x0D01);
+    QCOMPARE(hid_get_device_info(device), info);
+    QCOMPARE(virtualbus::enumerationsNotFreed(), 0); // the handle owns it
+    hid_close(device);
+}
+
+void TestVirtualHid::controlReportsAreRefused()
+{
+    virtualbus::attach(host::options("lmb1"));
+    hid_device* device = openFirst();
+    unsigned char buffer[65] = {};
+    QCOMPARE(hid_send_feature_report(device, buffer, sizeof buffer), -1);
+    QCOMPARE(hid_get_feature_report(device, buffer, sizeof buffer), -1);
+    QCOMPARE(hid_get_input_report(device, buffer, sizeof buffer), -1);
+}
+
+void TestVirtualHid::constantAnswers()
+{
+    QCOMPARE(hid_init(), 0);
+    QCOMPARE(hid_exit(), 0);
+    QVERIFY(std::wcslen(hid_error(nullptr)) > 0);
+    QCOMPARE(hid_version()->minor, HID_API_VERSION_MINOR);
+    QCOMPARE(Bytes(hid_version_str()), Bytes(HID_API_VERSION_STR));
+    hid_free_enumeration(nullptr);
+}
+
+QTEST_GUILESS_MAIN(TestVirtualHid)
+#include "tst_virtualhid.moc"

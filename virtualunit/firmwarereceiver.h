@@ -1,0 +1,82 @@
+#pragma once
+
+#include "virtualunit/journal.h"
+#include "virtualunit/options.h"
+#include "virtualunit/status.h"
+#include "virtualunit/wire.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace virtualunit {
+
+inline constexpr Milliseconds never = std::numeric_limits<Milliseconds>::max();
+
+/// How far the unit got with the last image it was offered.
+enum class Verdict { None, Refused, Receiving, Installing, Installed, WrongDigest, Rejected };
+
+/// The verdict's word in the journal.
+[[nodiscard]] const char* wordOf(Verdict verdict);
+
+/// The unit's side of a firmware transfer: takes the request and the packets, checks every byte, keeps the
+/// image and installs it. A breach of the wire format is an error line in the journal; what the host is told
+/// of it:
+///   a malformed request:      "packets skipped", and nothing is accepted
+///   a wrong packet number:    "packets skipped" at once; the transfer goes on behind the gap
+///   any of these in the end:  "rejected" after the final packet, if the digest is right all the same
+class FirmwareReceiver
+{
+public:
+    /// The references must outlive this object.
+    FirmwareReceiver(const Options& options, Journal& journal, Status& status);
+
+    /// A report whose command is a request, a data packet or a final packet.
+    void receive(Command command, const Report& report, Milliseconds now);
+
+    /// A report with an unknown command: it spoils a transfer that is under way.
+    void spoil() { spoilt = true; }
+
+    /// When advance() has something to do, or `never`.
+    [[nodiscard]] Milliseconds nextEventAt() const { return std::min(answerAt, installedAt); }
+
+    /// Does what is due at `now`.
+    void advance(Milliseconds now);
+
+    /// The bytes received since the last request, also while more are coming.
+    [[nodiscard]] const std::vector<std::uint8_t>& image() const { return received; }
+
+    [[nodiscard]] Verdict verdict() const { return outcome; }
+
+    /// Whether the unit has told of an installation and says nothing more.
+    [[nodiscard]] bool hasGoneSilent() const;
+
+private:
+    void takeRequest(const Report& report, Milliseconds now);
+    void answerRequest();
+    void takeData(const Report& report);
+    void takeFinal(const Report& report, Milliseconds now);
+    void checkNumber(std::uint32_t number, std::uint32_t expected, std::uint32_t reached);
+    bool isLost(std::uint32_t number);
+    void completeImage(Milliseconds now);
+    void writeImage();
+    void conclude(Verdict verdict, std::uint8_t nibble);
+    void refuse(const char* why, std::uint8_t nibble);
+    void fail(const std::string& what);
+    void complainOnce(const std::string& what);
+
+    const Options& options;
+    const ReportLayout layout;
+    Journal& journal;
+    Status& status;
+
+    Verdict outcome = Verdict::None;
+    std::string announcedDigest;
+    std::vector<std::uint8_t> received;
+    std::uint32_t nextNumber = 1; ///< of the packet that must come next, 28 bits
+    bool spoilt = false;          ///< the running transfer broke the wire format
+    bool complained = false;      ///< about packets that nobody asked for
+    Milliseconds answerAt = never;
+    Milliseconds installedAt = never;
+};
+
+} // namespace virtualunit

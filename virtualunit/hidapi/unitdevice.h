@@ -1,0 +1,43 @@
+#pragma once
+
+#include "virtualunit/hidapi/device.h"
+
+namespace virtualbus {
+
+/// A virtual unit on the virtual bus.
+class UnitDevice : public Device
+{
+public:
+    explicit UnitDevice(const virtualunit::Options& options) : unit(options) {}
+
+    bool open(Milliseconds now) override { return unit.open(now); }
+    void close(Milliseconds now) override { unit.close(now); }
+    virtualunit::VirtualUnit::Receipt write(std::span<const std::uint8_t> bytes, Milliseconds now) override
+    {
+        return unit.receive(bytes, now);
+    }
+    std::optional<std::vector<std::uint8_t>> takeInput(Milliseconds now) override
+    {
+        const auto report = unit.takeInput(now);
+        if (!report)
+            return std::nullopt;
+        return std::vector<std::uint8_t>(report->begin(), report->end());
+    }
+    [[nodiscard]] Milliseconds nextEventAt() const override { return unit.nextEventAt(); }
+    [[nodiscard]] bool isPluggedIn() const override { return unit.isPluggedIn(); }
+
+    virtualunit::VirtualUnit unit;
+};
+
+/// What an enumeration says of a unit with these options.
+[[nodiscard]] inline DeviceRecord recordOf(const virtualunit::Options& options)
+{
+    DeviceRecord record;
+    record.productId = findUnitModel(options.type)->productId;
+    record.product = virtualunit::productOf(options);
+    if (options.faults.has(virtualunit::Fault::NoPermission))
+        record.serial = record.manufacturer = std::nullopt;
+    return record;
+}
+
+} // namespace virtualbus
