@@ -26,6 +26,7 @@ bool isNoImage(const QNetworkReply& answer)
 
 void UpdateChecker::onNeedDownloadNewFirmware()
 {
+    firmwareData.clear(); // of a download that did not end
     getPlain(binUrl, SLOT(replyFinishedOnDone()), SLOT(httpReadyRead2()));
 }
 
@@ -40,7 +41,8 @@ void UpdateChecker::httpReadyRead2()
 void UpdateChecker::replyFinishedOnDone()
 {
     timeoutTimer->stop();
-    if (reply == nullptr)
+    // Only its own reply says that an image is whole: a check that began meanwhile has another one in flight.
+    if (reply == nullptr || (sender() != nullptr && sender() != reply))
         return;
     if (replyFailed() || isNoImage(*reply)) {
         reportFailedDownload("UpdateChecker::onDone");

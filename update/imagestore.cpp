@@ -66,7 +66,12 @@ bool ImageStore::holds(const QByteArray& image) const
 
 bool ImageStore::replaceImage() const
 {
-    if (hasImage() && !QFile::rename(imageName, backupName))
+    const bool hadImage = hasImage();
+    if (hadImage && !QFile::rename(imageName, backupName))
         return false;
-    return !QFileInfo(downloadName).isFile() || QFile::rename(downloadName, imageName);
+    if (QFileInfo(downloadName).isFile() && !QFile::rename(downloadName, imageName))
+        return false;
+    if (!hadImage && hasImage()) // the backup of an image that is no more
+        QFile::remove(backupName);
+    return true;
 }

@@ -11,11 +11,12 @@ class ImageStore
 public:
     explicit ImageStore(const QString& imagePath);
 
-    /// Removes the ".upd" and ".bkp" files of an earlier download and writes `image` to ".upd".
+    /// Removes the ".upd" file of an earlier download and, unless it is the only image there is, the ".bkp"
+    /// file; writes `image` to ".upd".
     /// False if it could not be created or does not hold every byte; nothing is left at ".upd" then.
     [[nodiscard]] bool writeDownload(const QByteArray& image) const;
 
-    /// Makes the image the backup and the download the image. With no image before, there is no backup.
+    /// Makes the image the backup and the download the image. With no image before, no backup is left.
     /// False if a file that is there could not be renamed.
     [[nodiscard]] bool replaceImage() const;
 

@@ -1,0 +1,255 @@
+#include "app/logmessageoutput.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QtTest>
+
+#include <functional>
+#include <thread>
+
+namespace {
+
+constexpr int linesEach = 500;
+
+void say(const char* message)
+{
+    logMessageOutput(QtWarningMsg, message);
+}
+
+void sayMany(char speaker)
+{
+    for (int i = 0; i < linesEach; ++i)
+        say((QByteArray(40, speaker) + QByteArray::number(i)).constData());
+}
+
+void untilTheNextSecond()
+{
+    const QDateTime start = QDateTime::currentDateTime();
+    while (QDateTime::currentDateTime().toString("ss") == start.toString("ss"))
+        QThread::msleep(5);
+}
+
+/// The sink keeps its file to the process's end, so each of these runs in a process and a folder of its own.
+const QMap<QString, std::function<void()>> speeches{
+    {"two messages",
+     [] {
+         say("first");
+         say("second");
+     }},
+    {"two seconds",
+     [] {
+         say("first");
+         untilTheNextSecond();
+         say("second");
+     }},
+    {"every type",
+     [] {
+         for (const QtMsgType type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
+             logMessageOutput(type, QByteArray::number(type).constData());
+     }},
+    {"null message",
+     [] {
+         say("before");
+         say(nullptr);
+         say("behind");
+     }},
+    {"null message first", [] { say(nullptr); }},
+    {"several lines", [] { say("one\ntwo\n"); }},
+    {"local encoding",
+     [] {
+         QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
+         say("\xC4\xE0"); // "Да"
+     }},
+    {"folder is gone",
+     [] {
+         const QString folder = QDir::currentPath();
+         QDir(folder).removeRecursively();
+         say("lost");
+         QDir().mkpath(folder);
+         QDir::setCurrent(folder);
+         say("kept");
+     }},
+    {"two threads",
+     [] {
+         std::thread other(sayMany, 'b');
+         sayMany('a');
+         other.join();
+     }},
+};
+
+} // namespace
+
+class TestLogMessageOutput : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void fileIsNamedAfterItsFirstMessage();
+    void laterSecondSameFile();
+    void lineStamp();
+    void everyTypeIsWrittenAndNoneEndsTheProcess();
+    void nullMessage();
+    void nullMessageFirst();
+    void textStaysAsItIs();
+    void localEncodingBecomesUtf8();
+    void noFileThenAFile();
+    void twoThreads();
+
+private:
+    void speak(const QString& speech);
+    [[nodiscard]] QStringList texts() const;
+
+    std::unique_ptr<QTemporaryDir> folder;
+    QDateTime start;
+    QByteArray echo;
+    QStringList files;
+    QByteArrayList lines; ///< of the one file
+};
+
+void TestLogMessageOutput::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+}
+
+void TestLogMessageOutput::speak(const QString& speech)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder->path());
+    start = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
+    process.start(QCoreApplication::applicationFilePath(), {"--speech", speech});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    echo = process.readAllStandardOutput();
+    files = QDir(folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+    QFile file(folder->filePath(files.value(0)));
+    if (files.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return;
+    lines = file.readAll().split('\n');
+    QCOMPARE(lines.takeLast(), QByteArray()); // the last line has its end
+}
+
+/// The lines behind their stamps.
+QStringList TestLogMessageOutput::texts() const
+{
+    QStringList all;
+    for (const QByteArray& line : lines)
+        all.append(QString::fromUtf8(line.mid(line.indexOf(" : ") + 3)));
+    return all;
+}
+
+void TestLogMessageOutput::fileIsNamedAfterItsFirstMessage()
+{
+    speak("two messages");
+    QCOMPARE(files.size(), 1);
+    const QRegularExpression name(R"(^\d{4}-\d\d-\d\d_\d\d_\d\d_\d\d\.log$)");
+    QVERIFY2(name.match(files.first()).hasMatch(), qPrintable(files.first()));
+    const QDateTime named = QDateTime::fromString(files.first(), "yyyy-MM-dd_hh_mm_ss'.log'");
+    QVERIFY(named >= start && named <= QDateTime::currentDateTime());
+    QCOMPARE(texts(), (QStringList{"first", "second"}));
+    QCOMPARE(echo, QByteArray("first\nsecond\n"));
+}
+
+void TestLogMessageOutput::laterSecondSameFile()
+{
+    speak("two seconds");
+    QCOMPARE(files.size(), 1);
+    QCOMPARE(texts(), (QStringList{"first", "second"}));
+    QVERIFY(lines[0].left(19) < lines[1].left(19));
+}
+
+void TestLogMessageOutput::lineStamp()
+{
+    speak("two messages");
+    const QRegularExpression line(R"(^(\d{4}-\d\d-\d\d_\d\d:\d\d:\d\d) : (first|second)$)");
+    for (const QByteArray& written : lines) {
+        const auto match = line.match(written);
+        QVERIFY2(match.hasMatch(), written);
+        const QDateTime stamped = QDateTime::fromString(match.captured(1), "yyyy-MM-dd_hh:mm:ss");
+        QVERIFY(stamped >= start && stamped <= QDateTime::currentDateTime());
+    }
+}
+
+void TestLogMessageOutput::everyTypeIsWrittenAndNoneEndsTheProcess()
+{
+    speak("every type");
+    QCOMPARE(texts(), (QStringList{"0", "4", "1", "2", "3"}));
+    QCOMPARE(echo, QByteArray("0\n4\n1\n2\n3\n"));
+}
+
+/// It spoils standard output for good; the file goes on.
+void TestLogMessageOutput::nullMessage()
+{
+    speak("null message");
+    QCOMPARE(texts(), (QStringList{"before", "behind"}));
+    QCOMPARE(echo, QByteArray("before\n"));
+}
+
+void TestLogMessageOutput::nullMessageFirst()
+{
+    speak("null message first");
+    QCOMPARE(files.size(), 1);
+    QCOMPARE(lines, QByteArrayList());
+    QCOMPARE(echo, QByteArray());
+}
+
+void TestLogMessageOutput::textStaysAsItIs()
+{
+    speak("several lines");
+    QCOMPARE(lines.size(), 3);
+    QVERIFY(lines[0].endsWith(" : one"));
+    QCOMPARE(lines[1], QByteArray("two"));
+    QCOMPARE(lines[2], QByteArray());
+    QCOMPARE(echo, QByteArray("one\ntwo\n\n"));
+}
+
+void TestLogMessageOutput::localEncodingBecomesUtf8()
+{
+    speak("local encoding");
+    QCOMPARE(texts(), QStringList{QString::fromUtf8("\xD0\x94\xD0\xB0")});
+    QCOMPARE(echo, QByteArray("\xC4\xE0\n"));
+}
+
+void TestLogMessageOutput::noFileThenAFile()
+{
+    speak("folder is gone");
+    QCOMPARE(files.size(), 1);
+    QCOMPARE(texts(), QStringList{"kept"});
+    QCOMPARE(echo, QByteArray("lost\nkept\n"));
+}
+
+/// No line is torn, none is lost, each thread's own stay in order.
+void TestLogMessageOutput::twoThreads()
+{
+    speak("two threads");
+    QMap<QChar, int> next;
+    const QRegularExpression line("^(a{40}|b{40})(\\d+)$");
+    const QStringList written = texts();
+    QCOMPARE(written.size(), 2 * linesEach);
+    for (const QString& text : written) {
+        const auto match = line.match(text);
+        QVERIFY2(match.hasMatch(), qPrintable(text));
+        QCOMPARE(match.captured(2).toInt(), next[text[0]]++);
+    }
+    QCOMPARE(echo.count('\n'), 2 * linesEach);
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "--speech") {
+        speeches.value(arguments.value(2))();
+        return 0;
+    }
+    TestLogMessageOutput test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_logmessageoutput.moc"

@@ -1,0 +1,80 @@
+#include "net/checkerjournal.h"
+
+#include "net/updatechecker.h"
+
+CheckerJournal::CheckerJournal(UpdateChecker& checker)
+    : log([this](const QString& line) { add(told::log(line)); })
+{
+    followOutcomes(checker);
+    followFiles(checker);
+}
+
+void CheckerJournal::add(const QString& event)
+{
+    events.append(event);
+    all.append(event);
+}
+
+void CheckerJournal::followOutcomes(UpdateChecker& checker)
+{
+    QObject::connect(&checker, &UpdateChecker::findMainNewVersion, &context,
+                     [this](const QString& version, const QString& changeLog) {
+                         add(told::signal("findMainNewVersion", {version, changeLog}));
+                     });
+    QObject::connect(&checker, &UpdateChecker::findNewVersion, &context,
+                     [this](const QString& version, const QString& changeLog) {
+                         add(told::signal("findNewVersion", {version, changeLog}));
+                     });
+    QObject::connect(&checker, &UpdateChecker::youHaveLastVersion, &context,
+                     [this] { add(told::signal("youHaveLastVersion")); });
+    QObject::connect(&checker, &UpdateChecker::checkversionError, &context,
+                     [this](const QString& error) { add(told::signal("checkversionError", {error})); });
+    QObject::connect(&checker, &UpdateChecker::youHaveProblem, &context,
+                     [this](const QString& text, const QString& detail) {
+                         add(told::signal("youHaveProblem", {text, detail}));
+                     });
+}
+
+void CheckerJournal::followFiles(UpdateChecker& checker)
+{
+    QObject::connect(&checker, &UpdateChecker::downloadProgress, &context, [this](int percent) {
+        progress.append(percent);
+        all.append(told::signal("downloadProgress", {QString::number(percent)}));
+    });
+    QObject::connect(&checker, &UpdateChecker::newUpdateFileDownloaded, &context, [this](bool enabled) {
+        add(told::signal("newUpdateFileDownloaded", {enabled ? "true" : "false"}));
+    });
+    QObject::connect(&checker, &UpdateChecker::changeUpdateFileName, &context,
+                     [this](const QString& name) { add(told::signal("changeUpdateFileName", {name})); });
+    QObject::connect(&checker, &UpdateChecker::startDownloadMainUpdate, &context,
+                     [this] { add(told::signal("startDownloadMainUpdate")); });
+}
+
+namespace told {
+
+QString log(const QString& line)
+{
+    return "log: " + line;
+}
+
+QString signal(const QString& name, const QStringList& parameters)
+{
+    QStringList quoted;
+    for (const QString& parameter : parameters)
+        quoted.append(parameter.isNull() ? QStringLiteral("null") : '"' + parameter + '"');
+    return name + '(' + quoted.join(", ") + ')';
+}
+
+QString problem()
+{
+    return signal("youHaveProblem", {"Problem with internet connection", ""});
+}
+
+QString savingProblem()
+{
+    return signal("youHaveProblem", {"Error saving firmware to disk.",
+                                     "Check the HD, connections between PC and the unit and to try the "
+                                     "update again."});
+}
+
+} // namespace told

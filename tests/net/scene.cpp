@@ -1,0 +1,120 @@
+#include "net/scene.h"
+
+#include <QNetworkProxyFactory>
+
+#include <array>
+#include <cstdint>
+
+namespace {
+
+QByteArray littleEndian(std::uint32_t value)
+{
+    QByteArray bytes;
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.append(static_cast<char>(value >> shift));
+    return bytes;
+}
+
+std::uint32_t crc32(const QByteArray& bytes)
+{
+    std::uint32_t crc = ~0U;
+    for (const char byte : bytes) {
+        crc ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320U : 0U);
+    }
+    return ~crc;
+}
+
+} // namespace
+
+Scene::Scene()
+{
+    qputenv("http_proxy", server.address({}).toUtf8());
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+}
+
+void Scene::reset()
+{
+    journal.reset();
+    checker.reset();
+    server.clear();
+    checker = std::make_unique<UpdateChecker>();
+    checker->setUnitType(UNIT_HB4);
+    checker->setCurVersion(static_cast<unsigned char>(23));
+    checker->setCurVersion(QStringLiteral("23"));
+    journal = std::make_unique<CheckerJournal>(*checker);
+}
+
+void Scene::ask(Request request, const RawServer& whom)
+{
+    switch (request) {
+    case Request::catalogue:
+        checker->checkUpdate();
+        break;
+    case Request::changeLog:
+        checker->changeLogUrl = whom.address(changeLogPath);
+        checker->downloadChangeLog();
+        break;
+    case Request::mainChangeLog:
+        checker->mainChangeLogUrl = whom.address(mainChangeLogPath);
+        checker->downloadMainChangeLog();
+        break;
+    case Request::image:
+        checker->binUrl = whom.address(imagePath);
+        checker->onNeedDownloadNewFirmware();
+        break;
+    }
+}
+
+QString Scene::path(Request request)
+{
+    constexpr std::array paths{cataloguePath, changeLogPath, mainChangeLogPath, imagePath};
+    return paths.at(static_cast<std::size_t>(request));
+}
+
+QStringList Scene::networkError(Request request) const
+{
+    if (request == Request::catalogue)
+        return {told::log("Error by download info file"), told::problem()};
+    constexpr std::array lines{"", "UpdateChecker::downloadChangeLogDone",
+                               "UpdateChecker::downloadMainChangeLogDone", "UpdateChecker::onDone"};
+    return {told::log(lines.at(static_cast<std::size_t>(request))), told::problem(),
+            told::log("Error by download update file"),
+            told::signal("checkversionError", {checker->reply->errorString()})};
+}
+
+QByteArray Scene::catalogue(const QMap<QString, QString>& changes) const
+{
+    QMap<QString, QString> entries{
+        {"MainVer", "11"},
+        {"MainChangeLog", server.address(mainChangeLogPath)},
+        {"MacMainBin", "http://update-server/bin/updater.zip"},
+        {"HB4Ver", "27"},
+        {"HB4Bin", server.address(imagePath)},
+        {"HB4ChangeLog", server.address(changeLogPath)},
+    };
+    for (auto change = changes.begin(); change != changes.end(); ++change)
+        entries[change.key()] = change.value();
+    QByteArray text;
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
+        if (!entry.value().isNull())
+            text += (entry.key() + '=' + entry.value() + '\n').toUtf8();
+    return text;
+}
+
+bool Scene::rests(qsizetype events) const
+{
+    return !checker->isBusy() && journal->events.size() >= events;
+}
+
+QByteArray gzip(const QByteArray& body)
+{
+    constexpr int sizeAndZlibHead = 4 + 2;
+    constexpr int zlibSum = 4;
+    const QByteArray zlib = qCompress(body);
+    const QByteArray deflated = zlib.mid(sizeAndZlibHead, zlib.size() - sizeAndZlibHead - zlibSum);
+    const QByteArray head("\x1f\x8b\x08\0\0\0\0\0\0\xff", 10);
+    return head + deflated + littleEndian(crc32(body)) +
+           littleEndian(static_cast<std::uint32_t>(body.size()));
+}

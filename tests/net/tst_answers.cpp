@@ -1,0 +1,196 @@
+#include "net/scene.h"
+
+#include <QTimer>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(RawServer::Answer)
+
+namespace {
+
+using Answer = RawServer::Answer;
+using End = RawServer::End;
+
+struct RequestName
+{
+    Request request;
+    const char* name;
+};
+
+constexpr std::array allRequests{
+    RequestName{Request::catalogue, "catalogue"},
+    RequestName{Request::changeLog, "change log"},
+    RequestName{Request::mainChangeLog, "updater's change log"},
+    RequestName{Request::image, "image"},
+};
+
+} // namespace
+
+/// What becomes of an answer that is not the plain one: odd but good answers are used, bad ones are a network
+/// error.
+class TestAnswers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void bad_data();
+    void bad();
+    void nobodyListens_data();
+    void nobodyListens();
+    void good_data();
+    void good();
+    void afterAnErrorTheNextAnswerCounts();
+
+private:
+    void start(Request request);
+
+    Scene scene;
+};
+
+void TestAnswers::bad_data()
+{
+    QTest::addColumn<Request>("request");
+    QTest::addColumn<Answer>("answer");
+    const QByteArray text(100, 'x');
+    const QByteArray promise = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + text;
+    const QByteArray openChunk = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n64\r\n" + text;
+    for (const auto& [request, requestName] : allRequests) {
+        const auto row = [request = request, requestName = requestName](const char* name,
+                                                                        const Answer& answer) {
+            QTest::addRow("%s, %s", requestName, name) << request << answer;
+        };
+        row("body cut short", {{promise}});
+        row("reset in mid body", {{promise}, End::reset});
+        row("cut between two chunks", {{openChunk + "\r\n"}});
+        row("cut within a chunk", {{openChunk.chopped(10)}});
+        row("cut within the head", {{promise.left(30)}});
+        row("closed without a word", {{}});
+        row("reset without a word", {{}, End::reset});
+        row("garbage instead of a status line", {{"\x01\x02garbage\xff\r\n\r\n" + text}});
+        row("another protocol", {{"SSH-2.0-server\r\n"}});
+        row("status that is no number", {{"HTTP/1.1 abc OK\r\n\r\n" + text}});
+        row("204", {{"HTTP/1.1 204 No Content\r\n\r\n"}, End::keepOpen});
+        row("206", {{httpAnswer("206 Partial Content", text, {"Content-Range: bytes 0-99/1000"})}});
+        row("201", {{httpAnswer("201 Created", text)}});
+        row("302 without an address", {{httpAnswer("302 Found", text)}});
+        row("304", {{"HTTP/1.1 304 Not Modified\r\n\r\n"}, End::keepOpen});
+        row("401, credentials asked",
+            {{httpAnswer("401 Unauthorized", text, {"WWW-Authenticate: Basic realm=\"x\""})}});
+        row("407, a proxy asks", {{httpAnswer("407 Proxy Authentication Required", text,
+                                              {"Proxy-Authenticate: Basic realm=\"x\""})}});
+        row("403", {{httpAnswer("403 Forbidden", text)}});
+        row("404", {{httpAnswer("404 Not Found", text)}});
+        row("500", {{httpAnswer("500 Internal Server Error", text)}});
+        row("503", {{httpAnswer("503 Service Unavailable", "")}, End::keepOpen});
+    }
+}
+
+void TestAnswers::start(Request request)
+{
+    scene.checker->newVersion = "27";
+    scene.checker->mainVersion = "12";
+    scene.ask(request);
+}
+
+void TestAnswers::bad()
+{
+    QFETCH(Request, request);
+    QFETCH(Answer, answer);
+    scene.server.setAnswer(Scene::path(request), answer);
+    start(request);
+    const qsizetype count = scene.networkError(request).size();
+    QTRY_VERIFY(scene.rests(count));
+    QCOMPARE(scene.journal->events, scene.networkError(request));
+    QVERIFY(scene.checker->reply != nullptr);
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    for (const QByteArray& head : scene.server.requests()) // a dropped connection may be tried once more
+        QVERIFY(!head.contains("Authorization"));
+}
+
+void TestAnswers::nobodyListens_data()
+{
+    QTest::addColumn<Request>("request");
+    for (const auto& [request, name] : allRequests)
+        QTest::newRow(name) << request;
+}
+
+void TestAnswers::nobodyListens()
+{
+    QFETCH(Request, request);
+    const QByteArray proxy = qgetenv("http_proxy");
+    RawServer closed;
+    qputenv("http_proxy", closed.address({}).toUtf8());
+    closed.stopListening();
+    scene.ask(request, closed);
+    const bool refused = QTest::qWaitFor([this] { return scene.rests(2); });
+    qputenv("http_proxy", proxy);
+    QVERIFY(refused);
+    QCOMPARE(scene.journal->events, scene.networkError(request));
+}
+
+void TestAnswers::good_data()
+{
+    QTest::addColumn<Request>("request");
+    QTest::addColumn<Answer>("answer");
+    QByteArrayList manyHeaders;
+    for (int i = 0; i < 500; ++i)
+        manyHeaders.append("X-Filler: " + QByteArray(100, 'x'));
+    const QByteArray log = "better";
+    const QByteArray text = scene.catalogue({{"HB4Ver", "23"}});
+    for (const auto& [request, requestName] : allRequests) {
+        if (request == Request::image)
+            continue; // what is stored of an image has tests of its own
+        const auto row = [request = request, requestName = requestName](const char* name,
+                                                                        const Answer& answer) {
+            QTest::addRow("%s, %s", requestName, name) << request << answer;
+        };
+        const QByteArray& body = request == Request::catalogue ? text : log;
+        const QByteArray packed = gzip(body);
+        row("drop by drop", {drops(httpAnswer("200 OK", body)), End::keepOpen});
+        row("chunked",
+            {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(body, 5)}, End::keepOpen});
+        row("chunked, drop by drop",
+            {drops("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(body, 3)),
+             End::keepOpen});
+        row("gzip", ok(packed, {"Content-Encoding: gzip"}));
+        row("gzip, drop by drop",
+            {drops(httpAnswer("200 OK", packed, {"Content-Encoding: gzip"})), End::keepOpen});
+        row("deflate", ok(qCompress(body).mid(4), {"Content-Encoding: deflate"}));
+        row("more than announced", {{httpAnswer("200 OK", body) + "and more"}});
+        row("no length, then closed", {{"HTTP/1.1 200 OK\r\n\r\n" + body}});
+        row("HTTP 1.0", {{"HTTP/1.0 200 OK\r\n\r\n" + body}});
+        row("bare line ends in the head",
+            {{"HTTP/1.1 200 OK\nContent-Length: " + QByteArray::number(body.size()) + "\n\n" + body}});
+        row("as text/html", ok(body, {"Content-Type: text/html"}));
+        row("many headers", ok(body, manyHeaders));
+    }
+}
+
+void TestAnswers::good()
+{
+    QFETCH(Request, request);
+    QFETCH(Answer, answer);
+    scene.server.setAnswer(Scene::path(request), answer);
+    start(request);
+    const QMap<Request, QString> outcome{
+        {Request::catalogue, told::signal("youHaveLastVersion")},
+        {Request::changeLog, told::signal("findNewVersion", {"27", "better"})},
+        {Request::mainChangeLog, told::signal("findMainNewVersion", {"12", "better"})},
+    };
+    QTRY_COMPARE(scene.journal->events, QStringList{outcome[request]});
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+}
+
+void TestAnswers::afterAnErrorTheNextAnswerCounts()
+{
+    scene.server.setAnswer(cataloguePath, {{}, End::reset});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
+    scene.journal->events.clear();
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("youHaveLastVersion")});
+}
+
+QTEST_GUILESS_MAIN(TestAnswers)
+#include "tst_answers.moc"

@@ -1,0 +1,228 @@
+#include "net/scene.h"
+
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+const QStringList badAddress{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
+                             told::problem()};
+
+} // namespace
+
+/// The change logs of a newer firmware and of a newer updater. They differ in the address and in the signal.
+class TestChangeLog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void address_data();
+    void address();
+    void badAddressAsksNobody_data() { bothLogs(); }
+    void badAddressAsksNobody();
+    void secondUseOfAnAddressFails_data() { bothLogs(); }
+    void secondUseOfAnAddressFails();
+    void text_data();
+    void text();
+    void successLeavesNothing_data() { bothLogs(); }
+    void successLeavesNothing();
+    void errorKeepsThePartialText_data() { bothLogs(); }
+    void errorKeepsThePartialText();
+    void eachPieceEndsAtItsNul_data() { bothLogs(); }
+    void eachPieceEndsAtItsNul();
+    void characterSplitBetweenPieces();
+
+private:
+    static void bothLogs();
+    [[nodiscard]] QString& addressOf(Request log);
+    void download(Request log);
+    [[nodiscard]] static QString offer(Request log, const QString& text);
+
+    Scene scene;
+};
+
+void TestChangeLog::bothLogs()
+{
+    QTest::addColumn<Request>("log");
+    QTest::newRow("firmware") << Request::changeLog;
+    QTest::newRow("updater") << Request::mainChangeLog;
+}
+
+QString& TestChangeLog::addressOf(Request log)
+{
+    return log == Request::changeLog ? scene.checker->changeLogUrl : scene.checker->mainChangeLogUrl;
+}
+
+void TestChangeLog::download(Request log)
+{
+    scene.checker->newVersion = "27";
+    scene.checker->mainVersion = "12";
+    if (log == Request::changeLog)
+        scene.checker->downloadChangeLog();
+    else
+        scene.checker->downloadMainChangeLog();
+}
+
+QString TestChangeLog::offer(Request log, const QString& text)
+{
+    return log == Request::changeLog ? told::signal("findNewVersion", {"27", text})
+                                     : told::signal("findMainNewVersion", {"12", text});
+}
+
+void TestChangeLog::address_data()
+{
+    QTest::addColumn<Request>("log");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("requestLine");
+    const QString host = "127.0.0.1:" + QString::number(scene.server.port());
+    const auto row = [&host](const char* name, Request log, const QString& start, const QString& path,
+                             const QByteArray& wire) {
+        QTest::newRow(name) << log << start + host + path << path << "GET " + wire + " HTTP/1.1\r";
+    };
+    row("http", Request::changeLog, "http://", "/a/b.txt", "/a/b.txt");
+    row("https is asked for as http", Request::changeLog, "https://", "/a/b.txt", "/a/b.txt");
+    row("query", Request::changeLog, "http://", "/a.txt?b=c&d", "/a.txt?b=c&d");
+    row("blank in the path", Request::changeLog, "http://", "/a b.txt", "/a%20b.txt");
+    row("only the root", Request::changeLog, "http://", "/", "/");
+    row("updater, http", Request::mainChangeLog, "http://", "/a/b.txt", "/a/b.txt");
+    row("updater, https is asked for as http", Request::mainChangeLog, "https://", "/a/b.txt", "/a/b.txt");
+}
+
+void TestChangeLog::address()
+{
+    QFETCH(Request, log);
+    QFETCH(QString, before);
+    QFETCH(QByteArray, requestLine);
+    addressOf(log) = before;
+    download(log);
+    QTEST(addressOf(log), "path"); // cut in place
+    QVERIFY(scene.checker->timeoutTimer->isActive());
+    QTRY_COMPARE(scene.server.requests().size(), 1);
+    QCOMPARE(scene.server.requests().first().split('\n').first(), requestLine);
+}
+
+void TestChangeLog::badAddressAsksNobody()
+{
+    QFETCH(Request, log);
+    for (const QString bad : {"http://127.0.0.1", "127.0.0.1/a.txt", "http://127.0.0.1//a.txt", ""}) {
+        scene.reset();
+        addressOf(log) = bad;
+        download(log);
+        QCOMPARE(scene.journal->all, badAddress);
+        QCOMPARE(addressOf(log), bad);
+        QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+    }
+}
+
+void TestChangeLog::secondUseOfAnAddressFails()
+{
+    QFETCH(Request, log);
+    scene.server.setAnswer("/a.txt", ok("better"));
+    addressOf(log) = scene.server.address("/a.txt");
+    download(log);
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "better")});
+    scene.journal->events.clear();
+    download(log);
+    QCOMPARE(scene.journal->events, badAddress);
+    QCOMPARE(scene.server.requests().size(), 1);
+}
+
+void TestChangeLog::text_data()
+{
+    QTest::addColumn<Request>("log");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("shown");
+    for (const Request log : {Request::changeLog, Request::mainChangeLog}) {
+        const auto row = [log](const char* name, const QByteArray& body, const QString& shown) {
+            QTest::addRow("%s, %s", log == Request::changeLog ? "firmware" : "updater", name)
+                << log << body << shown;
+        };
+        row("one line", "better", "better");
+        row("carriage returns stay", "a\r\nb\r\n", "a\r\nb\r\n");
+        row("UTF-8", "\xC3\xA4\xE2\x82\xAC", QString::fromUtf8("\xC3\xA4\xE2\x82\xAC"));
+        row("ends at a NUL byte", QByteArray("a\0b", 3), "a");
+    }
+}
+
+void TestChangeLog::text()
+{
+    QFETCH(Request, log);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, shown);
+    scene.server.setAnswer(Scene::path(log), ok(body));
+    scene.checker->newVersion = "27";
+    scene.checker->mainVersion = "12";
+    scene.ask(log);
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, shown)});
+}
+
+void TestChangeLog::successLeavesNothing()
+{
+    QFETCH(Request, log);
+    scene.checker->infoData = "stale catalogue";
+    scene.server.setAnswer(Scene::path(log), ok("first"));
+    addressOf(log) = scene.server.address(Scene::path(log));
+    download(log);
+    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "first")});
+    QVERIFY(scene.checker->changeLogText.isEmpty());
+    QVERIFY(scene.checker->infoData.isEmpty());
+    QCOMPARE(scene.checker->reply, nullptr);
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QTRY_VERIFY(reply.isNull());
+
+    scene.server.setAnswer(Scene::path(log), ok("second"));
+    addressOf(log) = scene.server.address(Scene::path(log));
+    download(log);
+    QTRY_COMPARE(scene.journal->events, (QStringList{offer(log, "first"), offer(log, "second")}));
+}
+
+void TestChangeLog::errorKeepsThePartialText()
+{
+    QFETCH(Request, log);
+    scene.server.setAnswer(Scene::path(log), {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    addressOf(log) = scene.server.address(Scene::path(log));
+    download(log);
+    QTRY_VERIFY(scene.rests(4));
+    QCOMPARE(scene.journal->events, scene.networkError(log));
+    QCOMPARE(scene.checker->changeLogText, QString("half"));
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+
+    scene.journal->events.clear();
+    scene.server.setAnswer(Scene::path(log), ok(", whole"));
+    addressOf(log) = scene.server.address(Scene::path(log));
+    download(log);
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "half, whole")});
+}
+
+void TestChangeLog::eachPieceEndsAtItsNul()
+{
+    QFETCH(Request, log);
+    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
+    scene.server.setAnswer(
+        Scene::path(log),
+        {{head + "one" + '\0' + 'x', QByteArray("two\0y", 5)}, RawServer::End::keepOpen, true});
+    addressOf(log) = scene.server.address(Scene::path(log));
+    download(log);
+    QTRY_COMPARE(scene.checker->changeLogText, QString("one"));
+    scene.server.goOn();
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "onetwo")});
+}
+
+void TestChangeLog::characterSplitBetweenPieces()
+{
+    scene.server.setAnswer(
+        changeLogPath,
+        {{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\na\xC3", "\xA4z"}, RawServer::End::keepOpen, true});
+    addressOf(Request::changeLog) = scene.server.address(changeLogPath);
+    download(Request::changeLog);
+    QTRY_VERIFY(scene.checker->changeLogText.startsWith('a'));
+    scene.server.goOn();
+    const QString shown = 'a' + QString(2, QChar(QChar::ReplacementCharacter)) + 'z'; // each half by itself
+    QTRY_COMPARE(scene.journal->events, QStringList{offer(Request::changeLog, shown)});
+}
+
+QTEST_GUILESS_MAIN(TestChangeLog)
+#include "tst_changelog.moc"

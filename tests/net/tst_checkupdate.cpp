@@ -1,0 +1,269 @@
+#include "net/scene.h"
+
+#include <QTimer>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(UnitType)
+
+namespace {
+
+const QString upToDate = told::signal("youHaveLastVersion");
+const QString offer = told::signal("findNewVersion", {"27", "better"});
+const QString updaterOffer = told::signal("findMainNewVersion", {"12", "new look"});
+const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
+const QStringList oversized{told::log("UpdateChecker::exitSlot"), told::problem()};
+const QStringList badAddress{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
+                             told::problem()};
+
+using Changes = QMap<QString, QString>;
+
+} // namespace
+Q_DECLARE_METATYPE(Changes)
+
+/// From the press of Connect to the offer: the catalogue's request, its answer, and what follows from it.
+class TestCheckUpdate : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void requestBytes_data();
+    void requestBytes();
+    void outcome_data();
+    void outcome();
+    void takesOverWhatItFinds();
+    void incompleteCatalogueIsTakenOver();
+    void lineEndsDoNotMatter();
+    void model_data();
+    void model();
+    void unknownModelReadsHb2_data();
+    void unknownModelReadsHb2();
+    void versionByteIsNotCompared();
+    void size_data();
+    void size();
+    void goodAnswerReleasesTheReply();
+    void updaterOfferLeavesTheCatalogue();
+
+private:
+    Scene scene;
+};
+
+void TestCheckUpdate::init()
+{
+    scene.reset();
+    scene.server.setAnswer(changeLogPath, ok("better"));
+    scene.server.setAnswer(mainChangeLogPath, ok("new look"));
+}
+
+void TestCheckUpdate::requestBytes_data()
+{
+    QTest::addColumn<Request>("request");
+    QTest::addColumn<QByteArray>("requestLine");
+    QTest::addColumn<QByteArray>("host");
+    const QByteArray own = "127.0.0.1:" + QByteArray::number(scene.server.port());
+    QTest::newRow("catalogue, through the system's proxy")
+        << Request::catalogue
+        << QByteArray("GET http://updates.talvex.example/wp-content/uploads/versions.txt HTTP/1.1")
+        << QByteArray("updates.talvex.example");
+    QTest::newRow("change log") << Request::changeLog << QByteArray("GET /logs/HB4.txt HTTP/1.1") << own;
+    QTest::newRow("updater's change log")
+        << Request::mainChangeLog << QByteArray("GET /logs/updater.txt HTTP/1.1") << own;
+    QTest::newRow("image") << Request::image << QByteArray("GET /bin/HB4.sb HTTP/1.1") << own;
+}
+
+/// Of the five headers, four are the toolkit's own; whatever else were added shows.
+void TestCheckUpdate::requestBytes()
+{
+    QFETCH(Request, request);
+    QFETCH(QByteArray, requestLine);
+    QFETCH(QByteArray, host);
+    scene.ask(request);
+    QTRY_COMPARE(scene.server.requests().size(), 1);
+    const QByteArray expected =
+        httpHead({requestLine, "Host: " + host, "User-Agent: MyOwnBrowser 1.0", "Connection: Keep-Alive",
+                  "Accept-Encoding: gzip, deflate", "Accept-Language: en,*"});
+    QCOMPARE(scene.server.requests().first(), expected);
+}
+
+void TestCheckUpdate::outcome_data()
+{
+    QTest::addColumn<Changes>("changes");
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QStringList>("events");
+    QTest::addColumn<QStringList>("paths");
+    const auto row = [](const char* name, const Changes& changes, const char* version,
+                        const QStringList& events, const QStringList& furtherPaths = {}) {
+        QTest::newRow(name) << changes << version << events << QStringList{cataloguePath} + furtherPaths;
+    };
+    row("newer firmware", {}, "23", {offer}, {changeLogPath});
+    row("same firmware", {}, "27", {upToDate});
+    row("older firmware", {}, "30", {upToDate});
+    row("newer updater", {{"MainVer", "12"}}, "30", {updaterOffer}, {mainChangeLogPath});
+    row("newer updater and newer firmware", {{"MainVer", "12"}}, "23", {updaterOffer}, {mainChangeLogPath});
+    row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", incomplete);
+    row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", incomplete);
+    row("no firmware version", {{"HB4Ver", {}}}, "23", incomplete);
+    row("empty firmware version", {{"HB4Ver", ""}}, "23", incomplete);
+    row("no image address", {{"HB4Bin", {}}}, "23", incomplete);
+    row("no change log address", {{"HB4ChangeLog", {}}}, "30", incomplete);
+    row("no updater version", {{"MainVer", {}}}, "30", incomplete);
+    row("no updater address", {{"MacMainBin", {}}}, "30", incomplete);
+    row("no updater address, newer updater", {{"MacMainBin", {}}, {"MainVer", "12"}}, "30", incomplete);
+    row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate});
+    row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", "12"}}, "30", badAddress);
+    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", badAddress);
+}
+
+void TestCheckUpdate::outcome()
+{
+    QFETCH(Changes, changes);
+    QFETCH(QString, version);
+    QFETCH(QStringList, events);
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(changes)));
+    scene.checker->setCurVersion(version);
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(scene.rests(events.size()));
+    QCOMPARE(scene.journal->events, events);
+    QTEST(scene.server.paths(), "paths");
+}
+
+void TestCheckUpdate::takesOverWhatItFinds()
+{
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
+    scene.checker->setCurVersion(QString("27"));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+    QCOMPARE(scene.checker->newVersion, QString("27"));
+    QCOMPARE(scene.checker->binUrl, scene.server.address(imagePath));
+    QCOMPARE(scene.checker->changeLogUrl, scene.server.address(changeLogPath));
+    QCOMPARE(scene.checker->mainVersion, QString("11"));
+    QCOMPARE(scene.checker->mainChangeLogUrl, scene.server.address(mainChangeLogPath));
+    QCOMPARE(scene.checker->mainBinUrl, QString("http://update-server/bin/updater.zip"));
+}
+
+void TestCheckUpdate::incompleteCatalogueIsTakenOver()
+{
+    const QByteArray text = scene.catalogue({{"MacMainBin", {}}});
+    scene.server.setAnswer(cataloguePath, ok(text));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, incomplete);
+    QVERIFY2(scene.checker->mainBinUrl.isEmpty(), "the placeholder goes too");
+    QCOMPARE(scene.checker->newVersion, QString("27"));
+    QVERIFY(scene.checker->reply != nullptr);
+    QCOMPARE(scene.checker->infoData, text);
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+}
+
+void TestCheckUpdate::lineEndsDoNotMatter()
+{
+    QByteArray text = scene.catalogue();
+    text.replace("\n", "\r\n");
+    scene.server.setAnswer(cataloguePath, ok(text));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{offer});
+    QCOMPARE(scene.checker->mainVersion, QString("11"));
+}
+
+void TestCheckUpdate::model_data()
+{
+    QTest::addColumn<UnitType>("type");
+    QTest::addColumn<QString>("version");
+    for (const UnitModel& model : unitModels)
+        QTest::newRow(model.connectedMessage) << model.type << QString(model.catalogueStem) + "'s own";
+}
+
+/// Every model finds its own entries in one catalogue that holds all of them.
+void TestCheckUpdate::model()
+{
+    QFETCH(UnitType, type);
+    Changes all;
+    for (const UnitModel& model : unitModels) {
+        const QString stem = model.catalogueStem;
+        all.insert(stem + "Ver", stem + "'s own");
+        all.insert(stem + "Bin", "http://host/" + stem);
+        all.insert(stem + "ChangeLog", "http://host/" + stem);
+    }
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(all)));
+    scene.checker->setUnitType(type);
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{upToDate}); // these versions begin with no number
+    QTEST(scene.checker->newVersion, "version");
+}
+
+void TestCheckUpdate::unknownModelReadsHb2_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("first behind the last") << 17;
+    QTest::newRow("negative") << -1;
+    QTest::newRow("large") << 1000;
+}
+
+void TestCheckUpdate::unknownModelReadsHb2()
+{
+    QFETCH(int, type);
+    const QByteArray text =
+        scene.catalogue({{"HB2Ver", "5"}, {"HB2Bin", "http://h/b"}, {"HB2ChangeLog", "http://h/l"}});
+    scene.server.setAnswer(cataloguePath, ok(text));
+    scene.checker->setUnitType(static_cast<UnitType>(type));
+    scene.checker->checkUpdate();
+    const QStringList expected{told::log(QString("Can't recog unitType %1").arg(type)), upToDate};
+    QTRY_COMPARE(scene.journal->events, expected);
+    QCOMPARE(scene.checker->newVersion, QString("5"));
+}
+
+void TestCheckUpdate::versionByteIsNotCompared()
+{
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
+    scene.checker->setCurVersion(static_cast<unsigned char>(99));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{offer});
+}
+
+void TestCheckUpdate::size_data()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<int>("carriageReturns");
+    QTest::addColumn<QStringList>("events");
+    QTest::newRow("10245 bytes") << 10245 << 0 << QStringList{upToDate};
+    QTest::newRow("10246 bytes") << 10246 << 0 << oversized + QStringList{upToDate};
+    QTest::newRow("10245 bytes without carriage returns") << 10245 << 50 << QStringList{upToDate};
+    QTest::newRow("much more") << 1000000 << 0 << oversized + QStringList{upToDate};
+}
+
+void TestCheckUpdate::size()
+{
+    QFETCH(int, bytes);
+    QFETCH(int, carriageReturns);
+    QFETCH(QStringList, events);
+    const QByteArray text = scene.catalogue().leftJustified(bytes, ' ') + QByteArray(carriageReturns, '\r');
+    scene.server.setAnswer(cataloguePath, ok(text));
+    scene.checker->setCurVersion(QString("27"));
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(scene.rests(events.size()));
+    QCOMPARE(scene.journal->events, events);
+}
+
+void TestCheckUpdate::goodAnswerReleasesTheReply()
+{
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
+    scene.checker->checkUpdate();
+    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+    QCOMPARE(scene.checker->reply, nullptr);
+    QCOMPARE(scene.checker->infoData, QByteArray());
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QTRY_VERIFY(reply.isNull());
+}
+
+void TestCheckUpdate::updaterOfferLeavesTheCatalogue()
+{
+    const QByteArray text = scene.catalogue({{"MainVer", "12"}});
+    scene.server.setAnswer(cataloguePath, ok(text));
+    scene.server.setAnswer(mainChangeLogPath, {{}, RawServer::End::keepOpen});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 2);
+    QCOMPARE(scene.checker->infoData, text); // the change log's completion clears it
+}
+
+QTEST_GUILESS_MAIN(TestCheckUpdate)
+#include "tst_checkupdate.moc"

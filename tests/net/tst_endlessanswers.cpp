@@ -1,0 +1,118 @@
+#include "net/scene.h"
+
+#include <QFile>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+constexpr qint64 mebibyte = 1024 * 1024;
+constexpr qint64 keptLimit = 64 * mebibyte;
+constexpr qint64 memoryLimit = 512 * mebibyte; ///< the process's peak: client, server and test together
+constexpr auto patience = 60000;               ///< ms
+
+/// From now on the peak counts afresh. Linux.
+void forgetMemoryPeak()
+{
+    QFile refs("/proc/self/clear_refs");
+    QVERIFY(refs.open(QIODevice::WriteOnly) && refs.write("5") == 1 && refs.flush());
+}
+
+/// Most memory the process held, in bytes; 0: unknown.
+qint64 memoryPeak()
+{
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray& line : lines)
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+    return 0;
+}
+
+void addRequests()
+{
+    QTest::addColumn<Request>("request");
+    QTest::newRow("catalogue") << Request::catalogue;
+    QTest::newRow("change log") << Request::changeLog;
+    QTest::newRow("updater's change log") << Request::mainChangeLog;
+    QTest::newRow("image") << Request::image;
+}
+
+} // namespace
+
+/// A server that sends without end does not fill the memory.
+class TestEndlessAnswers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void plain_data() { addRequests(); }
+    void plain();
+    void compressed_data() { addRequests(); }
+    void compressed();
+    void justWithinTheLimit();
+
+private:
+    [[nodiscard]] qint64 kept() const;
+    void expectGivenUp(Request request);
+
+    Scene scene;
+};
+
+qint64 TestEndlessAnswers::kept() const
+{
+    const UpdateChecker& checker = *scene.checker;
+    return std::max({checker.infoData.size(), checker.firmwareData.size(), checker.changeLogText.size()});
+}
+
+void TestEndlessAnswers::expectGivenUp(Request request)
+{
+    scene.ask(request);
+    const QStringList expected = scene.networkError(request);
+    QTRY_VERIFY_WITH_TIMEOUT(scene.rests(expected.size()), patience);
+    const QStringList last = scene.journal->events.mid(scene.journal->events.size() - expected.size());
+    QCOMPARE(last, scene.networkError(request)); // before it, reports of the announced size
+    QCOMPARE(scene.checker->reply->error(), QNetworkReply::OperationCanceledError);
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(kept() > keptLimit);
+}
+
+void TestEndlessAnswers::plain()
+{
+    QFETCH(Request, request);
+    const QByteArray piece(128 * 1024, 'x');
+    scene.server.setAnswer(
+        Scene::path(request),
+        {{"HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n", piece}, RawServer::End::close, false, true});
+    forgetMemoryPeak();
+    expectGivenUp(request);
+    const qint64 peak = memoryPeak();
+    QVERIFY2(peak > 0 && peak < memoryLimit, qPrintable(QString("%1 MiB").arg(peak / mebibyte)));
+    QVERIFY2(scene.server.bytesSent() < 3 * keptLimit, "the server was not kept waiting");
+}
+
+/// Qt unpacks some 64 MiB at once, so the peak is higher; given up it is all the same.
+void TestEndlessAnswers::compressed()
+{
+    QFETCH(Request, request);
+    static const QByteArray packed = qCompress(QByteArray(128 * mebibyte, 'x')).mid(4); // 130 kB
+    scene.server.setAnswer(Scene::path(request), ok(packed, {"Content-Encoding: deflate"}));
+    expectGivenUp(request);
+}
+
+void TestEndlessAnswers::justWithinTheLimit()
+{
+    const QByteArray log(keptLimit, 'x');
+    scene.checker->newVersion = "27";
+    scene.server.setAnswer(changeLogPath, ok(log));
+    scene.ask(Request::changeLog);
+    const QString expected = told::signal("findNewVersion", {"27", QString::fromLatin1(log)});
+    QTRY_VERIFY_WITH_TIMEOUT(!scene.checker->isBusy(), patience);
+    QVERIFY(scene.journal->events.last() == expected); // not compared aloud: 64 MiB
+}
+
+QTEST_GUILESS_MAIN(TestEndlessAnswers)
+#include "tst_endlessanswers.moc"

@@ -1,0 +1,134 @@
+#include "net/scene.h"
+
+#include <QFile>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+const QString upToDate = told::signal("youHaveLastVersion");
+const QString offer = told::signal("findNewVersion", {"27", "better"});
+const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
+
+} // namespace
+
+/// What one request leaves to the next, and what two of them at once do to each other.
+class TestOverlappingRequests : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void staleLines_data();
+    void staleLines();
+    void secondCheckInFlight_data();
+    void secondCheckInFlight();
+    void checkDuringADownload_data();
+    void checkDuringADownload();
+
+private:
+    Scene scene;
+};
+
+void TestOverlappingRequests::init()
+{
+    scene.reset();
+    scene.server.setAnswer(changeLogPath, ok("better"));
+}
+
+void TestOverlappingRequests::staleLines_data()
+{
+    QTest::addColumn<QByteArray>("stale");
+    QTest::addColumn<QStringList>("events");
+    QTest::addColumn<QString>("version");
+    QTest::newRow("duplicate key takes the fresh value")
+        << QByteArray("HB4Ver=99\n") << QStringList{offer} << "27";
+    QTest::newRow("other keys still count")
+        << QByteArray("HB4Ver=99\nMainVer=12\n") << QStringList{offer} << "27"; // the fresh MainVer is 11
+    QTest::newRow("last line without its end runs into the first fresh line")
+        << QByteArray("HB4Ver=99\nremark ") << incomplete << "27";
+    QTest::newRow("NUL byte hides what is fresh") << QByteArray("HB4Ver=99\n\0\n", 12) << incomplete << "99";
+}
+
+/// A first answer is cut short; what arrived of it stands before the second answer.
+void TestOverlappingRequests::staleLines()
+{
+    QFETCH(QByteArray, stale);
+    QFETCH(QStringList, events);
+    scene.server.setAnswer(cataloguePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + stale}});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
+    QCOMPARE(scene.checker->infoData, stale);
+    QVERIFY(scene.checker->newVersion.isEmpty());
+
+    scene.journal->events.clear();
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(scene.rests(events.size()));
+    QCOMPARE(scene.journal->events, events);
+    QTEST(scene.checker->newVersion, "version");
+}
+
+void TestOverlappingRequests::secondCheckInFlight_data()
+{
+    QTest::addColumn<bool>("inMidAnswer");
+    QTest::newRow("nothing arrived yet") << false;
+    QTest::newRow("half the answer arrived") << true;
+}
+
+/// The first reply's completion acts on the second reply, whatever comes of it; no crash and no hang.
+void TestOverlappingRequests::secondCheckInFlight()
+{
+    QFETCH(bool, inMidAnswer);
+    const QByteArray answer = httpAnswer("200 OK", scene.catalogue());
+    const int half = answer.size() / 2;
+    scene.server.setAnswer(cataloguePath,
+                           {{answer.left(inMidAnswer ? half : 0), answer.mid(inMidAnswer ? half : 0)},
+                            RawServer::End::keepOpen,
+                            true});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 1);
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 2);
+    scene.server.goOn();
+    QTRY_VERIFY(scene.rests(1));
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+
+    scene.checker->infoData.clear();
+    scene.journal->events.clear();
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
+    scene.checker->checkUpdate(); // and the checker still works
+    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+}
+
+void TestOverlappingRequests::checkDuringADownload_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("catalogue not answered") << QByteArray();
+    QTest::newRow("catalogue half there") << httpAnswer("200 OK", scene.catalogue()).chopped(10);
+    QTest::newRow("catalogue incomplete") << httpAnswer("200 OK", "MainVer=11\n");
+}
+
+/// Half an image, or one with a catalogue in it, is never stored as firmware.
+void TestOverlappingRequests::checkDuringADownload()
+{
+    QFETCH(QByteArray, answer);
+    const QByteArray image = httpAnswer("200 OK", QByteArray(1000, 'i'));
+    const QString stored = QCoreApplication::applicationDirPath() + "/updater.sb";
+    scene.server.setAnswer(imagePath,
+                           {{image.chopped(500), image.right(500)}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(cataloguePath, {{answer}, RawServer::End::keepOpen});
+    scene.ask(Request::image);
+    QTRY_COMPARE(scene.checker->firmwareData.size(), 500);
+    QNetworkReply* const download = scene.checker->reply;
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 2);
+    QTRY_COMPARE(scene.server.bytesSent(), image.size() - 500 + answer.size());
+    QTest::qWait(50); // the catalogue's bytes may be anywhere now: nothing that shows outside tells
+    scene.server.goOn();
+    QTRY_VERIFY(!download->isRunning());
+    QVERIFY2(!QFile::remove(stored), "a broken image was stored");
+}
+
+QTEST_GUILESS_MAIN(TestOverlappingRequests)
+#include "tst_overlappingrequests.moc"

@@ -1,0 +1,87 @@
+#include "net/scene.h"
+
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+constexpr int silenceLimitMs = 30000;
+
+/// As if the time were over.
+void letFire(QTimer* timer)
+{
+    QTimerEvent event(timer->timerId());
+    QCoreApplication::sendEvent(timer, &event);
+}
+
+} // namespace
+
+/// Servers that do not go on: reported every 30 s without progress, never given up.
+class TestSilence : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void progressRestartsTheClock();
+    void silenceIsReportedAgainAndAgain_data();
+    void silenceIsReportedAgainAndAgain();
+    void silenceInMidAnswer();
+
+private:
+    Scene scene;
+};
+
+void TestSilence::progressRestartsTheClock()
+{
+    QTimer* timer = scene.checker->timeoutTimer;
+    timer->start(silenceLimitMs * 10);
+    scene.checker->onDataReadProgress(1, 2);
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), silenceLimitMs);
+}
+
+void TestSilence::silenceIsReportedAgainAndAgain_data()
+{
+    QTest::addColumn<Request>("request");
+    QTest::newRow("catalogue") << Request::catalogue;
+    QTest::newRow("change log") << Request::changeLog;
+    QTest::newRow("updater's change log") << Request::mainChangeLog;
+    QTest::newRow("image") << Request::image;
+}
+
+void TestSilence::silenceIsReportedAgainAndAgain()
+{
+    QFETCH(Request, request);
+    scene.server.setAnswer(Scene::path(request), {{}, RawServer::End::keepOpen});
+    scene.ask(request);
+    QTRY_COMPARE(scene.server.requests().size(), 1);
+    QTimer* timer = scene.checker->timeoutTimer;
+    QCOMPARE(timer->interval(), silenceLimitMs);
+    QStringList expected;
+    for (int report = 1; report <= 3; ++report) {
+        QVERIFY(timer->isActive());
+        letFire(timer);
+        expected += {told::log("UpdateChecker::exitSlot"), told::problem()};
+        QCOMPARE(scene.journal->all, expected);
+        QVERIFY(scene.checker->isBusy());
+    }
+}
+
+void TestSilence::silenceInMidAnswer()
+{
+    const QByteArray answer = httpAnswer("200 OK", scene.catalogue({{"HB4Ver", "23"}}));
+    scene.server.setAnswer(
+        cataloguePath, {{answer.left(answer.size() - 9), answer.right(9)}, RawServer::End::keepOpen, true});
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(!scene.checker->infoData.isEmpty());
+    letFire(scene.checker->timeoutTimer);
+    scene.server.goOn(); // the answer that comes late is used all the same
+    const QStringList expected{told::log("UpdateChecker::exitSlot"), told::problem(),
+                               told::signal("youHaveLastVersion")};
+    QTRY_COMPARE(scene.journal->events, expected);
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+}
+
+QTEST_GUILESS_MAIN(TestSilence)
+#include "tst_silence.moc"

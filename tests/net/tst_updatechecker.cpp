@@ -1,0 +1,257 @@
+#include "net/scene.h"
+
+#include <QAuthenticator>
+#include <QDir>
+#include <QFile>
+#include <QMetaMethod>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+/// "name(Type parameter, Type)", as the class declares it.
+QString declaration(const QMetaMethod& method)
+{
+    QStringList parameters;
+    const QList<QByteArray> types = method.parameterTypes();
+    const QList<QByteArray> names = method.parameterNames();
+    for (int i = 0; i < types.size(); ++i)
+        parameters.append(QString::fromLatin1(types[i] + ' ' + names[i]).trimmed());
+    return QString::fromLatin1(method.name()) + '(' + parameters.join(", ") + ')';
+}
+
+QStringList declarations(QMetaMethod::MethodType kind)
+{
+    const QMetaObject& meta = UpdateChecker::staticMetaObject;
+    QStringList all;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        if (meta.method(i).methodType() == kind)
+            all.append(declaration(meta.method(i)));
+    return all;
+}
+
+/// A reply that was never sent; knows whether it was told to ignore TLS errors.
+class ForeignReply : public QNetworkReply
+{
+public:
+    bool ignoring = false;
+    void abort() override {}
+    void ignoreSslErrors() override { ignoring = true; }
+
+protected:
+    qint64 readData(char* /*data*/, qint64 /*size*/) override { return -1; }
+};
+
+} // namespace
+
+/// The checker's face, its reports and its state; the requests have tests of their own.
+class TestUpdateChecker : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void signalsInOrder();
+    void slotsInOrder();
+    void newChecker();
+    void settersOnlyStore();
+    void progress_data();
+    void progress();
+    void announcedSize_data();
+    void announcedSize();
+    void problemsAreOneText();
+    void serviceFileGoesBeforeTheCatalogue();
+    void tlsErrorsAreIgnoredOnTheOwnReply();
+    void noCredentials();
+    void goesAwayInMidRequest();
+
+private:
+    Scene scene;
+};
+
+void TestUpdateChecker::signalsInOrder()
+{
+    const QStringList expected{
+        "findMainNewVersion(QString newVersion, QString changeLog)",
+        "findNewVersion(QString newVersion, QString changeLog)",
+        "youHaveLastVersion()",
+        "checkversionError(QString error)",
+        "downloadProgress(int percent)",
+        "newUpdateFileDownloaded(bool)",
+        "youHaveProblem(QString, QString)",
+        "changeUpdateFileName(QString)",
+        "startDownloadMainUpdate()",
+    };
+    QCOMPARE(declarations(QMetaMethod::Signal), expected);
+}
+
+void TestUpdateChecker::slotsInOrder()
+{
+    const QStringList expected{
+        "onNeedDownloadNewFirmware()",
+        "onNeedDownloadNewMainFirmware()",
+        "downloadChangeLog()",
+        "downloadMainChangeLog()",
+        "exitSlot()",
+        "onDataReadProgress(qlonglong done, qlonglong total)",
+        "replyFinished()",
+        "httpReadyRead()",
+        "httpReadyRead2()",
+        "httpReadyRead3()",
+        "replyFinishedOnDone()",
+        "downloadChangeLogDone()",
+        "downloadMainChangeLogDone()",
+        "sslErrors(QNetworkReply*, QList<QSslError> errors)",
+        "slotAuthenticationRequired(QNetworkReply*, QAuthenticator*)",
+    };
+    QCOMPARE(declarations(QMetaMethod::Slot), expected);
+    QCOMPARE(declarations(QMetaMethod::Method), QStringList());
+}
+
+void TestUpdateChecker::newChecker()
+{
+    const UpdateChecker checker;
+    QVERIFY(checker.mainBinUrl.startsWith("http://"));
+    QCOMPARE(checker.mainBinUrl.size(), 15);
+    QCOMPARE(checker.reply, nullptr);
+    QVERIFY(!checker.isBusy());
+    QCOMPARE(checker.timeoutTimer->parent(), &checker);
+    QVERIFY(!checker.timeoutTimer->isActive());
+    QVERIFY(!checker.timeoutTimer->isSingleShot());
+    QVERIFY(checker.infoData.isEmpty() && checker.firmwareData.isEmpty() && checker.changeLogText.isEmpty());
+    QVERIFY(QMetaType::type("QList<QSslError>") != QMetaType::UnknownType);
+}
+
+void TestUpdateChecker::settersOnlyStore()
+{
+    scene.checker->setUnitType(UNIT_PLT65);
+    scene.checker->setCurVersion(static_cast<unsigned char>(255));
+    scene.checker->setCurVersion(QString("1.05"));
+    QCOMPARE(scene.checker->unitType, UNIT_PLT65);
+    QCOMPARE(int(scene.checker->curVersionByte), 255);
+    QCOMPARE(scene.checker->curVersion, QString("1.05"));
+    QCOMPARE(scene.journal->all, QStringList());
+    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+}
+
+void TestUpdateChecker::progress_data()
+{
+    QTest::addColumn<qint64>("done");
+    QTest::addColumn<qint64>("total");
+    QTest::addColumn<int>("percent");
+    const auto row = [](const char* name, qint64 done, qint64 total, int percent) {
+        QTest::newRow(name) << done << total << percent;
+    };
+    row("half", 512, 1024, 50);
+    row("a third is truncated", 1, 3, 33);
+    row("almost all", 14999999, 15000000, 99);
+    row("all", 15000000, 15000000, 100);
+    row("nothing yet", 0, 1024, 0);
+    row("unknown total", 77, -1, 100);
+    row("unknown total, nothing yet", 0, -1, 100);
+    row("total of nothing", 0, 0, 100);
+    row("more than announced", 2048, 1024, 200);
+}
+
+void TestUpdateChecker::progress()
+{
+    QFETCH(qint64, done);
+    QFETCH(qint64, total);
+    QFETCH(int, percent);
+    scene.checker->onDataReadProgress(done, total);
+    scene.checker->onDataReadProgress(done, total); // at every report
+    QCOMPARE(scene.journal->progress, (QVector<int>{percent, percent}));
+    QCOMPARE(scene.journal->events, QStringList());
+}
+
+void TestUpdateChecker::announcedSize_data()
+{
+    QTest::addColumn<qint64>("done");
+    QTest::addColumn<qint64>("total");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("reported");
+    QTest::newRow("15000000 bytes") << qint64(7500000) << qint64(15000000) << 50 << false;
+    QTest::newRow("15000001 bytes") << qint64(7500001) << qint64(15000001) << 50 << true;
+    QTest::newRow("much more") << qint64(4000000000) << qint64(8000000000) << 50 << true;
+    QTest::newRow("a lying server's most")
+        << std::numeric_limits<qint64>::max() << std::numeric_limits<qint64>::max() << 100 << true;
+}
+
+void TestUpdateChecker::announcedSize()
+{
+    QFETCH(qint64, done);
+    QFETCH(qint64, total);
+    QFETCH(int, percent);
+    QFETCH(bool, reported);
+    QStringList expected{told::signal("downloadProgress", {QString::number(percent)})};
+    if (reported)
+        expected = QStringList{told::log("UpdateChecker::downloadError"),
+                               told::log("UpdateChecker::exitSlot"), told::problem()} +
+                   expected;
+    scene.checker->onDataReadProgress(done, total);
+    QCOMPARE(scene.journal->all, expected);
+}
+
+void TestUpdateChecker::problemsAreOneText()
+{
+    scene.checker->exitSlot();
+    QCOMPARE(scene.journal->all, (QStringList{told::log("UpdateChecker::exitSlot"), told::problem()}));
+    scene.reset();
+    scene.checker->downloadError();
+    QCOMPARE(scene.journal->all, (QStringList{told::log("UpdateChecker::downloadError"),
+                                              told::log("UpdateChecker::exitSlot"), told::problem()}));
+}
+
+void TestUpdateChecker::serviceFileGoesBeforeTheCatalogue()
+{
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
+    const QString path = QCoreApplication::applicationDirPath() + "/SUPER_MEGA_UPDATE.sb";
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    scene.checker->checkUpdate();
+    QVERIFY(file.remove());
+    QCOMPARE(scene.journal->all, (QStringList{told::signal("changeUpdateFileName", {path}),
+                                              told::signal("newUpdateFileDownloaded", {"true"})}));
+    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+    scene.checker->checkUpdate(); // with the file gone again, the catalogue is asked for
+    QTRY_COMPARE(scene.server.paths().value(0), QString(cataloguePath));
+}
+
+void TestUpdateChecker::tlsErrorsAreIgnoredOnTheOwnReply()
+{
+    ForeignReply own;
+    ForeignReply failing;
+    scene.checker->reply = &own;
+    scene.checker->sslErrors(&failing, {QSslError(QSslError::SelfSignedCertificate)});
+    scene.checker->reply = nullptr;
+    scene.checker->sslErrors(&failing, {}); // with none in flight nothing happens
+    QVERIFY(own.ignoring);
+    QVERIFY(!failing.ignoring);
+    QCOMPARE(scene.journal->all, QStringList());
+}
+
+void TestUpdateChecker::noCredentials()
+{
+    QAuthenticator asked;
+    asked.setRealm("firmware");
+    scene.checker->slotAuthenticationRequired(nullptr, &asked);
+    QVERIFY(asked.user().isEmpty() && asked.password().isEmpty());
+    QCOMPARE(scene.journal->all, QStringList());
+}
+
+void TestUpdateChecker::goesAwayInMidRequest()
+{
+    scene.server.setAnswer(imagePath,
+                           {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}, RawServer::End::keepOpen});
+    scene.ask(Request::image);
+    QTRY_COMPARE(scene.checker->firmwareData, QByteArray("half"));
+    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    scene.journal->events.clear();
+    scene.journal->all.clear();
+    scene.checker.reset();
+    QVERIFY(reply.isNull());
+    QCOMPARE(scene.journal->all, QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestUpdateChecker)
+#include "tst_updatechecker.moc"

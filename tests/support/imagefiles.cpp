@@ -1,0 +1,62 @@
+#include "support/imagefiles.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+QByteArray contentOf(const QString& name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    return content.isNull() ? QByteArray("") : content;
+}
+
+bool makeContent(const QString& name, const QByteArray& content)
+{
+    QFile file(name);
+    if (file.exists() && !file.remove() && !QDir(name).removeRecursively())
+        return false;
+    if (content.isNull())
+        return true;
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+}
+
+/// A missing file is not an empty one.
+bool same(const QByteArray& left, const QByteArray& right)
+{
+    return left == right && left.isNull() == right.isNull();
+}
+
+QByteArray summary(const QByteArray& content)
+{
+    return content.isNull()
+               ? QByteArray("none")
+               : QByteArray::number(content.size()) + " bytes '" + content.left(3).toPercentEncoding() + "'";
+}
+
+} // namespace
+
+ImageFiles ImageFiles::at(const QString& imageName)
+{
+    return {contentOf(imageName), contentOf(imageName + ".upd"), contentOf(imageName + ".bkp")};
+}
+
+bool ImageFiles::placeAt(const QString& imageName) const
+{
+    return makeContent(imageName, image) && makeContent(imageName + ".upd", download) &&
+           makeContent(imageName + ".bkp", backup);
+}
+
+bool ImageFiles::operator==(const ImageFiles& other) const
+{
+    return same(image, other.image) && same(download, other.download) && same(backup, other.backup);
+}
+
+char* toString(const ImageFiles& files)
+{
+    return qstrdup("image " + summary(files.image) + ", download " + summary(files.download) + ", backup " +
+                   summary(files.backup));
+}

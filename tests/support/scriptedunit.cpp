@@ -1,0 +1,47 @@
+#include "support/scriptedunit.h"
+
+#include "virtualunit/identity.h"
+
+#include <utility>
+
+Bytes statusReport(ReportLayout layout, std::uint8_t status)
+{
+    Bytes report(64, 0);
+    report[layout.headerOffset] = status;
+    return report;
+}
+
+std::shared_ptr<ScriptedUnit> ScriptedUnit::plugIn(UnitType type)
+{
+    return plugIn(type, std::string(virtualunit::identityOf(type).product));
+}
+
+std::shared_ptr<ScriptedUnit> ScriptedUnit::plugIn(UnitType type, std::optional<std::string> product)
+{
+    auto unit = std::make_shared<ScriptedUnit>();
+    unit->layout = findUnitModel(type)->layout;
+    virtualbus::DeviceRecord record;
+    record.productId = findUnitModel(type)->productId;
+    record.product = std::move(product);
+    unit->number = virtualbus::attach(record, unit);
+    return unit;
+}
+
+void ScriptedUnit::say(const Bytes& report)
+{
+    virtualbus::change([&] { reports.push_back(report); });
+}
+
+virtualunit::VirtualUnit::Receipt ScriptedUnit::write(std::span<const std::uint8_t>, virtualbus::Milliseconds)
+{
+    return {};
+}
+
+std::optional<Bytes> ScriptedUnit::takeInput(virtualbus::Milliseconds)
+{
+    if (reports.empty())
+        return std::nullopt;
+    Bytes oldest = std::move(reports.front());
+    reports.pop_front();
+    return oldest;
+}

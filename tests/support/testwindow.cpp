@@ -1,0 +1,116 @@
+#include "support/testwindow.h"
+
+#include "log/logdownloader.h"
+#include "net/updatechecker.h"
+#include "update/sleepinhibitor.h"
+#include "update/transferstate.h"
+#include "virtualunit/hidapi/virtualbus.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+
+namespace {
+
+/// A quit that nobody's event loop took ends every later one at once; a loop of its own takes it.
+void takePendingQuit()
+{
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+}
+
+void clearProgramDirectory()
+{
+    QDir directory(QCoreApplication::applicationDirPath());
+    const QStringList left = directory.entryList({"updater.sb*", "SUPER_MEGA_UPDATE.sb", "*_log.enc"});
+    for (const QString& name : left)
+        directory.remove(name);
+}
+
+void clearProgramState()
+{
+    sleepinhibitor::release();
+    delete transferTimer;
+    transferTimer = nullptr;
+    fakeProgressValue = 0;
+    fakeProgressTick = 0;
+}
+
+} // namespace
+
+TestWindow::TestWindow()
+{
+    takePendingQuit();
+    virtualbus::clear();
+    clearProgramState();
+    window = std::make_unique<MainWindow>();
+    window->show();
+}
+
+TestWindow::~TestWindow()
+{
+    clearProgramState();
+    UpdateChecker* const checker = window->updateChecker;
+    LogDownloader* const downloader = window->logDownloader;
+    QThread* const worker = window->leftovers().worker;
+    window.reset();
+    worker->quit();
+    worker->wait();
+    delete downloader;
+    delete worker;
+    delete checker;
+    clearProgramDirectory();
+}
+
+QStringList TestWindow::controls() const
+{
+    QStringList all;
+    const auto widgets = window->findChildren<QWidget*>();
+    for (const QWidget* widget : widgets) {
+        if (widget->objectName().isEmpty() || widget->window() != window.get())
+            continue;
+        const QString state = QString(widget->isEnabled() ? "enabled" : "disabled") +
+                              (widget->isVisible() ? " visible" : " hidden");
+        all += QStringList{widget->objectName(), state, widget->property("text").toString(),
+                           widget->property("value").toString()}
+                   .join('|');
+    }
+    return all;
+}
+
+void placeFile(const QString& name, const QByteArray& content)
+{
+    QFile file(QCoreApplication::applicationDirPath() + '/' + name);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size() ||
+        !file.flush())
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+void placeServiceFile(const QByteArray& image)
+{
+    placeFile("SUPER_MEGA_UPDATE.sb", image);
+}
+
+void expectDiagnostic(const QString& beginning)
+{
+    const QRegularExpression line('^' + QRegularExpression::escape(beginning));
+    QTest::ignoreMessage(QtCriticalMsg, line); // qErrnoWarning's type, whatever its name says
+}
+
+bool quits(const std::function<void()>& act, int limitMs)
+{
+    bool late = false;
+    QTimer limit;
+    limit.setSingleShot(true);
+    QObject::connect(&limit, &QTimer::timeout, [&late] {
+        late = true; // a box that this ends may itself be followed by a quit
+        QCoreApplication::exit(1);
+    });
+    limit.start(limitMs);
+    QTimer::singleShot(0, qApp, act);
+    return QCoreApplication::exec() == 0 && !late;
+}

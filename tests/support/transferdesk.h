@@ -1,0 +1,46 @@
+#pragma once
+
+#include "support/scriptedunit.h"
+#include "support/testwindow.h"
+
+/// A window with its unit, or pair of decks, open as after a press of Connect, driven tick by tick.
+class TransferDesk
+{
+public:
+    /// `second`, if any, is the deck behind the window's `secondDevice`.
+    explicit TransferDesk(UnitType type, std::optional<UnitType> second = {});
+
+    /// The image, as Update Device reads it from its file.
+    void load(const QByteArray& image) { window->firmwareData = image; }
+
+    /// So many ticks of the transfer's timer, one after the other.
+    void tick(int count = 1);
+
+    /// Lets the unit accept the image and brings the window to the first packet, which is written.
+    void startStream(const QByteArray& image);
+
+    /// What was written to the unit, or to the second deck, so far: 65 bytes each.
+    [[nodiscard]] std::vector<Bytes> writes() const { return virtualbus::writesTo(1); }
+    [[nodiscard]] std::vector<Bytes> secondWrites() const { return virtualbus::writesTo(2); }
+
+    /// The hidapi calls since the handles were opened, as lines without the bytes.
+    [[nodiscard]] QStringList calls() const;
+
+    /// "transferStarted applyingPhase requestSent packetNumber"
+    [[nodiscard]] QString phase() const;
+
+    TestWindow window;
+    std::shared_ptr<ScriptedUnit> unit;
+    std::shared_ptr<ScriptedUnit> second;
+
+private:
+    std::size_t callsBefore = 0;
+};
+
+/// Bytes that are never zero and differ from packet to packet.
+[[nodiscard]] QByteArray imageOf(int size);
+
+/// The packets that carry an image: full ones, then the final one. 65 bytes each.
+[[nodiscard]] std::vector<Bytes> packetsOf(ReportLayout layout, const QByteArray& image);
+
+[[nodiscard]] QByteArray hexOf(const Bytes& bytes);

@@ -1,0 +1,144 @@
+#include "support/transferdesk.h"
+#include "update/transferstate.h"
+
+#include <QtTest>
+
+class TestCreepingProgress : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void barAfterTicks_data();
+    void barAfterTicks();
+    void inactive();
+    void alsoWhileTheImageIsSent();
+    void beforeAnythingElseInATick();
+    void goesOnWhereTheLastOneStopped();
+    void silentUnit();
+    void finishedStaysAtHundred();
+    void slotOfItsOwn();
+};
+
+void TestCreepingProgress::barAfterTicks_data()
+{
+    QTest::addColumn<int>("ticks");
+    QTest::addColumn<int>("bar");
+    QTest::newRow("first tick: not yet") << 1 << -1;
+    QTest::newRow("second tick: 0") << 2 << 0;
+    QTest::newRow("third tick: no step") << 3 << 0;
+    QTest::newRow("fourth tick: 1") << 4 << 1;
+    QTest::newRow("twenty ticks") << 20 << 9;
+    QTest::newRow("one tick before the last step") << 199 << 98;
+    QTest::newRow("the last step") << 200 << 99;
+    QTest::newRow("no step beyond 99") << 1000 << 99;
+}
+
+void TestCreepingProgress::barAfterTicks()
+{
+    QFETCH(int, ticks);
+    QFETCH(int, bar);
+    TransferDesk desk(UNIT_HB4);
+    desk.window.bar("progressBarUpdate").setMinimum(-1); // to tell "not set" from 0
+    desk.window.bar("progressBarUpdate").setValue(-1);
+    desk.window->fakeProgressActive = 1;
+    desk.window->applyingPhase = 1;
+    virtualbus::unplug(desk.unit->number); // reads fail at once instead of waiting
+    desk.tick(ticks);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), bar);
+}
+
+void TestCreepingProgress::inactive()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.window->applyingPhase = 1;
+    virtualbus::unplug(desk.unit->number);
+    desk.tick(20);
+    QCOMPARE(fakeProgressValue, 0);
+    QCOMPARE(fakeProgressTick, 0);
+}
+
+void TestCreepingProgress::alsoWhileTheImageIsSent()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.startStream(imageOf(6000));
+    desk.window->fakeProgressActive = 1;
+    desk.tick(10);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 4);
+}
+
+void TestCreepingProgress::beforeAnythingElseInATick()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.window->applyingPhase = 1;
+    desk.unit->sayStatus(0xE0);
+    desk.tick(); // starts the creeping, does not step
+    QCOMPARE(fakeProgressTick, 0);
+    desk.unit->sayStatus(0x05);
+    desk.tick();
+    QCOMPARE(fakeProgressTick, 1);
+    QVERIFY(quits([&] {
+        desk.unit->sayStatus(0xF0);
+        desk.tick(); // steps to 0, then finishes
+    }));
+    QCOMPARE(fakeProgressValue, 1);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 100);
+}
+
+void TestCreepingProgress::goesOnWhereTheLastOneStopped()
+{
+    TransferDesk desk(UNIT_HB4);
+    fakeProgressValue = 40; // of an earlier installation
+    desk.window->applyingPhase = 1;
+    virtualbus::unplug(desk.unit->number);
+    desk.window->fakeProgressActive = 1;
+    desk.tick(2);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 40);
+}
+
+/// With polls of 100 ms each, at most a step in 200 ms; the bar waits at 99.
+void TestCreepingProgress::silentUnit()
+{
+    TransferDesk desk(UNIT_HB4);
+    fakeProgressValue = 97;
+    placeFile("updater.sb", imageOf(10));
+    desk.window->applyingPhase = 1;
+    desk.unit->sayStatus(0xE0);
+    desk.window->updateDevice();
+    QTRY_COMPARE(desk.window.bar("progressBarUpdate").value(), 98);
+    QTRY_COMPARE(desk.window.bar("progressBarUpdate").value(), 99);
+    const int polls = desk.calls().size();
+    QVERIFY2(polls >= 4 && polls <= 9, qPrintable(QString::number(polls)));
+    QTRY_VERIFY(desk.calls().size() >= polls + 4);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 99);
+    QCOMPARE(desk.window.label("labelUpdate").text(),
+             QString("Update: in progress. Do not power off device!"));
+}
+
+void TestCreepingProgress::finishedStaysAtHundred()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.window->applyingPhase = 1;
+    QVERIFY(quits([&] {
+        desk.unit->sayStatus(0xE0);
+        desk.unit->sayStatus(0xF0);
+        desk.tick(2);
+    }));
+    virtualbus::unplug(desk.unit->number);
+    desk.tick(20);
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 100);
+}
+
+void TestCreepingProgress::slotOfItsOwn()
+{
+    TransferDesk desk(UNIT_HB4);
+    for (int call = 0; call < 20; ++call)
+        desk.window->updateFakeProgressSlot(); // whether the bar creeps or not
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 9);
+    for (int call = 0; call < 1000; ++call)
+        desk.window->updateFakeProgressSlot();
+    QCOMPARE(desk.window.bar("progressBarUpdate").value(), 99);
+    QCOMPARE(desk.calls(), QStringList{});
+}
+
+QTEST_MAIN(TestCreepingProgress)
+#include "tst_creepingprogress.moc"

@@ -1,0 +1,221 @@
+#include "net/scene.h"
+#include "support/imagefiles.h"
+
+#include <QTimer>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(RawServer::Answer)
+
+namespace {
+
+using Answer = RawServer::Answer;
+using End = RawServer::End;
+
+const QByteArray image = QByteArray(40000, 'n') + '\0' + QByteArray(9, '\r');
+const QByteArray previous(30000, 'p');
+
+const QString done = told::signal("newUpdateFileDownloaded", {"true"});
+const QByteArray none; ///< null: no such file
+
+QString imageName()
+{
+    return QCoreApplication::applicationDirPath() + "/updater.sb";
+}
+
+} // namespace
+
+/// From the user's Yes to the image on disk.
+class TestFirmwareDownload : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void firstAndSecondDownload();
+    void leavesNothingInMemory();
+    void answer_data();
+    void answer();
+    void noImage_data();
+    void noImage();
+    void networkErrorWritesNothing();
+    void badAddress_data();
+    void badAddress();
+    void addressIsCutInPlace();
+    void progress();
+    void announcedSizeIsReported();
+
+private:
+    void download();
+
+    Scene scene;
+};
+
+void TestFirmwareDownload::init()
+{
+    QVERIFY(ImageFiles{}.placeAt(imageName()));
+    scene.reset();
+    scene.server.setAnswer(imagePath, ok(image));
+}
+
+void TestFirmwareDownload::download()
+{
+    scene.journal->events.clear();
+    scene.ask(Request::image);
+    QTRY_VERIFY(scene.rests(1));
+}
+
+void TestFirmwareDownload::firstAndSecondDownload()
+{
+    download();
+    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, none}));
+
+    const QByteArray second(100, '2');
+    scene.server.setAnswer(imagePath, ok(second));
+    download();
+    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{second, none, image}));
+}
+
+void TestFirmwareDownload::leavesNothingInMemory()
+{
+    scene.checker->infoData = "stale catalogue";
+    scene.ask(Request::image);
+    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    QTRY_COMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(scene.checker->reply, nullptr);
+    QVERIFY(scene.checker->infoData.isEmpty() && scene.checker->firmwareData.isEmpty());
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QTRY_VERIFY(reply.isNull());
+}
+
+void TestFirmwareDownload::answer_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QByteArray>("stored");
+    const QByteArray small("\0firm\r\nware\n", 12);
+    const QByteArray chunkedHead = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+    QTest::newRow("whole") << ok(image) << image;
+    QTest::newRow("drop by drop") << Answer{drops(httpAnswer("200 OK", small)), End::keepOpen} << small;
+    QTest::newRow("chunked") << Answer{{chunkedHead + chunked(image, 999)}, End::keepOpen} << image;
+    QTest::newRow("no length, then closed") << Answer{{"HTTP/1.1 200 OK\r\n\r\n" + image}} << image;
+    QTest::newRow("more than announced") << Answer{{httpAnswer("200 OK", image) + "and more"}} << image;
+    QTest::newRow("as an image of some kind")
+        << ok(image, {"Content-Type: application/octet-stream"}) << image;
+    QTest::newRow("as plain text") << ok(image, {"Content-Type: text/plain"}) << image;
+    QTest::newRow("nothing in it") << ok("") << QByteArray("");
+}
+
+void TestFirmwareDownload::answer()
+{
+    QFETCH(Answer, answer);
+    QFETCH(QByteArray, stored);
+    scene.server.setAnswer(imagePath, answer);
+    download();
+    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{stored, none, none}));
+}
+
+void TestFirmwareDownload::noImage_data()
+{
+    QTest::addColumn<Answer>("answer");
+    const QByteArray packed = gzip(image);
+    const QByteArray page = "<html>Please log in</html>";
+    QTest::newRow("compressed") << ok(packed, {"Content-Encoding: gzip"});
+    QTest::newRow("compressed, cut short")
+        << Answer{{httpHead({"HTTP/1.1 200 OK", "Content-Encoding: gzip", "Connection: close"}) +
+                   packed.left(packed.size() / 2)}};
+    QTest::newRow("a page of a captive portal") << ok(page, {"Content-Type: text/html"});
+    QTest::newRow("a page, with its character set") << ok(page, {"Content-Type: text/html; charset=utf-8"});
+    QTest::newRow("a page, in capital letters") << ok(page, {"CONTENT-TYPE: Text/HTML"});
+    QTest::newRow("cut short") << Answer{{"HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n" + page}};
+}
+
+void TestFirmwareDownload::noImage()
+{
+    QFETCH(Answer, answer);
+    const ImageFiles before{previous, none, "older"};
+    QVERIFY(before.placeAt(imageName()));
+    scene.server.setAnswer(imagePath, answer);
+    download();
+    QCOMPARE(scene.journal->events, scene.networkError(Request::image));
+    QCOMPARE(ImageFiles::at(imageName()), before);
+}
+
+void TestFirmwareDownload::networkErrorWritesNothing()
+{
+    scene.checker->infoData = "catalogue";
+    scene.server.setAnswer(imagePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    download();
+    QCOMPARE(scene.journal->events, scene.networkError(Request::image));
+    QCOMPARE(ImageFiles::at(imageName()), ImageFiles{});
+    QCOMPARE(scene.checker->firmwareData, QByteArray("half")); // the buffers are kept
+    QCOMPARE(scene.checker->infoData, QByteArray("catalogue"));
+    QVERIFY(!scene.checker->timeoutTimer->isActive());
+}
+
+void TestFirmwareDownload::badAddress_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("no double slash") << "127.0.0.1/a.sb";
+    QTest::newRow("two double slashes") << "http://127.0.0.1//a.sb";
+    QTest::newRow("nothing behind the host") << "http://127.0.0.1";
+    QTest::newRow("empty") << "";
+}
+
+void TestFirmwareDownload::badAddress()
+{
+    QFETCH(QString, address);
+    scene.checker->binUrl = address;
+    scene.checker->onNeedDownloadNewFirmware();
+    QCOMPARE(scene.journal->all, (QStringList{told::log("UpdateChecker::downloadError"),
+                                              told::log("UpdateChecker::exitSlot"), told::problem()}));
+    QCOMPARE(scene.checker->binUrl, address);
+    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+}
+
+void TestFirmwareDownload::addressIsCutInPlace()
+{
+    scene.checker->binUrl = scene.server.address(imagePath).replace("http:", "https:");
+    scene.checker->onNeedDownloadNewFirmware();
+    QCOMPARE(scene.checker->binUrl, QString(imagePath));
+    QCOMPARE(scene.checker->timeoutTimer->interval(), 30000);
+    QTRY_COMPARE(scene.journal->events, QStringList{done}); // by plain HTTP
+}
+
+void TestFirmwareDownload::progress()
+{
+    constexpr int size = 4000;
+    const QByteArray bytes = httpAnswer("200 OK", QByteArray(size, 'x'));
+    scene.server.setAnswer(imagePath, {drops(bytes), End::keepOpen, true});
+    scene.ask(Request::image);
+    const bool told = QTest::qWaitFor([this] { // the toolkit tells of progress ten times a second
+        scene.server.goOn();
+        return !scene.journal->progress.isEmpty();
+    });
+    QVERIFY(told);
+    const int percent = scene.journal->progress.first();
+    const int arrived = scene.checker->firmwareData.size();
+    QVERIFY2(percent < 100 && percent <= arrived * 100 / size, qPrintable(QString::number(percent)));
+    for (int i = 0; i < bytes.size(); ++i)
+        scene.server.goOn();
+    QTRY_COMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(scene.journal->progress.last(), 100);
+}
+
+/// Reported with each piece, and stored all the same.
+void TestFirmwareDownload::announcedSizeIsReported()
+{
+    const QByteArray large(15000001, 'x');
+    scene.server.setAnswer(imagePath, ok(large));
+    scene.ask(Request::image);
+    QTRY_VERIFY_WITH_TIMEOUT(scene.journal->events.contains(done), 30000);
+    const QStringList report{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
+                             told::problem()};
+    QCOMPARE(scene.journal->events.mid(0, 3), report);
+    QCOMPARE(scene.journal->events.count(told::problem()), scene.journal->progress.size());
+    QVERIFY(ImageFiles::at(imageName()).image == large);
+}
+
+QTEST_GUILESS_MAIN(TestFirmwareDownload)
+#include "tst_firmwaredownload.moc"

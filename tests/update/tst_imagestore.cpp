@@ -1,0 +1,269 @@
+#include "support/faultycalls.h"
+#include "support/filesizelimit.h"
+#include "support/imagefiles.h"
+#include "update/imagestore.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cerrno>
+#include <csignal>
+#include <memory>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using faultycalls::Call;
+
+namespace {
+
+const QByteArray none; ///< null: no such file
+
+const QByteArray older(70000, 'o');
+const QByteArray previous(50000, 'p');
+const QByteArray fresh = QByteArray(60000, 'f') + '\0' + QByteArray(1234, 'g');
+
+} // namespace
+Q_DECLARE_METATYPE(ImageFiles)
+
+class TestImageStore : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup() { faultycalls::clear(); }
+    void stores_data();
+    void stores();
+    void storesAnySize_data();
+    void storesAnySize();
+    void diskRefuses_data();
+    void diskRefuses();
+    void diskIsFullInMidFile();
+    void fileTooLarge();
+    void nameTakenByAFolder();
+    void folderIsGone();
+    void onlyImageSurvivesAFailure();
+    void imageCannotBecomeTheBackup();
+    void downloadCannotBecomeTheImage();
+    void replacingWithoutADownload();
+    void killedAtAnyCall_data();
+    void killedAtAnyCall();
+
+private:
+    void place(const ImageFiles& files) const;
+    [[nodiscard]] ImageFiles found() const { return ImageFiles::at(name); }
+    [[nodiscard]] bool isKilledAtCall(int nthCall);
+
+    std::unique_ptr<QTemporaryDir> folder;
+    QString name;
+};
+
+void TestImageStore::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    name = folder->filePath("updater.sb");
+}
+
+void TestImageStore::place(const ImageFiles& files) const
+{
+    QVERIFY(files.placeAt(name));
+}
+
+void TestImageStore::stores_data()
+{
+    QTest::addColumn<ImageFiles>("before");
+    QTest::addColumn<ImageFiles>("after");
+    const auto row = [](const char* text, const ImageFiles& before, const ImageFiles& after) {
+        QTest::newRow(text) << before << after;
+    };
+    row("first download", {}, {fresh, none, none});
+    row("second download", {previous, none, none}, {fresh, none, previous});
+    row("third download", {previous, none, older}, {fresh, none, previous});
+    row("a download was left over", {previous, older, none}, {fresh, none, previous});
+    row("killed between the two renames before", {none, older, previous}, {fresh, none, none});
+    row("only a backup is left", {none, none, previous}, {fresh, none, none});
+}
+
+void TestImageStore::stores()
+{
+    QFETCH(ImageFiles, before);
+    QFETCH(ImageFiles, after);
+    place(before);
+    const ImageStore store(name);
+    QVERIFY(store.writeDownload(fresh));
+    QCOMPARE(found(), (ImageFiles{before.image, fresh, before.image.isNull() ? before.backup : none}));
+    QVERIFY(store.replaceImage());
+    QVERIFY(store.hasImage());
+    QCOMPARE(found(), after);
+}
+
+void TestImageStore::storesAnySize_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : {0, 1, 65535, 65536, 65537, 15000000})
+        QTest::addRow("%d bytes", size) << size;
+}
+
+void TestImageStore::storesAnySize()
+{
+    QFETCH(int, size);
+    const ImageStore store(name);
+    const QByteArray image = QByteArray("").leftJustified(size, 'z');
+    QVERIFY(store.writeDownload(image));
+    QVERIFY(store.replaceImage());
+    QCOMPARE(found(), (ImageFiles{image, none, none}));
+}
+
+void TestImageStore::diskRefuses_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("error");
+    QTest::newRow("disk is full") << int(Call::write) << ENOSPC;
+    QTest::newRow("disk is broken") << int(Call::write) << EIO;
+    QTest::newRow("shows only when the bytes go to the disk") << int(Call::fsync) << EIO;
+}
+
+/// Nothing of the download is left, the image is untouched.
+void TestImageStore::diskRefuses()
+{
+    QFETCH(int, call);
+    QFETCH(int, error);
+    place({previous, none, none});
+    const ImageStore store(name);
+    faultycalls::fail(static_cast<Call>(call), 1, error);
+    QVERIFY(!store.writeDownload(fresh));
+    QCOMPARE(found(), (ImageFiles{previous, none, none}));
+}
+
+void TestImageStore::diskIsFullInMidFile()
+{
+    const ImageStore store(name);
+    bool written = true;
+    {
+        const FileSizeLimit limit(20000);
+        written = store.writeDownload(fresh);
+    }
+    QVERIFY(!written);
+    QCOMPARE(found(), (ImageFiles{}));
+}
+
+/// Small enough to wait in the buffer: the failure shows only when it is flushed.
+void TestImageStore::fileTooLarge()
+{
+    const ImageStore store(name);
+    faultycalls::fail(Call::write, 1, EFBIG);
+    QVERIFY(!store.writeDownload("small"));
+    QCOMPARE(found(), (ImageFiles{}));
+}
+
+void TestImageStore::nameTakenByAFolder()
+{
+    place({previous, none, none});
+    QVERIFY(QDir().mkpath(name + ".upd/inside"));
+    const ImageStore store(name);
+    QVERIFY(!store.writeDownload(fresh));
+    QCOMPARE(found(), (ImageFiles{previous, none, none}));
+    QVERIFY(store.replaceImage());
+    QVERIFY2(!store.hasImage(), "neither the folder nor the previous image passes for the new one");
+    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+}
+
+void TestImageStore::folderIsGone()
+{
+    QVERIFY(folder->remove());
+    const ImageStore store(name);
+    QVERIFY(!store.writeDownload(fresh));
+    QVERIFY(store.replaceImage()); // nothing there, nothing to do
+    QVERIFY(!store.hasImage());
+}
+
+/// With no image, the backup is the only one there is; a failed download must not cost it.
+void TestImageStore::onlyImageSurvivesAFailure()
+{
+    place({none, older, previous});
+    const ImageStore store(name);
+    faultycalls::fail(Call::write, 1, ENOSPC);
+    QVERIFY(!store.writeDownload(fresh));
+    QVERIFY(store.replaceImage());
+    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+}
+
+void TestImageStore::imageCannotBecomeTheBackup()
+{
+    place({previous, none, none});
+    QVERIFY(QDir().mkpath(name + ".bkp/inside"));
+    const ImageStore store(name);
+    QVERIFY(store.writeDownload(fresh));
+    QVERIFY(!store.replaceImage());
+    QCOMPARE(found(), (ImageFiles{previous, fresh, none}));
+}
+
+void TestImageStore::downloadCannotBecomeTheImage()
+{
+    place({previous, none, none});
+    const ImageStore store(name);
+    QVERIFY(store.writeDownload(fresh));
+    faultycalls::fail(Call::rename, 2, EIO);
+    faultycalls::fail(Call::write, 1, EIO); // the toolkit copies what it cannot rename
+    QVERIFY(!store.replaceImage());
+    QVERIFY(!store.hasImage());
+    QCOMPARE(found(), (ImageFiles{none, fresh, previous}));
+}
+
+void TestImageStore::replacingWithoutADownload()
+{
+    place({previous, none, none});
+    const ImageStore store(name);
+    QVERIFY(store.replaceImage());
+    QVERIFY2(!store.hasImage(), "the previous image is never taken for the new one");
+    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+}
+
+void TestImageStore::killedAtAnyCall_data()
+{
+    QTest::addColumn<ImageFiles>("before");
+    QTest::newRow("an image") << ImageFiles{previous, none, none};
+    QTest::newRow("an image and its backup") << ImageFiles{previous, none, older};
+    QTest::newRow("killed between the two renames before") << ImageFiles{none, fresh, previous};
+    QTest::newRow("only a backup") << ImageFiles{none, none, previous};
+}
+
+/// Stores in a process that is killed before its nth file call. False once it got to its end alive.
+bool TestImageStore::isKilledAtCall(int nthCall)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        faultycalls::kill(nthCall);
+        const ImageStore store(name);
+        const bool stored = store.writeDownload(fresh) && store.replaceImage();
+        _exit(stored ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+void TestImageStore::killedAtAnyCall()
+{
+    QFETCH(ImageFiles, before);
+    constexpr int mostCalls = 30;
+    int killed = 0;
+    for (bool alive = false; !alive && killed < mostCalls;) {
+        place(before);
+        alive = !isKilledAtCall(killed + 1);
+        const ImageFiles left = found();
+        const bool whole = left.image == previous || left.image == fresh || left.download == fresh ||
+                           left.backup == previous;
+        QVERIFY2(whole, qPrintable(QString("killed before call %1").arg(killed + 1)));
+        killed += alive ? 0 : 1;
+        const ImageStore next(name);
+        QVERIFY(next.writeDownload(fresh) && next.replaceImage());
+        QCOMPARE(found().image, fresh);
+    }
+    QVERIFY2(killed >= 4 && killed < mostCalls, qPrintable(QString::number(killed)));
+}
+
+QTEST_APPLESS_MAIN(TestImageStore)
+#include "tst_imagestore.moc"

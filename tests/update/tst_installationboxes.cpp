@@ -1,0 +1,229 @@
+#include "support/transferdesk.h"
+
+#include <QDeadlineTimer>
+#include <QThread>
+#include <QTimer>
+#include <QtTest>
+
+using Script = std::function<void()>;
+
+namespace {
+
+constexpr int mostBoxes = 16;
+constexpr int patienceMs = 5000;
+
+const QString finished = informationBox(
+    "Update installed correctly, please close program, and disconnect/power off your controller.\nWhen "
+    "reconnected/power ON your device will have the latest software.");
+
+/// The transfer's own timer follows the installation; boxes stay until a script dismisses them. A box holds
+/// up whatever ran on the GUI thread before it, so scripts run beside it, on a thread of their own, as a user
+/// does.
+class RunningInstallation : public TransferDesk
+{
+public:
+    RunningInstallation() : TransferDesk(UNIT_HB4)
+    {
+        placeFile("updater.sb", imageOf(10));
+        window->applyingPhase = 1;
+        window.boxes.leaveOpen();
+        window->updateDevice();
+    }
+
+    /// Runs a script to its end, then dismisses the boxes that it left. True if the program quit meanwhile.
+    bool follow(const Script& script)
+    {
+        const std::unique_ptr<QThread> user(QThread::create([this, script] {
+            script();
+            dismissAll();
+        }));
+        QObject ending;
+        QObject::connect(user.get(), &QThread::finished, &ending, [&ending] {
+            QTimer::singleShot(0, &ending, [] { QCoreApplication::exit(1); }); // a quit under way goes first
+        });
+        user->start();
+        const bool quit = QCoreApplication::exec() == 0;
+        while (!user->isFinished())
+            QTest::qWait(1); // what the script still asks of the GUI thread is answered
+        return quit;
+    }
+
+    // For scripts:
+
+    /// Says `status` so many times, and waits until that is read and shown. Returns the number of open boxes.
+    int say(int status, int times = 1)
+    {
+        for (int i = 0; i < times; ++i)
+            sayOnce(status);
+        const int upToHere = said;
+        awaitOnGui([&] { return reportsRead() >= upToHere && isSettled(); });
+        return onGui([this] { return window.boxes.openCount(); });
+    }
+
+    /// Dismisses the box on top. Returns the number of boxes that stay.
+    int dismiss()
+    {
+        const int before = onGui([this] { return window.boxes.openCount(); });
+        onGui([this] { window.boxes.dismissTop(); });
+        awaitOnGui([&] { return window.boxes.openCount() < before && isSettled(); });
+        return onGui([this] { return window.boxes.openCount(); });
+    }
+
+    void dismissAll()
+    {
+        onGui([this] { window.boxes.answerWith(QMessageBox::Ok); });
+        awaitOnGui([this] { return window.boxes.openCount() == 0; });
+    }
+
+    /// Has the GUI thread answer a question; an idle report wakes it from its poll.
+    template<typename Ask> auto onGui(Ask ask) -> decltype(ask())
+    {
+        if (reportsRead() >= said)
+            sayOnce(0x05);
+        if constexpr (std::is_void_v<decltype(ask())>) {
+            QMetaObject::invokeMethod(qApp, ask, Qt::BlockingQueuedConnection);
+        } else {
+            decltype(ask()) answer{};
+            QMetaObject::invokeMethod(
+                qApp, [&] { answer = ask(); }, Qt::BlockingQueuedConnection);
+            return answer;
+        }
+    }
+
+private:
+    void sayOnce(int status)
+    {
+        unit->sayStatus(static_cast<std::uint8_t>(status));
+        ++said;
+    }
+
+    void awaitOnGui(const std::function<bool()>& condition)
+    {
+        const QDeadlineTimer deadline(patienceMs);
+        while (!onGui(condition) && !deadline.hasExpired())
+            QThread::msleep(1);
+    }
+
+    [[nodiscard]] int reportsRead() const { return calls().filter("result=64").size(); }
+    [[nodiscard]] bool isSettled() const { return window.boxes.openCount() == window->installationBoxes; }
+
+    int said = 0; ///< reports so far; the script's thread only
+};
+
+} // namespace
+
+class TestInstallationBoxes : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void repeatedStatusOpensFurtherBoxes_data();
+    void repeatedStatusOpensFurtherBoxes();
+    void sixteenAtMost();
+    void roomAfterADismissal();
+    void creepingGoesOnUnderABox();
+    void startUnderABox();
+    void finishedUnderAnErrorBox();
+    void finishedTwice();
+};
+
+void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("wrong digest") << 0xC0 << "Transfer failed. Wrong md5.";
+    QTest::newRow("rejected") << 0x70 << "Updating failed. Wrong file or some internal error.";
+}
+
+void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes()
+{
+    QFETCH(int, status);
+    QFETCH(QString, text);
+    RunningInstallation desk;
+    QList<int> open;
+    QVERIFY(!desk.follow([&] {
+        for (int i = 0; i < 3; ++i)
+            open += desk.say(status);
+        for (int i = 0; i < 3; ++i)
+            open += desk.dismiss();
+    }));
+    QCOMPARE(open, (QList<int>{1, 2, 3, 2, 1, 0}));
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{3});
+    for (const SeenBox& box : desk.window.boxes.seen())
+        QVERIFY(box.text.startsWith(text));
+}
+
+void TestInstallationBoxes::sixteenAtMost()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    desk.follow(
+        [&] { open << desk.say(0xC0, 15) << desk.say(0xC0) << desk.say(0xC0, 10) << desk.say(0x70); });
+    QCOMPARE(open, (QList<int>{15, 16, 16, 16}));
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{16});
+}
+
+void TestInstallationBoxes::roomAfterADismissal()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    desk.follow([&] {
+        open << desk.say(0xC0, 20) << desk.dismiss();
+        open << desk.say(0x05); // what was ignored does not come back
+        open << desk.say(0x70, 2);
+    });
+    QCOMPARE(open, (QList<int>{16, 15, 15, 16}));
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{17});
+    QVERIFY(desk.window.boxes.seen().back().text.startsWith("Updating failed."));
+}
+
+void TestInstallationBoxes::creepingGoesOnUnderABox()
+{
+    RunningInstallation desk;
+    int open = 0;
+    int before = 0;
+    int after = 0;
+    desk.follow([&] {
+        desk.say(0xE0);
+        desk.say(0xC0);
+        before = desk.onGui([&] { return desk.window.bar("progressBarUpdate").value(); });
+        open = desk.say(0x05, 10); // ten ticks, five steps
+        after = desk.onGui([&] { return desk.window.bar("progressBarUpdate").value(); });
+    });
+    QCOMPARE(open, 1);
+    QVERIFY2(after >= before + 4, qPrintable(QString("%1 to %2").arg(before).arg(after)));
+}
+
+void TestInstallationBoxes::startUnderABox()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    QString label;
+    desk.follow([&] {
+        open << desk.say(0xC0) << desk.say(0xE0);
+        label = desk.onGui([&] { return desk.window.label("labelTransfer").text(); });
+    });
+    QCOMPARE(open, (QList<int>{1, 1}));
+    QCOMPARE(label, QString("Transfer: completed"));
+}
+
+void TestInstallationBoxes::finishedUnderAnErrorBox()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    QVERIFY(desk.follow([&] { open << desk.say(0xC0) << desk.say(0xF0); }));
+    QCOMPARE(open, (QList<int>{1, 2}));
+    QCOMPARE(desk.window.boxes.lines().constLast(), finished);
+}
+
+void TestInstallationBoxes::finishedTwice()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    QVERIFY(desk.follow([&] { open << desk.say(0xF0) << desk.say(0xF0); }));
+    QCOMPARE(open, (QList<int>{1, 2}));
+    QCOMPARE(desk.window.boxes.lines(), (QStringList{finished, finished}));
+}
+
+QTEST_MAIN(TestInstallationBoxes)
+#include "tst_installationboxes.moc"

@@ -1,0 +1,306 @@
+#include "net/updatechecker.h"
+#include "support/testwindow.h"
+
+#include <QKeyEvent>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+using Answer = std::function<void(Boxes&)>;
+
+/// The window with nobody behind its requests, so that an accepted offer starts no download and no browser.
+struct OfferDesk
+{
+    OfferDesk() { QObject::disconnect(&*window, nullptr, window->updateChecker, nullptr); }
+
+    /// How often each request was made: firmware, updater, nothing.
+    [[nodiscard]] QList<int> requests() const { return {firmware.count(), updater.count(), nothing.count()}; }
+
+    TestWindow window;
+    QSignalSpy firmware{&*window, SIGNAL(needDownloadNewFirmware())};
+    QSignalSpy updater{&*window, SIGNAL(needDownloadNewMainFirmware())};
+    QSignalSpy nothing{&*window, SIGNAL(notNeedDownloadNewFirmware())};
+};
+
+void pressYes(Boxes& boxes)
+{
+    boxes.answerWith(QMessageBox::Yes);
+}
+
+void pressNo(Boxes& boxes)
+{
+    boxes.answerWith(QMessageBox::No);
+}
+
+void pressEscape(Boxes& boxes)
+{
+    boxes.answerWithEscape();
+}
+
+void pressEnter(Boxes& boxes)
+{
+    boxes.leaveOpen();
+    boxes.whileOpen = [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); };
+}
+
+/// The box goes with the program, unanswered.
+void endTheProgram(Boxes& boxes)
+{
+    boxes.leaveOpen();
+    boxes.whileOpen = [](QMessageBox&) { QCoreApplication::quit(); };
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Answer)
+
+class TestOffer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void firmwareText_data();
+    void firmwareText();
+    void updaterText_data();
+    void updaterText();
+    void box_data();
+    void box();
+    void noChangeLog();
+    void firmwareAnswer_data();
+    void firmwareAnswer();
+    void updaterAnswer_data();
+    void updaterAnswer();
+    void requestPrecedesTheLabel();
+    void lastVersion();
+    void updaterIsBeingFetched();
+    void problem_data();
+    void problem();
+    void oneProblemAtATime();
+};
+
+void TestOffer::firmwareText_data()
+{
+    QTest::addColumn<int>("current");
+    QTest::addColumn<QString>("latest");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("9 to 10") << 9 << "10"
+                             << "Your unit current version: 0.9\nLatest version: 1.0";
+    QTest::newRow("23 to 27") << 23 << "27"
+                              << "Your unit current version: 2.3\nLatest version: 2.7";
+    QTest::newRow("largest") << 255 << "255"
+                             << "Your unit current version: 25.5\nLatest version: 25.5";
+    QTest::newRow("unknown unit version") << 0 << "1"
+                                          << "Your unit current version: 0.0\nLatest version: 0.1";
+    QTest::newRow("leading zeros go") << 10 << "0012"
+                                      << "Your unit current version: 1.0\nLatest version: 1.2";
+    QTest::newRow("no number") << 10 << "new"
+                               << "Your unit current version: 1.0\nLatest version: 0.0";
+}
+
+void TestOffer::firmwareText()
+{
+    QFETCH(int, current);
+    QFETCH(QString, latest);
+    QFETCH(QString, text);
+    OfferDesk desk;
+    pressNo(desk.window.boxes);
+    desk.window->currentVersion = static_cast<std::uint8_t>(current);
+    emit desk.window->updateChecker->findNewVersion(latest, "what is new");
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
+    QCOMPARE(desk.window.boxes.seen().front().text, text);
+}
+
+void TestOffer::updaterText_data()
+{
+    QTest::addColumn<QString>("latest");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("12") << "12"
+                        << "Your Talvex updater version: 0.11\nLatest version: 0.12";
+    QTest::newRow("leading zeros go") << "012"
+                                      << "Your Talvex updater version: 0.11\nLatest version: 0.12";
+    QTest::newRow("more digits") << "100"
+                                 << "Your Talvex updater version: 0.11\nLatest version: 0.100";
+    QTest::newRow("no number") << "new"
+                               << "Your Talvex updater version: 0.11\nLatest version: 0.0";
+}
+
+void TestOffer::updaterText()
+{
+    QFETCH(QString, latest);
+    QFETCH(QString, text);
+    OfferDesk desk;
+    pressNo(desk.window.boxes);
+    emit desk.window->updateChecker->findMainNewVersion(latest, "what is new");
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
+    QCOMPARE(desk.window.boxes.seen().front().text, text);
+}
+
+void TestOffer::box_data()
+{
+    QTest::addColumn<bool>("isUpdater");
+    QTest::newRow("firmware") << false;
+    QTest::newRow("updater") << true;
+}
+
+void TestOffer::box()
+{
+    QFETCH(bool, isUpdater);
+    OfferDesk desk;
+    pressNo(desk.window.boxes);
+    if (isUpdater)
+        desk.window->onFindMainNewVersion("12", "line 1\nline 2");
+    else
+        desk.window->onFindNewVersion("12", "line 1\nline 2");
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
+    const SeenBox& box = desk.window.boxes.seen().front();
+    QCOMPARE(box.informativeText, QString("Would you like to update to latest version?"));
+    QCOMPARE(box.detailedText, QString("line 1\nline 2"));
+    QCOMPARE(box.buttons, (QStringList{"No", "Show Details...", "Yes"}));
+    QCOMPARE(box.defaultButton, QString("Yes"));
+    QCOMPARE(box.kind, QString("plain"));
+    QCOMPARE(box.title, QString());
+    QVERIFY(!box.hasParent);
+}
+
+void TestOffer::noChangeLog()
+{
+    OfferDesk desk;
+    pressNo(desk.window.boxes);
+    desk.window->onFindNewVersion("12", "");
+    QCOMPARE(desk.window.boxes.seen().front().buttons, (QStringList{"No", "Yes"}));
+}
+
+void TestOffer::firmwareAnswer_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QList<int>>("requests");
+    QTest::addColumn<bool>("startsDownload");
+    QTest::newRow("Yes") << Answer(pressYes) << QList<int>{1, 0, 0} << true;
+    QTest::newRow("Enter is Yes") << Answer(pressEnter) << QList<int>{1, 0, 0} << true;
+    QTest::newRow("No") << Answer(pressNo) << QList<int>{0, 0, 0} << false;
+    QTest::newRow("Escape is No") << Answer(pressEscape) << QList<int>{0, 0, 0} << false;
+    QTest::newRow("neither") << Answer(endTheProgram) << QList<int>{0, 0, 1} << false;
+}
+
+void TestOffer::firmwareAnswer()
+{
+    QFETCH(Answer, answer);
+    QFETCH(QList<int>, requests);
+    QFETCH(bool, startsDownload);
+    OfferDesk desk;
+    answer(desk.window.boxes);
+    if (requests.last() > 0)
+        expectDiagnostic("Bug with avaible download window\n");
+    QStringList expected = desk.window.controls();
+    if (startsDownload)
+        expected
+            .replaceInStrings("labelTransfer|disabled visible|Transfer:|",
+                              "labelTransfer|enabled visible|Transfer: download new version|")
+            .replaceInStrings("progressBarTransfer|disabled", "progressBarTransfer|enabled");
+    desk.window->onFindNewVersion("12", "log");
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
+    QCOMPARE(desk.requests(), requests);
+    QCOMPARE(desk.window.controls(), expected);
+}
+
+void TestOffer::updaterAnswer_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QList<int>>("requests");
+    QTest::newRow("Yes") << Answer(pressYes) << QList<int>{0, 1, 0};
+    QTest::newRow("Enter is Yes") << Answer(pressEnter) << QList<int>{0, 1, 0};
+    QTest::newRow("No") << Answer(pressNo) << QList<int>{0, 0, 0};
+    QTest::newRow("Escape is No") << Answer(pressEscape) << QList<int>{0, 0, 0};
+    QTest::newRow("neither") << Answer(endTheProgram) << QList<int>{0, 0, 1};
+}
+
+void TestOffer::updaterAnswer()
+{
+    QFETCH(Answer, answer);
+    QFETCH(QList<int>, requests);
+    OfferDesk desk;
+    answer(desk.window.boxes);
+    if (requests.last() > 0)
+        expectDiagnostic("Bug with avaible download window\n");
+    const QStringList before = desk.window.controls();
+    desk.window->onFindMainNewVersion("12", "log");
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
+    QCOMPARE(desk.requests(), requests);
+    QCOMPARE(desk.window.controls(), before); // no widget is touched
+}
+
+void TestOffer::requestPrecedesTheLabel()
+{
+    OfferDesk desk;
+    pressYes(desk.window.boxes);
+    QString atRequest;
+    QObject::connect(&*desk.window, &MainWindow::needDownloadNewFirmware,
+                     [&] { atRequest = desk.window.label("labelTransfer").text(); });
+    desk.window->onFindNewVersion("12", "log");
+    QCOMPARE(atRequest, QString("Transfer:"));
+}
+
+void TestOffer::lastVersion()
+{
+    TestWindow window;
+    const QStringList before = window.controls();
+    QVERIFY(!quits([&] { emit window->updateChecker->youHaveLastVersion(); }, 100));
+    QCOMPARE(window.boxes.lines(), QStringList{informationBox("Your unit has the latest software")});
+    QCOMPARE(window.controls(), before);
+}
+
+void TestOffer::updaterIsBeingFetched()
+{
+    TestWindow window;
+    bool stayedOpen = false;
+    window.boxes.whileOpen = [&](QMessageBox& box) {
+        QTest::qWait(30);
+        stayedOpen = box.isVisible();
+    };
+    QVERIFY(quits([&] { emit window->updateChecker->startDownloadMainUpdate(); }));
+    QVERIFY(stayedOpen); // the program ends with the box, not before
+    QCOMPARE(window.boxes.lines(),
+             QStringList{informationBox("Wait for download new Talvex Updater.\nClose program and insall new "
+                                        "version Talvex Updater.\nTry again update unit.")});
+}
+
+void TestOffer::problem_data()
+{
+    QTest::addColumn<QString>("detail");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("no detail") << QString() << "Problem with internet connection";
+    QTest::newRow("empty detail: a line break") << QString("") << "Problem with internet connection\n";
+    QTest::newRow("detail on its own line") << "Check the HD"
+                                            << "Problem with internet connection\nCheck the HD";
+}
+
+void TestOffer::problem()
+{
+    QFETCH(QString, detail);
+    QFETCH(QString, shown);
+    TestWindow window;
+    bool stayedOpen = false;
+    window.boxes.whileOpen = [&](QMessageBox& box) {
+        QTest::qWait(30);
+        stayedOpen = box.isVisible();
+    };
+    QVERIFY(quits(
+        [&] { emit window->updateChecker->youHaveProblem("Problem with internet connection", detail); }));
+    QVERIFY(stayedOpen);
+    QCOMPARE(window.boxes.lines(), QStringList{criticalBox(shown)});
+}
+
+void TestOffer::oneProblemAtATime()
+{
+    TestWindow window;
+    window.boxes.whileOpen = [&](QMessageBox& box) {
+        if (box.text() == "the first")
+            emit window->updateChecker->youHaveProblem("the next", QString());
+    };
+    QVERIFY(quits([&] { emit window->updateChecker->youHaveProblem("the first", QString()); }));
+    QCOMPARE(window.boxes.lines(), QStringList{criticalBox("the first")});
+}
+
+QTEST_MAIN(TestOffer)
+#include "tst_offer.moc"

@@ -1,0 +1,255 @@
+#include "support/transferdesk.h"
+#include "update/transferprotocol.h"
+
+#include <QtTest>
+
+namespace {
+
+const QString silentRead = "hid_read_timeout handle=1 length=64 timeout=1 result=0";
+const QString statusRead = "hid_read_timeout handle=1 length=64 timeout=1 result=64";
+const QString polling = "hid_read_timeout handle=1 length=64 timeout=100 result=0";
+const QString writing = "hid_write handle=1 length=65 result=65";
+
+QByteArray zeros(int bytes)
+{
+    return QByteArray(2 * bytes, '0');
+}
+
+void addModels()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("older family, first") << static_cast<int>(UNIT_HB4);
+    QTest::newRow("older family, last") << static_cast<int>(UNIT_LMB2);
+    QTest::newRow("player, first") << static_cast<int>(UNIT_PLT70);
+    QTest::newRow("player, last") << static_cast<int>(UNIT_PLT65);
+}
+
+} // namespace
+
+class TestTransfer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void request_data();
+    void request();
+    void requestIsWrittenOnce_data() { addModels(); }
+    void requestIsWrittenOnce();
+    void acceptance_data() { addModels(); }
+    void acceptance();
+    void acceptanceBeforeTheRequest();
+    void packets_data();
+    void packets();
+    void nothingIsReadInTheStream();
+    void packetsOfOneImage();
+    void fullPacketAtTheEnd();
+    void largePacketNumber_data();
+    void largePacketNumber();
+    void progress();
+    void progressOfAShortImage();
+    void endOfTheStream_data() { addModels(); }
+    void endOfTheStream();
+};
+
+void TestTransfer::request_data()
+{
+    const QByteArray digestOfAbc = QByteArray("900150983cd24fb0d6963f7d28e17f72").toHex();
+    const QByteArray fox = "The quick brown fox jumps over the lazy dog";
+    const QByteArray digestOfFox = QByteArray("9e107d9d372bb6826bd81d3542a419d6").toHex();
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QByteArray>("report");
+    QTest::newRow("older family: command in front")
+        << int{UNIT_HB4} << QByteArray("abc") << "0080" + digestOfAbc + zeros(31);
+    QTest::newRow("older family: another image") << int{UNIT_HB4} << fox << "0080" + digestOfFox + zeros(31);
+    QTest::newRow("player: command at 61")
+        << int{UNIT_PLT70} << QByteArray("abc") << "0000" + digestOfAbc + zeros(27) + "80000000";
+    QTest::newRow("player: another image")
+        << int{UNIT_PLT70} << fox << "0000" + digestOfFox + zeros(27) + "80000000";
+}
+
+void TestTransfer::request()
+{
+    QFETCH(int, type);
+    QFETCH(QByteArray, image);
+    QFETCH(QByteArray, report);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(image);
+    desk.tick();
+    QCOMPARE(desk.calls(), (QStringList{silentRead, writing})); // the unit's status is looked at first
+    QCOMPARE(hexOf(desk.writes().front()), report);
+    QCOMPARE(desk.phase(), QString("0 0 1 0"));
+    QCOMPARE(desk.window->updateSize, image.size());
+}
+
+void TestTransfer::requestIsWrittenOnce()
+{
+    QFETCH(int, type);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(imageOf(200));
+    desk.tick(5);
+    QCOMPARE(desk.calls(),
+             (QStringList{silentRead, writing, silentRead, silentRead, silentRead, silentRead}));
+    QCOMPARE(desk.phase(), QString("0 0 1 0"));
+}
+
+void TestTransfer::acceptance()
+{
+    QFETCH(int, type);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(imageOf(200));
+    desk.tick();
+    desk.window.bar("progressBarTransfer").setValue(55); // as the download left it
+    desk.unit->sayStatus(0x95);
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("1 0 1 1"));
+    QVERIFY(desk.window.bar("progressBarTransfer").isEnabled());
+    QCOMPARE(desk.window.bar("progressBarTransfer").value(), 0);
+    QVERIFY(desk.window.label("labelTransfer").isEnabled());
+    QCOMPARE(desk.window.label("labelTransfer").text(), QString("Transfer: in progress"));
+    QCOMPARE(desk.calls(),
+             (QStringList{silentRead, writing, statusRead, writing})); // a packet in the same tick
+    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(desk.unit->layout, imageOf(200)).front()));
+}
+
+/// A report from before the request counts all the same; the request goes out, the stream follows.
+void TestTransfer::acceptanceBeforeTheRequest()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.load(imageOf(200));
+    desk.window.bar("progressBarTransfer").setValue(55); // as the download left it
+    desk.unit->sayStatus(0x90);
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("1 0 1 0"));
+    QCOMPARE(desk.window.bar("progressBarTransfer").value(), 0);
+    QCOMPARE(int{desk.writes().back()[1]}, 0x80);
+    desk.tick();
+    QCOMPARE(desk.calls(), (QStringList{statusRead, writing, writing}));
+    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(layoutA, imageOf(200)).front()));
+}
+
+void TestTransfer::packets_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("size");
+    for (const int size : {1, 59, 60, 61, 119, 120, 121, 6000, 15420}) {
+        QTest::addRow("older family, %d bytes", size) << int{UNIT_HB4} << size;
+        QTest::addRow("player, %d bytes", size) << int{UNIT_PLT65} << size;
+    }
+}
+
+void TestTransfer::packets()
+{
+    QFETCH(int, type);
+    QFETCH(int, size);
+    TransferDesk desk(static_cast<UnitType>(type));
+    const QByteArray image = imageOf(size);
+    desk.startStream(image);
+    const std::vector<Bytes> expected = packetsOf(desk.unit->layout, image);
+    for (std::size_t i = 1; i < expected.size(); ++i)
+        desk.tick(); // one packet each
+    std::vector<Bytes> written = desk.writes();
+    written.erase(written.begin()); // the request
+    QCOMPARE(written.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        QCOMPARE(hexOf(written[i]), hexOf(expected[i]));
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+}
+
+void TestTransfer::nothingIsReadInTheStream()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.startStream(imageOf(6000));
+    for (int i = 0; i < 5; ++i)
+        desk.unit->sayStatus(0xB0); // a complaint that shows only later
+    desk.tick(20);
+    QCOMPARE(desk.calls().filter("hid_read").size(), 2);
+    QCOMPARE(desk.phase(), QString("1 0 1 21"));
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+}
+
+/// The bytes on the wire, spelt out.
+void TestTransfer::packetsOfOneImage()
+{
+    TransferDesk desk(UNIT_PLT70);
+    desk.startStream(QByteArray(60, '\x11') + '\x22');
+    desk.tick();
+    QCOMPARE(desk.writes().size(), std::size_t{3});
+    QCOMPARE(hexOf(desk.writes()[1]), "00" + QByteArray(120, '1') + "00000001");
+    QCOMPARE(hexOf(desk.writes()[2]), "0022" + zeros(59) + "d0010002");
+}
+
+void TestTransfer::fullPacketAtTheEnd()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.startStream(imageOf(120));
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("1 0 1 2")); // not final yet
+    QCOMPARE(hexOf(desk.writes().back()).left(10), QByteArray("0000000002"));
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+    QCOMPARE(hexOf(desk.writes().back()), "00d0000003" + zeros(60));
+}
+
+void TestTransfer::largePacketNumber_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("left");
+    QTest::addColumn<int>("headerAt");
+    QTest::addColumn<QByteArray>("header");
+    QTest::newRow("older family, full packet") << int{UNIT_HB4} << 61 << 1 << QByteArray("00012345");
+    QTest::newRow("player, full packet") << int{UNIT_PLT65} << 61 << 61 << QByteArray("00012345");
+    QTest::newRow("older family, final packet: low 16 bits")
+        << int{UNIT_HB4} << 10 << 1 << QByteArray("d00a2345");
+    QTest::newRow("player, final packet: low 16 bits")
+        << int{UNIT_PLT65} << 10 << 61 << QByteArray("d00a2345");
+}
+
+void TestTransfer::largePacketNumber()
+{
+    QFETCH(int, type);
+    QFETCH(int, left);
+    QFETCH(int, headerAt);
+    QFETCH(QByteArray, header);
+    TransferDesk desk(static_cast<UnitType>(type));
+    const int before = 74564; // packets already sent
+    desk.startStream(imageOf(before * 60 + left));
+    desk.window->packetNumber = before;
+    desk.tick();
+    QCOMPARE(hexOf(desk.writes().back()).mid(2 * headerAt, 8), header);
+}
+
+void TestTransfer::progress()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.startStream(imageOf(6000));
+    for (int sent = 0; sent <= 100; ++sent) {
+        QCOMPARE(desk.window.bar("progressBarTransfer").value(), sent);
+        desk.tick();
+    }
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+}
+
+void TestTransfer::progressOfAShortImage()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.startStream(imageOf(61));
+    QCOMPARE(desk.window.bar("progressBarTransfer").value(), 0);
+    desk.tick();
+    QCOMPARE(desk.window.bar("progressBarTransfer").value(), 98); // 6000 / 61, truncated
+}
+
+void TestTransfer::endOfTheStream()
+{
+    QFETCH(int, type);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.startStream(imageOf(59));
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+    const QStringList before = desk.window.controls();
+    desk.tick(2);
+    QCOMPARE(desk.calls(), (QStringList{silentRead, writing, statusRead, writing, polling, polling}));
+    QCOMPARE(desk.window.controls(), before); // the display waits for the unit's verdict
+}
+
+QTEST_MAIN(TestTransfer)
+#include "tst_transfer.moc"

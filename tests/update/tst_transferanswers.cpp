@@ -1,0 +1,196 @@
+#include "support/transferdesk.h"
+
+#include <QtTest>
+
+namespace {
+
+const QString timedOut = criticalBox(
+    "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again.");
+const QString skipped = criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and "
+                                    "the unit and to try the update again.");
+
+} // namespace
+
+class TestTransferAnswers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void status_data();
+    void status();
+    void placeOfTheStatus_data();
+    void placeOfTheStatus();
+    void shortReport_data();
+    void shortReport();
+    void failingReads();
+    void oneReportATick();
+    void refusalBeforeTheRequest_data();
+    void refusalBeforeTheRequest();
+    void boxFirstThenItsStateChange_data();
+    void boxFirstThenItsStateChange();
+};
+
+void TestTransferAnswers::status_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("phase");
+    QTest::addColumn<QStringList>("boxes");
+    for (int nibble = 0; nibble <= 15; ++nibble) {
+        QString phase = "0 0 1 0"; // ignored
+        QStringList boxes;
+        if (nibble == 0x9)
+            phase = "1 0 1 1";
+        if (nibble == 0xA || nibble == 0xB) {
+            phase = "0 1 1 0";
+            boxes = QStringList{nibble == 0xA ? timedOut : skipped};
+        }
+        for (const int low : {0x0, 0x5, 0xF}) {
+            const int byte = nibble << 4 | low;
+            QTest::addRow("older family, 0x%02X", byte) << int{UNIT_HB4} << byte << phase << boxes;
+            QTest::addRow("player, 0x%02X", byte) << int{UNIT_PLT65} << byte << phase << boxes;
+        }
+    }
+}
+
+void TestTransferAnswers::status()
+{
+    QFETCH(int, type);
+    QFETCH(int, status);
+    QFETCH(QString, phase);
+    QFETCH(QStringList, boxes);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(imageOf(200));
+    desk.tick();
+    desk.window->packetNumber = boxes.isEmpty() ? 0 : 7; // an error sets it back
+    desk.unit->sayStatus(static_cast<std::uint8_t>(status));
+    desk.tick();
+    QCOMPARE(desk.phase(), phase);
+    QCOMPARE(desk.window.boxes.lines(), boxes);
+    const bool accepted = desk.window->transferStarted == 1;
+    QCOMPARE(desk.writes().size(), std::size_t{accepted ? 2U : 1U});
+    QCOMPARE(desk.window.label("labelTransfer").text(),
+             QString(accepted ? "Transfer: in progress" : "Transfer:"));
+}
+
+void TestTransferAnswers::placeOfTheStatus_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("index");
+    QTest::newRow("older family: not at 60") << int{UNIT_HB4} << 60;
+    QTest::newRow("older family: not behind the first byte") << int{UNIT_HB4} << 1;
+    QTest::newRow("player: not in front") << int{UNIT_PLT65} << 0;
+    QTest::newRow("player: not at 61") << int{UNIT_PLT65} << 61;
+}
+
+void TestTransferAnswers::placeOfTheStatus()
+{
+    QFETCH(int, type);
+    QFETCH(int, index);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(imageOf(200));
+    desk.tick();
+    Bytes report(64, 0);
+    report[static_cast<std::size_t>(index)] = 0x90;
+    desk.unit->say(report);
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("0 0 1 0"));
+}
+
+void TestTransferAnswers::shortReport_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("older family: no byte at all") << int{UNIT_HB4} << 0 << false;
+    QTest::newRow("older family: the status alone") << int{UNIT_HB4} << 1 << true;
+    QTest::newRow("player: all but the header") << int{UNIT_PLT65} << 60 << false;
+    QTest::newRow("player: up to the status") << int{UNIT_PLT65} << 61 << true;
+}
+
+void TestTransferAnswers::shortReport()
+{
+    QFETCH(int, type);
+    QFETCH(int, length);
+    QFETCH(bool, accepted);
+    TransferDesk desk(static_cast<UnitType>(type));
+    desk.load(imageOf(200));
+    desk.tick();
+    desk.unit->say(Bytes(static_cast<std::size_t>(length), 0x90));
+    desk.tick();
+    QCOMPARE(desk.window->transferStarted, accepted ? 1 : 0);
+}
+
+void TestTransferAnswers::failingReads()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.load(imageOf(200));
+    desk.tick();
+    virtualbus::failReads(desk.unit->number, true);
+    desk.unit->sayStatus(0x90);
+    desk.tick(5);
+    QCOMPARE(desk.phase(), QString("0 0 1 0"));
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+    virtualbus::failReads(desk.unit->number, false);
+    desk.tick();
+    QCOMPARE(desk.window->transferStarted, 1);
+}
+
+/// Reports from before the request stand in front of the answer.
+void TestTransferAnswers::oneReportATick()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.load(imageOf(200));
+    for (int i = 0; i < 5; ++i)
+        desk.unit->sayStatus(0x05);
+    desk.unit->sayStatus(0x95);
+    desk.tick(5);
+    QCOMPARE(desk.phase(), QString("0 0 1 0"));
+    desk.tick();
+    QCOMPARE(desk.phase(), QString("1 0 1 1"));
+}
+
+void TestTransferAnswers::refusalBeforeTheRequest_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("box");
+    QTest::newRow("timed out") << 0xA5 << timedOut;
+    QTest::newRow("packets skipped") << 0xB5 << skipped;
+}
+
+/// An old refusal ends the transfer, too; the request of that very tick still goes out.
+void TestTransferAnswers::refusalBeforeTheRequest()
+{
+    QFETCH(int, status);
+    QFETCH(QString, box);
+    TransferDesk desk(UNIT_HB4);
+    desk.load(imageOf(200));
+    desk.unit->sayStatus(static_cast<std::uint8_t>(status));
+    desk.tick();
+    QCOMPARE(desk.window.boxes.lines(), QStringList{box});
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+    QCOMPARE(desk.writes().size(), std::size_t{1});
+}
+
+void TestTransferAnswers::boxFirstThenItsStateChange_data()
+{
+    refusalBeforeTheRequest_data();
+}
+
+void TestTransferAnswers::boxFirstThenItsStateChange()
+{
+    QFETCH(int, status);
+    TransferDesk desk(UNIT_HB4);
+    desk.load(imageOf(200));
+    desk.tick();
+    desk.window->packetNumber = 3;
+    QString underTheBox;
+    desk.window.boxes.whileOpen = [&](QMessageBox&) { underTheBox = desk.phase(); };
+    desk.unit->sayStatus(static_cast<std::uint8_t>(status));
+    desk.tick();
+    QCOMPARE(underTheBox, QString("0 0 1 3"));
+    QCOMPARE(desk.phase(), QString("0 1 1 0"));
+}
+
+QTEST_MAIN(TestTransferAnswers)
+#include "tst_transferanswers.moc"

@@ -1,0 +1,231 @@
+#include "support/transferdesk.h"
+
+#include <QtTest>
+
+namespace {
+
+const QString timedOut = criticalBox(
+    "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again.");
+const QString skipped = criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and "
+                                    "the unit and to try the update again.");
+const QString noRequest = criticalBox(
+    "Check the connections between PC and the unit and to try the update again.", "Error HID device");
+constexpr int silent = -1; ///< instead of a status
+
+/// Both decks of a player; handle 1 is `device`, handle 2 `secondDevice`.
+struct Pair : TransferDesk
+{
+    Pair() : TransferDesk(UNIT_TRK300_RIGHT, UNIT_TRK300_LEFT) {}
+
+    void say(int first, int other)
+    {
+        if (first != silent)
+            unit->sayStatus(static_cast<std::uint8_t>(first));
+        if (other != silent)
+            second->sayStatus(static_cast<std::uint8_t>(other));
+    }
+};
+
+} // namespace
+
+class TestTransferPair : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void requestGoesToBoth();
+    void requestNotTaken_data();
+    void requestNotTaken();
+    void answers_data();
+    void answers();
+    void answersOfDifferentTicks();
+    void displayStaysAsItWas();
+    void packetsGoToBoth_data();
+    void packetsGoToBoth();
+    void packetNotTaken_data();
+    void packetNotTaken();
+    void deckWithoutHandle();
+};
+
+void TestTransferPair::requestGoesToBoth()
+{
+    Pair pair;
+    pair.load("abc");
+    pair.tick(2);
+    QCOMPARE(pair.calls(), (QStringList{
+                               "hid_read_timeout handle=1 length=64 timeout=1 result=0",
+                               "hid_read_timeout handle=2 length=64 timeout=1 result=0",
+                               "hid_write handle=1 length=65 result=65",
+                               "hid_write handle=2 length=65 result=65",
+                               "hid_read_timeout handle=1 length=64 timeout=1 result=0",
+                               "hid_read_timeout handle=2 length=64 timeout=1 result=0",
+                           }));
+    QCOMPARE(hexOf(pair.writes().front()), "0000" + QByteArray("900150983cd24fb0d6963f7d28e17f72").toHex() +
+                                               QByteArray(2 * 27, '0') + "80000000");
+    QVERIFY(pair.writes() == pair.secondWrites());
+}
+
+void TestTransferPair::requestNotTaken_data()
+{
+    QTest::addColumn<bool>("firstFails");
+    QTest::addColumn<bool>("secondFails");
+    QTest::addColumn<QString>("phase");
+    QTest::addColumn<int>("boxes");
+    QTest::newRow("by the first deck") << true << false << "0 1 1 0" << 1;
+    QTest::newRow("by the second deck") << false << true << "0 1 1 0" << 1;
+    QTest::newRow("by neither") << true << true << "0 1 0 0" << 2;
+}
+
+void TestTransferPair::requestNotTaken()
+{
+    QFETCH(bool, firstFails);
+    QFETCH(bool, secondFails);
+    QFETCH(QString, phase);
+    QFETCH(int, boxes);
+    Pair pair;
+    pair.load(imageOf(200));
+    virtualbus::failNextWrites(pair.unit->number, firstFails ? 1 : 0);
+    virtualbus::failNextWrites(pair.second->number, secondFails ? 1 : 0);
+    pair.tick();
+    QCOMPARE(pair.phase(), phase);
+    QCOMPARE(pair.writes().size(), std::size_t{1});
+    QCOMPARE(pair.secondWrites().size(), std::size_t{1});
+    QCOMPARE(pair.window.boxes.lines(), QStringList(QVector<QString>(boxes, noRequest).toList()));
+}
+
+void TestTransferPair::answers_data()
+{
+    const QString waiting = "0 0 1 0";
+    const QString streaming = "1 0 1 1";
+    const QString over = "0 1 1 0";
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("second");
+    QTest::addColumn<QString>("phase");
+    QTest::addColumn<QStringList>("boxes");
+    QTest::newRow("first accepts, second idle") << 0x95 << 0x05 << streaming << QStringList();
+    QTest::newRow("second accepts, first idle") << 0x05 << 0x95 << streaming << QStringList();
+    QTest::newRow("both accept") << 0x95 << 0x95 << streaming << QStringList();
+    QTest::newRow("both idle") << 0x05 << 0x05 << waiting << QStringList();
+    QTest::newRow("only the first says anything") << 0x95 << silent << waiting << QStringList();
+    QTest::newRow("only the second says anything") << silent << 0x95 << waiting << QStringList();
+    QTest::newRow("only the first refuses") << 0xA5 << silent << waiting << QStringList();
+    QTest::newRow("first timed out") << 0xA5 << 0x05 << over << QStringList{timedOut};
+    QTest::newRow("second timed out") << 0x05 << 0xA5 << over << QStringList{timedOut};
+    QTest::newRow("both timed out: one box") << 0xA5 << 0xA5 << over << QStringList{timedOut};
+    QTest::newRow("first skipped") << 0xB5 << 0x05 << over << QStringList{skipped};
+    QTest::newRow("second skipped") << 0x05 << 0xB5 << over << QStringList{skipped};
+    QTest::newRow("each refuses in its own way") << 0xB5 << 0xA5 << over << QStringList{timedOut, skipped};
+    QTest::newRow("one accepts, one refuses") << 0x95 << 0xA5 << over << QStringList{timedOut};
+    QTest::newRow("a status of the installation") << 0xE5 << 0xF5 << waiting << QStringList();
+}
+
+void TestTransferPair::answers()
+{
+    QFETCH(int, first);
+    QFETCH(int, second);
+    QFETCH(QString, phase);
+    QFETCH(QStringList, boxes);
+    Pair pair;
+    pair.load(imageOf(200));
+    pair.tick();
+    pair.say(first, second);
+    pair.tick();
+    QCOMPARE(pair.phase(), phase);
+    QCOMPARE(pair.window.boxes.lines(), boxes);
+}
+
+/// An answer that comes alone is taken and lost.
+void TestTransferPair::answersOfDifferentTicks()
+{
+    Pair pair;
+    pair.load(imageOf(200));
+    pair.tick();
+    pair.say(0x95, silent);
+    pair.tick();
+    pair.say(silent, 0x95);
+    pair.tick();
+    QCOMPARE(pair.phase(), QString("0 0 1 0"));
+    pair.say(0x95, 0x05);
+    pair.tick();
+    QCOMPARE(pair.phase(), QString("1 0 1 1"));
+}
+
+void TestTransferPair::displayStaysAsItWas()
+{
+    Pair pair;
+    const QStringList before = pair.window.controls();
+    pair.startStream(imageOf(200));
+    QCOMPARE(pair.window.controls(), before);
+    QVERIFY(!pair.window.bar("progressBarTransfer").isEnabled());
+    QCOMPARE(pair.window.label("labelTransfer").text(), QString("Transfer:"));
+    pair.tick();
+    QCOMPARE(pair.window.bar("progressBarTransfer").value(), 30); // the bar moves all the same
+}
+
+void TestTransferPair::packetsGoToBoth_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("59 bytes") << 59;
+    QTest::newRow("60 bytes") << 60;
+    QTest::newRow("61 bytes") << 61;
+    QTest::newRow("1200 bytes") << 1200;
+}
+
+void TestTransferPair::packetsGoToBoth()
+{
+    QFETCH(int, size);
+    Pair pair;
+    const QByteArray image = imageOf(size);
+    pair.startStream(image);
+    pair.tick(size / 60);
+    std::vector<Bytes> written = pair.writes();
+    QVERIFY(written == pair.secondWrites());
+    written.erase(written.begin());
+    QVERIFY(written == packetsOf(layoutB, image));
+    QCOMPARE(pair.phase(), QString("0 1 1 0"));
+}
+
+void TestTransferPair::packetNotTaken_data()
+{
+    QTest::addColumn<int>("firstFailures");
+    QTest::addColumn<int>("secondFailures");
+    QTest::newRow("by the first deck") << 1 << 0;
+    QTest::newRow("by the second deck") << 0 << 1;
+    QTest::newRow("by neither") << 1 << 1;
+}
+
+/// Nothing is written a second time to a pair.
+void TestTransferPair::packetNotTaken()
+{
+    QFETCH(int, firstFailures);
+    QFETCH(int, secondFailures);
+    Pair pair;
+    const QByteArray image = imageOf(240);
+    pair.startStream(image);
+    virtualbus::failNextWrites(pair.unit->number, firstFailures);
+    virtualbus::failNextWrites(pair.second->number, secondFailures);
+    pair.tick(2);
+    std::vector<Bytes> written = pair.writes();
+    QVERIFY(written == pair.secondWrites());
+    written.erase(written.begin());
+    const std::vector<Bytes> packets = packetsOf(layoutB, image);
+    QVERIFY(written == std::vector<Bytes>(packets.begin(), packets.begin() + 3));
+    QCOMPARE(pair.phase(), QString("1 0 1 3"));
+    QCOMPARE(pair.window.boxes.lines(), QStringList{});
+}
+
+/// The other deck gets the request; nothing can accept it.
+void TestTransferPair::deckWithoutHandle()
+{
+    Pair pair;
+    pair.window->device = nullptr;
+    pair.load(imageOf(200));
+    pair.tick();
+    QCOMPARE(pair.window.boxes.lines(), QStringList{noRequest});
+    QCOMPARE(pair.phase(), QString("0 1 1 0"));
+    QCOMPARE(pair.calls(), (QStringList{"hid_read_timeout handle=2 length=64 timeout=1 result=0",
+                                        "hid_write handle=2 length=65 result=65"}));
+}
+
+QTEST_MAIN(TestTransferPair)
+#include "tst_transferpair.moc"

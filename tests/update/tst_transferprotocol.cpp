@@ -1,0 +1,224 @@
+#include "update/transferprotocol.h"
+
+#include <QtTest>
+
+#include <algorithm>
+
+using transferprotocol::ImageBytes;
+
+namespace {
+
+constexpr const char* digestOfAbc = "900150983cd24fb0d6963f7d28e17f72";
+
+QByteArray hex(const report::Output& bytes)
+{
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())).toHex();
+}
+
+ImageBytes span(const QByteArray& bytes)
+{
+    return {reinterpret_cast<const unsigned char*>(bytes.constData()),
+            static_cast<std::size_t>(bytes.size())};
+}
+
+QByteArray zeros(int bytes)
+{
+    return QByteArray(2 * bytes, '0');
+}
+
+/// 1, 2, 3, ...: no byte is zero, so that padding shows.
+QByteArray counting(int size)
+{
+    QByteArray bytes(size, '\0');
+    for (int i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i % 250 + 1);
+    return bytes;
+}
+
+} // namespace
+
+class TestTransferProtocol : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void request_data();
+    void request();
+    void dataPacket_data();
+    void dataPacket();
+    void finalPacket_data();
+    void finalPacket();
+    void overlongDataIsCutToThePacket();
+    void bytesLeft_data();
+    void bytesLeft();
+    void packetBytes_data();
+    void packetBytes();
+    void percent_data();
+    void percent();
+};
+
+void TestTransferProtocol::request_data()
+{
+    const QByteArray digest = QByteArray(digestOfAbc).toHex();
+    QTest::addColumn<bool>("isPlayer");
+    QTest::addColumn<QByteArray>("packet");
+    QTest::newRow("older family: command, digest behind it") << false << "0080" + digest + zeros(31);
+    QTest::newRow("player: digest one byte into the data, command at 61")
+        << true << "0000" + digest + zeros(27) + "80" + zeros(3);
+}
+
+void TestTransferProtocol::request()
+{
+    QFETCH(bool, isPlayer);
+    QFETCH(QByteArray, packet);
+    const auto request = transferprotocol::buildTransferRequest(isPlayer ? layoutB : layoutA, digestOfAbc);
+    QCOMPARE(hex(request), packet);
+}
+
+void TestTransferProtocol::dataPacket_data()
+{
+    const QByteArray data = counting(60);
+    QTest::addColumn<bool>("isPlayer");
+    QTest::addColumn<quint32>("number");
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QByteArray>("packet");
+    QTest::newRow("older family: first packet") << false << 1U << data << "0000000001" + data.toHex();
+    QTest::newRow("player: first packet") << true << 1U << data << "00" + data.toHex() + "00000001";
+    QTest::newRow("older family: packet 74565") << false << 74565U << data << "0000012345" + data.toHex();
+    QTest::newRow("player: packet 74565") << true << 74565U << data << "00" + data.toHex() + "00012345";
+    QTest::newRow("older family: number in 28 bits")
+        << false << 0xFEDCBA98U << data << "000edcba98" + data.toHex();
+    QTest::newRow("player: number in 28 bits")
+        << true << 0xFEDCBA98U << data << "00" + data.toHex() + "0edcba98";
+    QTest::newRow("older family: no data at all") << false << 3U << QByteArray() << "0000000003" + zeros(60);
+    QTest::newRow("player: no data at all") << true << 3U << QByteArray() << "00" + zeros(60) + "00000003";
+}
+
+void TestTransferProtocol::dataPacket()
+{
+    QFETCH(bool, isPlayer);
+    QFETCH(quint32, number);
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, packet);
+    QCOMPARE(hex(transferprotocol::buildDataPacket(isPlayer ? layoutB : layoutA, number, span(data))),
+             packet);
+}
+
+void TestTransferProtocol::finalPacket_data()
+{
+    QTest::addColumn<bool>("isPlayer");
+    QTest::addColumn<quint32>("number");
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QByteArray>("packet");
+    const QByteArray most = counting(59);
+    QTest::newRow("older family: 59 bytes are packet 1")
+        << false << 1U << most << "00d03b0001" + most.toHex() + "00";
+    QTest::newRow("player: 59 bytes are packet 1")
+        << true << 1U << most << "00" + most.toHex() + "00d03b0001";
+    QTest::newRow("older family: no bytes behind two full packets")
+        << false << 3U << QByteArray() << "00d0000003" + zeros(60);
+    QTest::newRow("player: no bytes behind two full packets")
+        << true << 3U << QByteArray() << "00" + zeros(60) + "d0000003";
+    QTest::newRow("older family: one byte")
+        << false << 2U << QByteArray("\x7F") << "00d00100027f" + zeros(59);
+    QTest::newRow("player: one byte") << true << 2U << QByteArray("\x7F") << "007f" + zeros(59) + "d0010002";
+    QTest::newRow("older family: low 16 bits of 74565")
+        << false << 74565U << QByteArray("\x7F") << "00d00123457f" + zeros(59);
+    QTest::newRow("player: low 16 bits of 74565")
+        << true << 74565U << QByteArray("\x7F") << "007f" + zeros(59) + "d0012345";
+}
+
+void TestTransferProtocol::finalPacket()
+{
+    QFETCH(bool, isPlayer);
+    QFETCH(quint32, number);
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, packet);
+    QCOMPARE(hex(transferprotocol::buildFinalPacket(isPlayer ? layoutB : layoutA, number, span(data))),
+             packet);
+}
+
+void TestTransferProtocol::overlongDataIsCutToThePacket()
+{
+    const QByteArray data = counting(61);
+    const QByteArray expected = data.left(60).toHex();
+    QCOMPARE(hex(transferprotocol::buildDataPacket(layoutA, 1, span(data))), "0000000001" + expected);
+    QCOMPARE(hex(transferprotocol::buildDataPacket(layoutB, 1, span(data))), "00" + expected + "00000001");
+}
+
+void TestTransferProtocol::bytesLeft_data()
+{
+    QTest::addColumn<qint64>("imageSize");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<qint64>("left");
+    QTest::newRow("59 bytes, first packet: final") << qint64{59} << 1 << qint64{59};
+    QTest::newRow("60 bytes, first packet: full") << qint64{60} << 1 << qint64{60};
+    QTest::newRow("60 bytes, second packet: empty final") << qint64{60} << 2 << qint64{0};
+    QTest::newRow("61 bytes, second packet: one byte") << qint64{61} << 2 << qint64{1};
+    QTest::newRow("120 bytes, third packet: empty final") << qint64{120} << 3 << qint64{0};
+    QTest::newRow("behind the end") << qint64{60} << 3 << qint64{-60};
+    QTest::newRow("no overflow with the largest number")
+        << qint64{0} << std::numeric_limits<int>::max() << qint64{-128849018760};
+}
+
+void TestTransferProtocol::bytesLeft()
+{
+    QFETCH(qint64, imageSize);
+    QFETCH(int, number);
+    QFETCH(qint64, left);
+    QCOMPARE(transferprotocol::bytesLeft(imageSize, number), left);
+}
+
+void TestTransferProtocol::packetBytes_data()
+{
+    QTest::addColumn<int>("imageSize");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("count");
+    QTest::newRow("59 bytes: all in packet 1") << 59 << 1 << 0 << 59;
+    QTest::newRow("60 bytes: all in packet 1") << 60 << 1 << 0 << 60;
+    QTest::newRow("60 bytes: none in packet 2") << 60 << 2 << 0 << 0;
+    QTest::newRow("61 bytes: packet 1") << 61 << 1 << 0 << 60;
+    QTest::newRow("61 bytes: the last one in packet 2") << 61 << 2 << 60 << 1;
+    QTest::newRow("120 bytes: packet 2") << 120 << 2 << 60 << 60;
+    QTest::newRow("120 bytes: none in packet 3") << 120 << 3 << 0 << 0;
+    QTest::newRow("behind the end") << 60 << 4 << 0 << 0;
+    QTest::newRow("there is no packet 0") << 60 << 0 << 0 << 0;
+    QTest::newRow("nor a packet below") << 60 << -1 << 0 << 0;
+}
+
+void TestTransferProtocol::packetBytes()
+{
+    QFETCH(int, imageSize);
+    QFETCH(int, number);
+    QFETCH(int, first);
+    QFETCH(int, count);
+    const QByteArray image = counting(imageSize);
+    const ImageBytes bytes = transferprotocol::packetBytes(image, number);
+    const QByteArray expected = image.mid(first, count);
+    QVERIFY(std::ranges::equal(bytes, span(expected)));
+}
+
+void TestTransferProtocol::percent_data()
+{
+    QTest::addColumn<int>("packets");
+    QTest::addColumn<int>("imageSize");
+    QTest::addColumn<int>("shown");
+    QTest::newRow("6000 bytes: before the first packet") << 0 << 6000 << 0;
+    QTest::newRow("6000 bytes: before packet 100") << 99 << 6000 << 99;
+    QTest::newRow("6000 bytes: before the final packet") << 100 << 6000 << 100;
+    QTest::newRow("61 bytes: truncated") << 1 << 61 << 98;
+    QTest::newRow("15 MB: no overflow of 32 bits") << 249999 << 15000000 << 99;
+    QTest::newRow("no image") << 5 << 0 << 0;
+}
+
+void TestTransferProtocol::percent()
+{
+    QFETCH(int, packets);
+    QFETCH(int, imageSize);
+    QFETCH(int, shown);
+    QCOMPARE(transferprotocol::transferPercent(packets, imageSize), shown);
+}
+
+QTEST_APPLESS_MAIN(TestTransferProtocol)
+#include "tst_transferprotocol.moc"

@@ -1,0 +1,202 @@
+#include "support/transferdesk.h"
+#include "update/transferstate.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QTimer>
+#include <QtTest>
+
+using Trouble = std::function<void(TransferDesk&)>;
+
+namespace {
+
+constexpr int aWhileMs = 30; ///< some thirty ticks, if there were any
+
+const QString noFile = criticalBox("File updater is not found.\nCheck the HD free space and try again.");
+
+void timeOut(TransferDesk& desk)
+{
+    desk.unit->sayStatus(0xA5);
+}
+
+void skipPackets(TransferDesk& desk)
+{
+    desk.unit->sayStatus(0xB5);
+}
+
+void takeNothing(TransferDesk& desk)
+{
+    virtualbus::failNextWrites(desk.unit->number, 1000);
+}
+
+/// The stream stands behind the image's end, as nothing but a fault of the program could bring it there.
+void overrun(TransferDesk& desk)
+{
+    desk.window->requestSent = 1;
+    desk.window->transferStarted = 1;
+    desk.window->packetNumber = 100;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Trouble)
+
+class TestTransferTimer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pressStartsTheTimer();
+    void imageUnderTheTimer();
+    void secondPressStopsTheTimer();
+    void thirdPressStartsItAnew();
+    void secondPressWithoutImage();
+    void noStepUnderABox_data();
+    void noStepUnderABox();
+    void noStepUnderTheBoxOfAMissingFile();
+    void repeatedRefusalIsShownOnce();
+
+private:
+    /// What a tick does shows in the calls of the HID library.
+    static bool isTicking(const TransferDesk& desk)
+    {
+        const int before = desk.calls().size();
+        QTest::qWait(aWhileMs);
+        return desk.calls().size() > before;
+    }
+};
+
+void TestTransferTimer::pressStartsTheTimer()
+{
+    TransferDesk desk(UNIT_HB4);
+    placeFile("updater.sb", imageOf(500));
+    desk.window.button("downloadLogFile").show();
+    desk.window.button("downloadLogFile").setEnabled(true);
+    desk.window.button("updateDeviceButton").setEnabled(true);
+    QTest::mouseClick(&desk.window.button("updateDeviceButton"), Qt::LeftButton);
+    QVERIFY(transferTimer != nullptr);
+    QVERIFY(transferTimer->isActive());
+    QCOMPARE(transferTimer->interval(), 1);
+    QVERIFY(!transferTimer->isSingleShot());
+    QVERIFY(transferTimer->parent() == nullptr);
+    QVERIFY(!desk.window.button("updateDeviceButton").isEnabled());
+    QVERIFY(!desk.window.button("downloadLogFile").isEnabled());
+    QCOMPARE(desk.window->firmwareData, imageOf(500));
+    QVERIFY(!desk.window->updaterFile.isOpen());
+    QCOMPARE(desk.calls(), QStringList{}); // the first tick comes a millisecond later
+}
+
+void TestTransferTimer::imageUnderTheTimer()
+{
+    TransferDesk desk(UNIT_PLT65);
+    const QByteArray image = imageOf(6000);
+    placeFile("updater.sb", image);
+    desk.window->updateDevice();
+    QTRY_COMPARE(desk.writes().size(), std::size_t{1});
+    desk.unit->sayStatus(0x95);
+    QElapsedTimer stream;
+    stream.start();
+    QTRY_COMPARE(desk.window->applyingPhase, 1);
+    QVERIFY2(stream.elapsed() >= 90,
+             qPrintable(QString::number(stream.elapsed()))); // a packet a tick, 101 in all
+    std::vector<Bytes> written = desk.writes();
+    written.erase(written.begin());
+    QVERIFY(written == packetsOf(layoutB, image));
+}
+
+void TestTransferTimer::secondPressStopsTheTimer()
+{
+    TransferDesk desk(UNIT_HB4);
+    placeFile("updater.sb", imageOf(500));
+    desk.window->updateDevice();
+    QVERIFY(isTicking(desk));
+    const QPointer<QTimer> timer = transferTimer;
+    desk.window->updateDevice();
+    QVERIFY(transferTimer == nullptr);
+    QVERIFY(timer.isNull());
+    QVERIFY(!isTicking(desk));
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+}
+
+void TestTransferTimer::thirdPressStartsItAnew()
+{
+    TransferDesk desk(UNIT_HB4);
+    placeFile("updater.sb", imageOf(500));
+    for (int press = 0; press < 3; ++press)
+        desk.window->updateDevice();
+    QVERIFY(transferTimer != nullptr);
+    QVERIFY(isTicking(desk));
+    QCOMPARE(desk.writes().size(), std::size_t{1});
+}
+
+/// The file is gone when Update Device is pressed in mid-stream: nothing of no image may reach the unit.
+void TestTransferTimer::secondPressWithoutImage()
+{
+    TransferDesk desk(UNIT_HB4);
+    const QByteArray image = imageOf(60000);
+    placeFile("updater.sb", image);
+    desk.unit->sayStatus(0x95);
+    desk.window->updateDevice();
+    QTRY_VERIFY(desk.writes().size() > 3);
+    desk.window->onChangeUpdateFileName("nowhere.sb");
+    bool tickedUnderTheBox = true;
+    desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
+    desk.window->updateDevice();
+    QCOMPARE(desk.window.boxes.lines(), QStringList{noFile});
+    QVERIFY(!tickedUnderTheBox);
+    QVERIFY(transferTimer == nullptr);
+}
+
+void TestTransferTimer::noStepUnderABox_data()
+{
+    QTest::addColumn<Trouble>("trouble");
+    QTest::newRow("timed out") << Trouble(timeOut);
+    QTest::newRow("packets skipped") << Trouble(skipPackets);
+    QTest::newRow("request not taken") << Trouble(takeNothing);
+    QTest::newRow("behind the image's end") << Trouble(overrun);
+}
+
+void TestTransferTimer::noStepUnderABox()
+{
+    QFETCH(Trouble, trouble);
+    TransferDesk desk(UNIT_HB4);
+    placeFile("updater.sb", imageOf(500));
+    bool tickedUnderTheBox = true;
+    desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
+    trouble(desk);
+    desk.window->updateDevice();
+    QTRY_COMPARE(desk.window.boxes.lines().size(), 1);
+    QTRY_COMPARE(desk.window.boxes.openCount(), 0);
+    QVERIFY(!tickedUnderTheBox);
+    QTRY_VERIFY(desk.calls().filter("timeout=100").size() >= 1); // then the installation is followed
+    QCOMPARE(desk.window->applyingPhase, 1);
+    QCOMPARE(desk.window.boxes.lines().size(), 1);
+}
+
+void TestTransferTimer::noStepUnderTheBoxOfAMissingFile()
+{
+    TransferDesk desk(UNIT_HB4);
+    desk.window->onChangeUpdateFileName("nowhere.sb");
+    bool tickedUnderTheBox = true;
+    desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
+    desk.window->updateDevice();
+    QCOMPARE(desk.window.boxes.lines(), QStringList{noFile});
+    QVERIFY(!tickedUnderTheBox);
+    QVERIFY(transferTimer != nullptr && transferTimer->isActive());
+}
+
+void TestTransferTimer::repeatedRefusalIsShownOnce()
+{
+    TransferDesk desk(UNIT_HB4);
+    placeFile("updater.sb", imageOf(500));
+    desk.window->updateDevice();
+    QTRY_COMPARE(desk.writes().size(), std::size_t{1});
+    for (int i = 0; i < 10; ++i)
+        desk.unit->sayStatus(0xA5);
+    QTRY_COMPARE(desk.calls().filter("timeout=100").filter("result=64").size(),
+                 9); // no verdict of an installation
+    QCOMPARE(desk.window.boxes.lines().size(), 1);
+}
+
+QTEST_MAIN(TestTransferTimer)
+#include "tst_transfertimer.moc"
