@@ -1,0 +1,115 @@
+#!/bin/bash
+# scripts/bench.sh [GROUP]...
+# Builds the benchmarks and prints each figure beside its baseline of the same run and its bar; about 13 minutes for
+# all groups: stream growth start log memory rules. Exits with 1 if a bar is missed. The machine should be at rest.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+# shellcheck source=scripts/lib/packages.sh
+. scripts/lib/packages.sh
+
+groups=${*:-stream growth start log memory rules}
+build=$PWD/build-bench
+work=$(mktemp -d)
+results=$work/results
+: > "$results"
+pids=()
+trap 'kill "${pids[@]}" 2> /dev/null || true; wait; rm -rf "$work"' EXIT
+
+wanted() {
+    case " $groups " in *" $1 "*) return 0 ;; esac
+    return 1
+}
+
+# A screen of its own; without one the windows are painted in memory, and what needs a screen is left out.
+openScreen() {
+    export XDG_RUNTIME_DIR=$work QT_LOGGING_RULES='qt.qpa.xcb=false'
+    export DBUS_SESSION_BUS_ADDRESS=disabled: # else the first window with a text starts a bus of its own
+    mkfifo "$work/display"
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3> "$work/display" 2> /dev/null &
+    pids+=($!)
+    local number
+    if read -r -t 20 number < "$work/display"; then
+        export DISPLAY=:$number QT_QPA_PLATFORM=xcb
+    else
+        echo "There is no Xvfb: no start, no memory of the whole program." >&2
+        unset DISPLAY
+        export QT_QPA_PLATFORM=offscreen
+    fi
+}
+
+# run LABEL PROGRAM ARGUMENT...: one run, in a directory of the program's own.
+run() {
+    local label=$1 program=$2 output
+    shift 2
+    if ! output=$(cd "$work/run" && timeout 900 "$program" "$@" 2> "$work/diagnostics"); then
+        echo "bench.sh: $label failed:" >&2
+        cat "$work/diagnostics" >&2
+        exit 1
+    fi
+    echo "$label $output" >> "$results"
+}
+
+# alternate ROUNDS COMMAND...: runs the commands in turn, every second round in the opposite order.
+alternate() {
+    local rounds=$1 round i
+    shift
+    local -a commands=("$@")
+    for ((round = 0; round < rounds; ++round)); do
+        for ((i = 0; i < $#; ++i)); do
+            ${commands[round % 2 ? $# - 1 - i : i]} "$round"
+        done
+        printf '.' >&2
+    done
+}
+
+# The rounds of a stream are consecutive pieces of one image of 6 MB, 100 000 packets.
+stream() { run stream "$work/run/bench-transfer" stream 6000000 $(($1 * 10000 + 1)) 9700; }
+ticks() { run ticks "$work/run/bench-transfer" ticks 6000000 $(($1 * 10000 + 1)) 3000; }
+writes() { run writes "$work/run/bench-transfer" writes 6000000 1 3000; }
+
+small() { run small "$work/run/bench-transfer" stream 150000 1 2299; }
+early() { run early "$work/run/bench-transfer" stream 15000000 1 2299; }
+late() { run late "$work/run/bench-transfer" stream 15000000 247500 2299; }
+
+updater() { run updater "$build/bench/bench-start" "$build/bin/talvex-updater"; }
+empty() { run empty "$build/bench/bench-start" "$build/bench/bench-emptywindow"; }
+
+logOf() { run "$1" "$work/run/bench-log" "$1" "$2"; }
+program() { logOf program 250000; }
+bare() { logOf bare 250000; }
+lean() { logOf lean 250000; }
+chain() { logOf chain 250000; }
+
+# The long ones, side by side: a size in memory does not mind a busy processor.
+sizes() {
+    if [ -n "${DISPLAY:-}" ]; then
+        mkdir "$work/memory"
+        (cd "$work/memory" && "$OLDPWD/bench/memory.sh" "$build" 15000000 > "$work/sizes") &
+        pids+=($!)
+    fi
+    run short "$work/run/bench-log" program 20000
+    run long "$work/run/bench-log" program 20000000
+    if [ -n "${DISPLAY:-}" ]; then
+        wait "${pids[-1]}"
+        cat "$work/sizes" >> "$results"
+    fi
+}
+
+installMissing "${buildPackages[@]}" libbenchmark-dev libxcb1-dev xdotool xvfb
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTALVEX_BENCH=ON \
+    -DCMAKE_CXX_COMPILER_LAUNCHER=ccache > "$work/configure" || { cat "$work/configure"; exit 1; }
+cmake --build "$build" -j2
+mkdir "$work/run"
+cp "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
+openScreen
+uptime
+
+if wanted stream; then alternate 10 stream ticks writes; fi
+if wanted growth; then alternate 5 small early late; fi
+if wanted start && [ -n "${DISPLAY:-}" ]; then alternate 20 updater empty; fi
+if wanted log; then alternate 5 program bare lean chain; fi
+if wanted memory; then sizes; fi
+echo
+if wanted rules; then "$build/bench/bench-rules" 2> /dev/null; fi
+uptime
+awk -f bench/table.awk "$results" bench/bars.txt

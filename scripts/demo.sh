@@ -1,0 +1,104 @@
+#!/bin/bash
+# Shows a whole update: builds the program, starts an update server and a virtual unit, and opens the window.
+# Where there is a screen, you click through it. Without one, or with --auto, it runs in a virtual screen and a
+# driver presses the buttons, from Connect to "Update: finished", and keeps a picture of each stage.
+# Exit code 0: the unit holds the very image that the server handed out.
+set -euo pipefail
+
+usage() {
+    cat << 'END'
+usage: scripts/demo.sh [--auto] [--output FOLDER]
+  --auto           let the driver press the buttons in a virtual screen
+  --output FOLDER  where the driver's pictures go (artifacts/demo unless told)
+END
+}
+
+cd "$(dirname "$(realpath "$0")")/.."
+source scripts/lib/packages.sh
+source scripts/lib/updateserver.sh
+
+build="build-demo"
+auto=no
+output=artifacts/demo
+imageBytes=1500000
+installMs=4000
+if [ -z "${DISPLAY:-}" ]; then
+    auto=yes
+fi
+while [ $# -gt 0 ]; do
+    case $1 in
+        --auto) auto=yes ;;
+        --output) output=${2:?$(usage)} && shift ;;
+        --help) usage && exit 0 ;;
+        *) usage >&2 && exit 2 ;;
+    esac
+    shift
+done
+
+work=$(mktemp -d)
+export TMPDIR=$work # so that nothing of the driver's stays behind either
+child=
+cleanUp() {
+    trap - EXIT INT TERM
+    if [ -n "$child" ]; then
+        kill "$child" 2> /dev/null || true
+        wait "$child" 2> /dev/null || true
+    fi
+    stopServer
+    rm -rf "$work"
+}
+trap cleanUp EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# Waits in such a way that a signal is heeded at once.
+runAndWait() {
+    "$@" &
+    child=$!
+    local code=0
+    wait "$child" || code=$?
+    child=
+    return "$code"
+}
+
+buildAll() {
+    cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
+        -DTALVEX_TESTS=ON > "$work/configure.log" || { cat "$work/configure.log"; return 1; }
+    cmake --build "$build" --target talvex-updater virtualhid talvex-demo-driver
+}
+
+# Becomes the program.
+runByHand() {
+    mkdir "$work/app"
+    cp "$build/bin/talvex-updater" "$work/app/"
+    echo
+    echo "The window is open. A unit HB4 with firmware 2.3 is plugged in; the server has 2.8."
+    echo "Press Connect, accept the update, press Update Device and wait for \"Update: finished\"."
+    cd "$work/app"
+    export http_proxy=$proxy TALVEX_VIRTUAL_UNITS=$unit
+    LD_PRELOAD=$OLDPWD/$build/virtualunit/hidapi/libtalvex-virtual-hid.so exec ./talvex-updater
+}
+
+installMissing "${buildPackages[@]}" "${stagePackages[@]}"
+buildAll
+server/make-content.sh "$work/root" "$imageBytes" 28
+startServer "$work/root" "$work"
+proxy=http://127.0.0.1:$serverPort
+unit=hb4,version=23,image=$work/unit.image,journal=$work/unit.journal,install-ms=$installMs
+
+if [ "$auto" = yes ]; then
+    mkdir -p "$output"
+    echo "The driver updates a virtual unit with $imageBytes bytes; its pictures:"
+    runAndWait "$build/bin/talvex-demo-driver" --proxy "$proxy" --unit "$unit" --pictures "$output"
+else
+    runAndWait runByHand
+fi
+
+echo
+echo "What happened at the unit:"
+sed 's/^/    /' "$work/unit.journal"
+if ! cmp "$work/unit.image" "$work/root/bin/HB4.sb"; then
+    echo "The unit does not hold the image that the server handed out." >&2
+    exit 1
+fi
+echo "The unit holds the server's image, byte for byte ($(stat -c %s "$work/unit.image") bytes)."

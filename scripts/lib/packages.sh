@@ -1,0 +1,52 @@
+# shellcheck shell=bash
+# The Debian packages that the scripts need, and how the missing ones are installed. Sourced, not run.
+# shellcheck disable=SC2034  # the lists are for those who source this
+
+buildPackages=(build-essential ccache cmake libhidapi-dev ninja-build pkg-config qtbase5-dev)
+# To run the program where nobody looks on: a screen, a window manager, fonts, the input; and the update server.
+stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
+checkPackages=(binutils clang-format clang-tidy shellcheck)
+
+isInstalled() {
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2> /dev/null)" = installed ]
+}
+
+# A web server that came with this installation must not begin to serve this machine.
+keepServerQuiet() {
+    if [ -d /run/systemd/system ]; then
+        "$@" systemctl disable --now nginx.service > /dev/null 2>&1 || true
+    fi
+}
+
+# installMissing PACKAGE...: installs those that are not there yet, as root or by sudo. Returns 1, having said what
+# to do, where that is not possible.
+installMissing() {
+    local missing=() asRoot=() package
+    if ! command -v apt-get > /dev/null; then
+        echo "This is no Debian system (there is no apt-get). Needed are: $*" >&2
+        return 1
+    fi
+    for package in "$@"; do
+        isInstalled "$package" || missing+=("$package")
+    done
+    if [ ${#missing[@]} -eq 0 ]; then
+        return 0
+    fi
+    echo "Installing: ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        asRoot=(sudo)
+    fi
+    if [ ${#asRoot[@]} -gt 0 ] && ! command -v sudo > /dev/null; then
+        echo "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}" >&2
+        return 1
+    fi
+    if ! "${asRoot[@]}" apt-get update ||
+        ! "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+            "${missing[@]}"; then
+        echo "The packages could not be installed. As root: apt-get install ${missing[*]}" >&2
+        return 1
+    fi
+    case " ${missing[*]} " in
+        *" nginx-light "*) keepServerQuiet "${asRoot[@]}" ;;
+    esac
+}

@@ -1,0 +1,105 @@
+#!/bin/bash
+# Checks everything: builds the program as it is shipped, the tests, and the tests with sanitizers; checks the format
+# and the code; runs all tests, those of the whole program with the shipped executable. Exit code 0: all good.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")/.."
+source scripts/lib/packages.sh
+
+jobs=$(nproc)
+shipped=build
+tests=build-test
+sanitized=build-asan
+failures=()
+
+# must NAME COMMAND...: what follows makes no sense without it.
+must() {
+    local name=$1
+    shift
+    echo "== $name"
+    SECONDS=0
+    "$@" || { echo "== $name: FAILED after $SECONDS s"; exit 1; }
+    echo "== $name: $SECONDS s"
+}
+
+# check NAME COMMAND...: the rest is checked all the same.
+check() {
+    local name=$1
+    shift
+    echo "== $name"
+    SECONDS=0
+    if "$@"; then
+        echo "== $name: good, $SECONDS s"
+    else
+        echo "== $name: FAILED after $SECONDS s"
+        failures+=("$name")
+    fi
+}
+
+sources() {
+    local folder folders=()
+    for folder in "$@"; do
+        if [ -d "$folder" ]; then
+            folders+=("$folder")
+        fi
+    done
+    find "${folders[@]}" -name '*.cpp' -o -name '*.h' | sort
+}
+
+checkFormat() {
+    sources app ui unit update net log virtualunit tests bench fuzz | xargs clang-format --dry-run -Werror
+}
+
+checkCode() {
+    sources app ui unit update net log | grep '\.cpp$' |
+        xargs run-clang-tidy -quiet -p "$tests" -j "$jobs" > "$tests/tidy.log" 2>&1 ||
+        { grep -E 'warning:|error:' -A 4 "$tests/tidy.log" || cat "$tests/tidy.log"; return 1; }
+}
+
+checkScripts() {
+    shellcheck -x scripts/*.sh scripts/lib/*.sh server/*.sh .ci/run
+}
+
+buildShipped() {
+    cmake -S . -B "$shipped" && cmake --build "$shipped" -j "$jobs"
+}
+
+buildTests() {
+    cmake -G Ninja -S . -B "$tests" -DCMAKE_BUILD_TYPE=Debug -DTALVEX_TESTS=ON -DTALVEX_WERROR=ON &&
+        cmake --build "$tests" -j "$jobs"
+}
+
+# Each is named like its target.
+inProcessTests() {
+    ctest --test-dir "$sanitized" -N -L in-process | sed -n 's/^ *Test *#[0-9]*: //p'
+}
+
+buildSanitized() {
+    cmake --preset asan && inProcessTests | xargs cmake --build "$sanitized" -j "$jobs" --target
+}
+
+runTests() {
+    TALVEX_TEST_PROGRAM=$PWD/$shipped/bin/talvex-updater TALVEX_TEST_ARTIFACTS=$PWD/artifacts/test \
+        ctest --test-dir "$tests" --output-on-failure -j "$jobs"
+}
+
+runSanitized() {
+    UBSAN_OPTIONS=print_stacktrace=1 ctest --test-dir "$sanitized" -L in-process --output-on-failure -j "$jobs"
+}
+
+must "packages" installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
+export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+must "shipped program" buildShipped
+must "tests" buildTests
+check "scripts" checkScripts
+check "format" checkFormat
+check "code" checkCode
+check "all tests" runTests
+check "sanitized tests, build" buildSanitized
+check "sanitized tests" runSanitized
+
+if [ ${#failures[@]} -gt 0 ]; then
+    printf 'FAILED: %s\n' "${failures[@]}"
+    exit 1
+fi
+echo "All good."

@@ -1,0 +1,154 @@
+// Does with the program's window what a person does, from Connect to "Update: finished", and keeps a picture
+// of each stage.
+//
+//     talvex-demo-driver --proxy http://127.0.0.1:PORT --unit OPTIONS --pictures FOLDER
+//
+// Exit code: 0 the update finished and the program ended with 0; 1 a stage failed, said on the error output.
+
+#include "program.h"
+#include "waiting.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+
+#include <cstdio>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto downloadLimit = 60s;
+constexpr auto transferLimit = 600s; // 10 MB take about three minutes
+
+class Demo
+{
+public:
+    Demo(Desktop& shownOn, QDir folder) : desktop(shownOn), program(shownOn), pictures(std::move(folder)) {}
+
+    Outcome run(const QString& proxy, const QString& unit);
+
+private:
+    Outcome seeConnection();
+    Outcome seeTransfer();
+    Outcome seeInstallation();
+    Outcome keepPicture(const QString& stage);
+    Outcome keepPictureOfBox(const QString& stage);
+
+    Desktop& desktop;
+    Program program;
+    QDir pictures;
+    int count = 0;
+};
+
+Outcome Demo::keepPicture(const QString& stage)
+{
+    const QString path = pictures.filePath(QString("%1-%2.png").arg(++count, 2, 10, QChar('0')).arg(stage));
+    if (!desktop.savePicture(path))
+        return Outcome("cannot store " + path);
+    std::printf("%s\n", qPrintable(path));
+    std::fflush(stdout);
+    return {};
+}
+
+/// Pictures a box once it is painted: when two looks at the screen see the same.
+Outcome Demo::keepPictureOfBox(const QString& stage)
+{
+    constexpr auto paintLimit = 2s;
+    QImage before = desktop.screen().picture();
+    const bool still = waitUntil(
+        [&] {
+            QImage now = desktop.screen().picture();
+            before.swap(now);
+            return now == before && desktop.screen().originOf(program.look().boxWindow()).has_value();
+        },
+        paintLimit);
+    return still ? keepPicture(stage) : Outcome("the screen does not come to rest: " + stage);
+}
+
+Outcome Demo::run(const QString& proxy, const QString& unit)
+{
+    program.setVariable("http_proxy", proxy);
+    program.plugIn({unit});
+    STEP(program.start());
+    STEP(program.waitFor("the window in front",
+                         [](const View& view) { return view.window()["active"].toBool(); }));
+    STEP(keepPicture("started"));
+    STEP(seeConnection());
+    STEP(seeTransfer());
+    STEP(seeInstallation());
+    return program.waitForExit(0);
+}
+
+Outcome Demo::seeConnection()
+{
+    STEP(program.press("connect_button"));
+    STEP(program.waitFor("the connected unit", [](const View& view) { return view.box().has_value(); }));
+    STEP(keepPictureOfBox("connected"));
+    STEP(program.answer("Ok"));
+    STEP(program.waitFor("the offer", [](const View& view) {
+        return view.box().has_value() && view.box()->buttons.contains("Yes");
+    }));
+    STEP(keepPictureOfBox("offered"));
+    STEP(program.answer("Yes"));
+    STEP(program.waitFor(
+        "the stored image", [](const View& view) { return view.enabled("updateDeviceButton"); },
+        downloadLimit));
+    return keepPicture("downloaded");
+}
+
+Outcome Demo::seeTransfer()
+{
+    STEP(program.press("updateDeviceButton"));
+    for (const int percent : {10, 50, 90}) {
+        const auto reached = [percent](const View& view) {
+            return view.text("labelTransfer") == "Transfer: in progress" &&
+                   view.value("progressBarTransfer") >= percent;
+        };
+        STEP(program.waitFor(QString("the transfer at %1 %").arg(percent), reached, transferLimit));
+        STEP(keepPicture(QString("transfer-%1-percent").arg(percent)));
+    }
+    return {};
+}
+
+Outcome Demo::seeInstallation()
+{
+    const auto installing = [](const View& view) {
+        return view.text("labelUpdate").startsWith("Update: in progress") &&
+               view.value("progressBarUpdate") >= 10;
+    };
+    STEP(program.waitFor("the installation", installing, transferLimit));
+    STEP(keepPicture("installing"));
+    STEP(program.waitForText("labelUpdate", "Update: finished", 60s));
+    STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
+    STEP(keepPictureOfBox("finished"));
+    return program.answer("Ok");
+}
+
+Outcome demonstrate(const QCommandLineParser& arguments)
+{
+    const QDir pictures(arguments.value("pictures"));
+    if (!pictures.mkpath("."))
+        return Outcome("cannot make the folder " + pictures.path());
+    Desktop desktop;
+    STEP(desktop.start());
+    return Demo(desktop, pictures).run(arguments.value("proxy"), arguments.value("unit"));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCommandLineParser arguments;
+    arguments.addOptions({
+        {"proxy", "Where the update server answers.", "address"},
+        {"unit", "The unit that is plugged in, as the virtual HID library is told.", "options"},
+        {"pictures", "Where the pictures go.", "folder"},
+    });
+    arguments.addHelpOption();
+    arguments.process(application);
+    const Outcome outcome = demonstrate(arguments);
+    if (!outcome.good())
+        std::fprintf(stderr, "%s\n", qPrintable(outcome.problem()));
+    return outcome.good() ? 0 : 1;
+}

@@ -1,0 +1,159 @@
+#include "snapshot.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QMetaEnum>
+#include <QMetaMethod>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVariant>
+#include <QWindow>
+
+namespace {
+
+/// Global position and size in pixels; winId and exposed only of a window that has them already.
+QJsonObject place(const QWidget& widget)
+{
+    const QPoint global = widget.mapToGlobal(QPoint(0, 0));
+    QJsonObject fields{
+        {"globalX", global.x()},
+        {"globalY", global.y()},
+        {"width", widget.width()},
+        {"height", widget.height()},
+    };
+    if (widget.isWindow() && widget.windowHandle() != nullptr) {
+        fields["winId"] = QString::number(widget.windowHandle()->winId());
+        fields["exposed"] = widget.windowHandle()->isExposed();
+        fields["active"] = widget.isActiveWindow();
+        fields["title"] = widget.windowTitle();
+    }
+    return fields;
+}
+
+QJsonObject describe(const QWidget& widget)
+{
+    QJsonObject fields = place(widget);
+    fields["name"] = widget.objectName();
+    fields["class"] = QString::fromLatin1(widget.metaObject()->className());
+    fields["parent"] = widget.parentWidget() == nullptr ? QString() : widget.parentWidget()->objectName();
+    fields["x"] = widget.x();
+    fields["y"] = widget.y();
+    fields["enabled"] = widget.isEnabled();
+    fields["visible"] = widget.isVisible();
+    fields["whatsThis"] = widget.whatsThis();
+    const QVariant text = widget.property("text");
+    if (text.isValid())
+        fields["text"] = text.toString();
+    if (const auto* bar = qobject_cast<const QProgressBar*>(&widget))
+        fields["value"] = bar->value();
+    return fields;
+}
+
+/// "Ok", "Yes", ... of a standard button, the label of any other, "" of none.
+QString nameOf(const QMessageBox& box, QAbstractButton* button)
+{
+    if (button == nullptr)
+        return {};
+    const QMessageBox::StandardButton standard = box.standardButton(button);
+    if (standard == QMessageBox::NoButton)
+        return button->text();
+    return QMetaEnum::fromType<QMessageBox::StandardButtons>().valueToKey(standard);
+}
+
+QJsonObject describe(const QMessageBox& box)
+{
+    QJsonArray buttons;
+    const auto own = box.buttons();
+    for (QAbstractButton* button : own) {
+        QJsonObject one = place(*button);
+        one["name"] = nameOf(box, button);
+        buttons.append(one);
+    }
+    QJsonObject fields = place(box);
+    fields["text"] = box.text();
+    fields["informative"] = box.informativeText();
+    fields["detailed"] = box.detailedText();
+    fields["icon"] = QMetaEnum::fromType<QMessageBox::Icon>().valueToKey(box.icon());
+    fields["buttons"] = buttons;
+    fields["modal"] = QApplication::activeModalWidget() == &box;
+    fields["defaultButton"] = nameOf(box, box.defaultButton());
+    return fields;
+}
+
+QJsonArray layoutsOf(const QMainWindow& window)
+{
+    QJsonArray all;
+    const auto found = window.findChildren<QBoxLayout*>();
+    for (const QBoxLayout* layout : found) {
+        if (layout->objectName().isEmpty() || layout->objectName().startsWith("_"))
+            continue;
+        QStringList members;
+        for (int i = 0; i < layout->count(); ++i)
+            members += layout->itemAt(i)->widget() == nullptr ? QString()
+                                                              : layout->itemAt(i)->widget()->objectName();
+        const QMargins margins = layout->contentsMargins();
+        all.append(QJsonObject{
+            {"name", layout->objectName()},
+            {"class", QString::fromLatin1(layout->metaObject()->className())},
+            {"spacing", layout->spacing()},
+            {"margins", QJsonArray{margins.left(), margins.top(), margins.right(), margins.bottom()}},
+            {"members", members.join(' ')},
+        });
+    }
+    return all;
+}
+
+QJsonObject describe(const QMainWindow& window)
+{
+    QJsonArray widgets;
+    const auto found = window.findChildren<QWidget*>();
+    for (const QWidget* widget : found) {
+        if (!widget->objectName().isEmpty() && !widget->window()->inherits("QMessageBox"))
+            widgets.append(describe(*widget));
+    }
+    QJsonObject fields = describe(static_cast<const QWidget&>(window));
+    fields["widgets"] = widgets;
+    fields["layouts"] = layoutsOf(window);
+    return fields;
+}
+
+} // namespace
+
+namespace snapshot {
+
+QJsonObject take()
+{
+    QJsonArray windows;
+    QJsonArray boxes;
+    const auto all = QApplication::topLevelWidgets();
+    for (const QWidget* widget : all) {
+        if (!widget->isVisible() || widget->windowHandle() == nullptr)
+            continue;
+        if (const auto* box = qobject_cast<const QMessageBox*>(widget))
+            boxes.append(describe(*box));
+        else if (const auto* window = qobject_cast<const QMainWindow*>(widget))
+            windows.append(describe(*window));
+    }
+    return {{"windows", windows}, {"boxes", boxes}};
+}
+
+QJsonArray methodsOf(const QObject& object)
+{
+    QJsonArray methods;
+    const QMetaObject& meta = *object.metaObject();
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        methods.append(QJsonObject{
+            {"signature", QString::fromLatin1(method.methodSignature())},
+            {"parameters", QString::fromLatin1(method.parameterNames().join(','))},
+            {"kind", method.methodType() == QMetaMethod::Signal ? "signal" : "slot"},
+        });
+    }
+    return methods;
+}
+
+} // namespace snapshot

@@ -1,0 +1,245 @@
+#include "program.h"
+
+#include "waiting.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+QString executable()
+{
+    return qEnvironmentVariable("TALVEX_TEST_PROGRAM", TALVEX_PROGRAM);
+}
+
+/// Nothing of the caller's session reaches the program, save what it needs to run at all.
+QProcessEnvironment bareEnvironment()
+{
+    const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment bare;
+    for (const char* name : {"PATH", "LD_LIBRARY_PATH", "TZ"}) {
+        if (own.contains(name))
+            bare.insert(name, own.value(name));
+    }
+    bare.insert("LANG", "C.UTF-8");
+    bare.insert("QT_QPA_PLATFORM", "xcb");
+    bare.insert("NO_AT_BRIDGE", "1");
+    bare.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // this computer may sleep as it likes
+    return bare;
+}
+
+/// Qt's own remark when a box's window went before the X server answered a question about it, and the
+/// program's that it found no system bus, which is kept from it.
+bool isAboutSurroundings(const QString& line)
+{
+    return line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
+           line.startsWith("The computer may go to sleep: ");
+}
+
+/// Where a failed step leaves its picture; "": nowhere.
+QString pictureOfFailure()
+{
+    static int count = 0;
+    const QString folder = qEnvironmentVariable("TALVEX_TEST_ARTIFACTS");
+    if (folder.isEmpty() || !QDir().mkpath(folder))
+        return {};
+    return QString("%1/%2-%3-%4.png")
+        .arg(folder, QCoreApplication::applicationName())
+        .arg(QCoreApplication::applicationPid())
+        .arg(++count);
+}
+
+} // namespace
+
+Program::Program(Desktop& shownOn)
+    : desktop(shownOn), environment(bareEnvironment()), libraries{TALVEX_PROBE, TALVEX_VIRTUAL_HID}
+{
+    QDir directory(base.path());
+    for (const char* name : {"app", "scratch", "home", "work"})
+        directory.mkdir(name);
+    QFile::setPermissions(base.filePath("home"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void Program::putFirstInPath(const QString& directory)
+{
+    setVariable("PATH", directory + ":" + environment.value("PATH"));
+}
+
+Outcome Program::placeFile(const QString& name, const QByteArray& content)
+{
+    QFile file(ownPath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+        return Outcome("cannot write " + file.fileName());
+    return {};
+}
+
+std::optional<QByteArray> Program::fileContent(const QString& name) const
+{
+    QFile file(ownPath(name));
+    return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
+}
+
+Outcome Program::start()
+{
+    if (!QFile::copy(executable(), ownPath("talvex-updater")))
+        return Outcome("cannot copy the program from " + executable());
+    environment.insert("DISPLAY", desktop.name());
+    environment.insert("HOME", base.filePath("home"));
+    environment.insert("XDG_RUNTIME_DIR", base.filePath("home"));
+    environment.insert("LD_PRELOAD", libraries.join(':'));
+    environment.insert("TALVEX_PROBE", base.filePath("probe"));
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(base.filePath("work"));
+    process.start(ownPath("talvex-updater"), QStringList());
+    const bool listens = waitUntil(
+        [&] { return process.state() == QProcess::NotRunning || probe.open(base.filePath("probe")); },
+        usualLimit);
+    if (!listens || !isRunning())
+        return failed("the program did not start: " + process.errorString());
+    return waitFor("the main window", [](const View& view) { return view.window()["exposed"].toBool(); });
+}
+
+QString Program::errorOutput()
+{
+    QCoreApplication::processEvents();
+    written += process.readAllStandardError();
+    QStringList lines = QString::fromUtf8(written).split('\n', Qt::SkipEmptyParts);
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isAboutSurroundings), lines.end());
+    return lines.join('\n');
+}
+
+Outcome Program::failed(const QString& what)
+{
+    const QString picture = pictureOfFailure();
+    const QString stored =
+        !picture.isEmpty() && desktop.savePicture(picture) ? "\npicture: " + picture : QString();
+    return Outcome(what + "\nthe program showed:\n" + last.describe() + "its error output:\n" +
+                   errorOutput() + stored);
+}
+
+Outcome Program::waitFor(const QString& what, const std::function<bool(const View&)>& condition,
+                         Milliseconds limit)
+{
+    const bool met = waitUntil(
+        [&] {
+            const View now = look();
+            if (!now.isEmpty())
+                last = now;
+            return !isRunning() || (!now.isEmpty() && condition(now));
+        },
+        limit);
+    if (!isRunning())
+        return failed("the program ended while this was awaited: " + what);
+    return met ? Outcome() : failed("not seen within " + QString::number(limit.count()) + " ms: " + what);
+}
+
+Outcome Program::waitForBox(const BoxText& expected, Milliseconds limit)
+{
+    STEP(waitFor(
+        "a box", [](const View& view) { return view.box().has_value(); }, limit));
+    if (last.box() == expected)
+        return {};
+    return failed(
+        QString("another box than [%1] \"%2\" \"%3\" \"%4\" details \"%5\" buttons %6 default \"%7\"")
+            .arg(expected.icon, expected.title, expected.text, expected.informative, expected.detailed,
+                 expected.buttons.join('|'), expected.defaultButton));
+}
+
+Outcome Program::waitForNoBox()
+{
+    return waitFor("no box", [](const View& view) { return view.boxCount() == 0; });
+}
+
+Outcome Program::waitForText(const QString& name, const QString& text, Milliseconds limit)
+{
+    return waitFor(
+        name + " reading \"" + text + '"', [&](const View& view) { return view.text(name) == text; }, limit);
+}
+
+Outcome Program::waitForExit(int code, Milliseconds limit)
+{
+    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }, limit))
+        return failed("still running after " + QString::number(limit.count()) + " ms");
+    if (process.exitStatus() != QProcess::NormalExit)
+        return failed("the program crashed");
+    if (process.exitCode() != code)
+        return failed("exit code " + QString::number(process.exitCode()));
+    return {};
+}
+
+Outcome Program::staysAway(const QString& what, const std::function<bool(const View&)>& unwanted,
+                           Milliseconds time)
+{
+    bool seen = false;
+    const bool stopped = waitUntil(
+        [&] {
+            last = look();
+            seen = unwanted(last);
+            return seen || !isRunning();
+        },
+        time);
+    if (!stopped)
+        return {};
+    return failed(seen ? "not expected: " + what : "the program ended");
+}
+
+Outcome Program::click(const QString& what, const std::function<std::optional<Target>(const View&)>& find)
+{
+    XScreen& screen = desktop.screen();
+    STEP(waitFor(what + " to click on", [&](const View& view) {
+        const std::optional<Target> target = find(view);
+        // Both must agree where the window is, and nothing may cover it: it may still be on its way.
+        return target && screen.originOf(target->window) == target->windowOrigin &&
+               screen.pointAt(target->middle, target->window);
+    }));
+    screen.click();
+    return {};
+}
+
+Outcome Program::press(const QString& name)
+{
+    STEP(waitFor(name + " enabled", [&](const View& view) { return view.enabled(name); }));
+    return clickOn(name);
+}
+
+Outcome Program::clickOn(const QString& name)
+{
+    return click(name, [&](const View& view) { return view.targetOfWidget(name); });
+}
+
+Outcome Program::answer(const QString& button)
+{
+    unsigned long box = 0;
+    STEP(click("button " + button, [&](const View& view) {
+        box = view.boxWindow();
+        return view.targetOfButton(button);
+    }));
+    if (waitUntil([&] { return !isRunning() || look().boxWindow() != box; }, usualLimit))
+        return {};
+    return failed("the box stayed open after " + button);
+}
+
+Outcome Program::pressKeys(std::initializer_list<unsigned long> symbols)
+{
+    STEP(waitFor("the main window's focus",
+                 [](const View& view) { return view.window()["active"].toBool(); }));
+    desktop.screen().pressKeys(symbols);
+    return {};
+}
+
+Outcome Program::closeWindow()
+{
+    STEP(waitFor("the main window", [](const View& view) { return !view.window().isEmpty(); }));
+    desktop.screen().close(last.window()["winId"].toString().toULong());
+    return {};
+}
+
+Outcome Program::closeBox()
+{
+    STEP(waitFor("a box",
+                 [&](const View& view) { return desktop.screen().originOf(view.boxWindow()).has_value(); }));
+    desktop.screen().close(last.boxWindow());
+    return {};
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "childprocess.h"
+#include "desktop.h"
+#include "outcome.h"
+#include "probeclient.h"
+#include "view.h"
+
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+/// One run of the shipped program, unchanged, in a fresh directory of its own, used as a person uses it: with
+/// the mouse, the keyboard and the window manager. Every wait is for a condition and has a limit.
+class Program
+{
+public:
+    using Milliseconds = std::chrono::milliseconds;
+    static constexpr Milliseconds usualLimit{15000};
+
+    /// The desktop must outlive the run. TALVEX_TEST_PROGRAM in the environment names another executable than
+    /// that of this build tree.
+    explicit Program(Desktop& desktop);
+
+    /// A path in the program's own directory, or in the scratch directory beside it.
+    [[nodiscard]] QString ownPath(const QString& file) const { return base.filePath("app/" + file); }
+    [[nodiscard]] QString scratchPath(const QString& file) const { return base.filePath("scratch/" + file); }
+
+    /// Puts a file into the program's own directory.
+    Outcome placeFile(const QString& name, const QByteArray& content);
+    /// What a file there holds; nothing: there is none.
+    [[nodiscard]] std::optional<QByteArray> fileContent(const QString& name) const;
+
+    // Before the start.
+    void setVariable(const QString& name, const QString& value) { environment.insert(name, value); }
+    /// Units that are plugged in, as the virtual HID library is told of them.
+    void plugIn(const QStringList& units) { setVariable("TALVEX_VIRTUAL_UNITS", units.join(';')); }
+    /// A further library to preload.
+    void preload(const QString& library) { libraries += library; }
+    /// A directory to look for commands in before all others.
+    void putFirstInPath(const QString& directory);
+
+    /// Starts it and waits for its window.
+    Outcome start();
+
+    [[nodiscard]] View look() { return probe.look(); }
+    [[nodiscard]] QJsonDocument ask(const QByteArray& request) { return probe.ask(request); }
+    /// What it has written to its error output until now, without what this screen alone brings about.
+    [[nodiscard]] QString errorOutput();
+    [[nodiscard]] bool isRunning() const { return process.state() == QProcess::Running; }
+
+    /// Clicks on a control of the main window once it can be used.
+    Outcome press(const QString& name);
+    /// Clicks on a control of the main window as soon as it is to be seen, enabled or not.
+    Outcome clickOn(const QString& name);
+    /// Clicks a button of the top box ("Ok", "Yes", "No") and waits until this box is gone.
+    Outcome answer(const QString& button);
+    /// Presses keys together (X key symbols) once the main window takes them.
+    Outcome pressKeys(std::initializer_list<unsigned long> symbols);
+    /// The window manager's close button, of the main window and of the top box.
+    Outcome closeWindow();
+    Outcome closeBox();
+
+    Outcome waitFor(const QString& what, const std::function<bool(const View&)>& condition,
+                    Milliseconds limit = usualLimit);
+    /// A box on top that says exactly this.
+    Outcome waitForBox(const BoxText& expected, Milliseconds limit = usualLimit);
+    Outcome waitForNoBox();
+    Outcome waitForText(const QString& name, const QString& text, Milliseconds limit = usualLimit);
+    Outcome waitForExit(int code, Milliseconds limit = usualLimit);
+    /// That nothing of this kind shows up for as long.
+    Outcome staysAway(const QString& what, const std::function<bool(const View&)>& unwanted,
+                      Milliseconds time);
+
+private:
+    [[nodiscard]] Outcome failed(const QString& what);
+    Outcome click(const QString& what, const std::function<std::optional<Target>(const View&)>& find);
+
+    Desktop& desktop;
+    QTemporaryDir base;
+    QProcessEnvironment environment;
+    QStringList libraries;
+    QByteArray written;
+    ChildProcess process;
+    ProbeClient probe;
+    View last; ///< as of the latest look while waiting
+};

@@ -1,0 +1,119 @@
+#include "updateserver.h"
+
+#include "waiting.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QNetworkProxy>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto startLimit = 20s;
+constexpr int mostPortsTried = 5;
+
+/// A port that was free a moment ago; 0: there is none.
+quint16 freePort()
+{
+    QTcpServer finder;
+    return finder.listen(QHostAddress::LocalHost) ? finder.serverPort() : quint16(0);
+}
+
+bool listens(quint16 port)
+{
+    QTcpSocket caller;
+    caller.setProxy(QNetworkProxy::NoProxy);
+    caller.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    return caller.waitForConnected(200);
+}
+
+} // namespace
+
+Outcome UpdateServer::start()
+{
+    if (!QDir(base.path()).mkpath("root") || !QDir(base.path()).mkpath("run"))
+        return Outcome("cannot make the server's directories");
+    Outcome outcome;
+    for (int tried = 0; tried < mostPortsTried; ++tried) {
+        outcome = startOn(freePort());
+        if (outcome.good())
+            break; // otherwise somebody else was quicker to take the port
+    }
+    return outcome;
+}
+
+Outcome UpdateServer::startOn(quint16 candidate)
+{
+    process.start(TALVEX_SERVE_SCRIPT,
+                  {base.filePath("root"), QString::number(candidate), base.filePath("run")});
+    const bool up =
+        waitUntil([&] { return process.state() == QProcess::NotRunning || listens(candidate); }, startLimit);
+    if (!up || process.state() == QProcess::NotRunning)
+        return Outcome("the update server did not start: " + process.errorString() +
+                       process.readAllStandardError());
+    port = candidate;
+    return {};
+}
+
+Outcome UpdateServer::publish(const QString& path, const QByteArray& bytes)
+{
+    const QString full = base.filePath("root") + path;
+    QFile file(full);
+    if (!QDir().mkpath(QFileInfo(full).path()) || !file.open(QIODevice::WriteOnly) ||
+        file.write(bytes) != bytes.size() || !file.flush())
+        return Outcome("cannot publish " + full);
+    return {};
+}
+
+QVector<UpdateServer::Request> UpdateServer::requests() const
+{
+    QFile log(base.filePath("run/access.log"));
+    QVector<Request> all;
+    if (!log.open(QIODevice::ReadOnly))
+        return all;
+    const QList<QByteArray> lines = log.readAll().split('\n');
+    for (const QByteArray& line : lines) {
+        const QList<QByteArray> fields = line.split('|');
+        if (fields.size() == 3)
+            all.append({QString::fromUtf8(fields[0]), QString::fromUtf8(fields[1]), fields[2].toInt()});
+    }
+    return all;
+}
+
+void UpdateServer::forgetRequests()
+{
+    QFile::resize(base.filePath("run/access.log"), 0);
+}
+
+QByteArray catalogueOf(const QString& stem, const QString& version, const QString& imageAddress,
+                       const QString& changeLogAddress)
+{
+    const QString host = QString("http://") + updateHost;
+    const QStringList lines{
+        "[updater]",
+        "MainVer=11",
+        "MainChangeLog=" + host + "/logs/updater.txt",
+        "MacMainBin=" + host + "/bin/updater.zip",
+        "",
+        stem + "Ver=" + version,
+        stem + "Bin=" + imageAddress,
+        stem + "ChangeLog=" + changeLogAddress,
+        "",
+    };
+    return lines.join("\r\n").toUtf8();
+}
+
+Outcome publishFirmware(UpdateServer& server, const QString& stem, const QString& version,
+                        const QByteArray& image, const QByteArray& changeLog)
+{
+    const QString imagePath = "/bin/" + stem + ".sb";
+    const QString logPath = "/logs/" + stem + ".txt";
+    const QString host = QString("http://") + updateHost;
+    STEP(server.publish(imagePath, image));
+    STEP(server.publish(logPath, changeLog));
+    return server.publish(cataloguePath, catalogueOf(stem, version, host + imagePath, host + logPath));
+}

@@ -1,0 +1,129 @@
+#include "xscreen.h"
+
+// Xlib's macros (None, Bool, ...) break Qt's headers: these come last.
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+
+namespace {
+
+/// A window may vanish between two requests; what it was asked for then fails, and that is all.
+int ignoreError(Display*, XErrorEvent*)
+{
+    return 0;
+}
+
+} // namespace
+
+XScreen::~XScreen()
+{
+    if (display != nullptr)
+        XCloseDisplay(display);
+}
+
+bool XScreen::open(const QString& name)
+{
+    XSetErrorHandler(ignoreError);
+    display = XOpenDisplay(qPrintable(name));
+    if (display == nullptr)
+        return false;
+    int unused = 0;
+    return XTestQueryExtension(display, &unused, &unused, &unused, &unused) == True;
+}
+
+bool XScreen::hasWindowManager()
+{
+    const Atom check = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* value = nullptr;
+    XGetWindowProperty(display, DefaultRootWindow(display), check, 0, 1, False, XA_WINDOW, &type, &format,
+                       &count, &rest, &value);
+    if (value != nullptr)
+        XFree(value);
+    return count == 1;
+}
+
+std::optional<QPoint> XScreen::originOf(Window window)
+{
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(display, window, &attributes) == 0 || attributes.map_state != IsViewable)
+        return std::nullopt;
+    int x = 0;
+    int y = 0;
+    ::Window child = 0;
+    if (XTranslateCoordinates(display, window, DefaultRootWindow(display), 0, 0, &x, &y, &child) == 0)
+        return std::nullopt;
+    return QPoint(x, y);
+}
+
+bool XScreen::pointAt(QPoint position, Window window)
+{
+    constexpr int deepest = 16; // frames of the window manager, the window, its native children
+    XTestFakeMotionEvent(display, -1, position.x(), position.y(), CurrentTime);
+    XSync(display, False);
+    ::Window under = DefaultRootWindow(display);
+    for (int depth = 0; depth < deepest && under != 0; ++depth) {
+        if (under == window)
+            return true;
+        ::Window root = 0;
+        ::Window child = 0;
+        int x = 0;
+        int y = 0;
+        unsigned int mask = 0;
+        if (XQueryPointer(display, under, &root, &child, &x, &y, &x, &y, &mask) == 0)
+            return false;
+        under = child;
+    }
+    return false;
+}
+
+void XScreen::click()
+{
+    XTestFakeButtonEvent(display, Button1, True, CurrentTime);
+    XTestFakeButtonEvent(display, Button1, False, CurrentTime);
+    XSync(display, False);
+}
+
+void XScreen::pressKeys(std::initializer_list<unsigned long> symbols)
+{
+    for (const unsigned long symbol : symbols)
+        XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), True, CurrentTime);
+    for (auto symbol = std::rbegin(symbols); symbol != std::rend(symbols); ++symbol)
+        XTestFakeKeyEvent(display, XKeysymToKeycode(display, *symbol), False, CurrentTime);
+    XSync(display, False);
+}
+
+void XScreen::close(Window window)
+{
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display, "_NET_CLOSE_WINDOW", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = CurrentTime;
+    event.xclient.data.l[1] = 2; // asked for by the user
+    XSendEvent(display, DefaultRootWindow(display), False, SubstructureNotifyMask | SubstructureRedirectMask,
+               &event);
+    XSync(display, False);
+}
+
+QImage XScreen::picture()
+{
+    const ::Window root = DefaultRootWindow(display);
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(display, root, &attributes) == 0)
+        return {};
+    XImage* const image = XGetImage(display, root, 0, 0, static_cast<unsigned>(attributes.width),
+                                    static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
+    if (image == nullptr || image->bits_per_pixel != 32)
+        return {};
+    const QImage seen(reinterpret_cast<const uchar*>(image->data), image->width, image->height,
+                      image->bytes_per_line, QImage::Format_RGB32);
+    QImage copy = seen.copy();
+    XDestroyImage(image);
+    return copy;
+}

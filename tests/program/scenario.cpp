@@ -1,0 +1,119 @@
+#include "scenario.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QRandomGenerator>
+
+namespace {
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+namespace scenario {
+
+QString unitOptions(const Program& program, const QString& model, const QString& more, const QString& label)
+{
+    return QString("%1,version=%2,image=%3,journal=%4%5")
+        .arg(model, QString::number(unitVersion), program.scratchPath(label + ".image"),
+             program.scratchPath(label + ".journal"), more);
+}
+
+QByteArray receivedImage(const Program& program, const QString& label)
+{
+    return contentOf(program.scratchPath(label + ".image"));
+}
+
+QStringList journal(const Program& program, const QString& label)
+{
+    const QString text = QString::fromUtf8(contentOf(program.scratchPath(label + ".journal")));
+    return text.split('\n', Qt::SkipEmptyParts);
+}
+
+QByteArray image(int size)
+{
+    QRandomGenerator generator(static_cast<quint32>(size));
+    QByteArray bytes(size, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(generator.bounded(256));
+    return bytes;
+}
+
+QStringList faultlessJournal(const QByteArray& image)
+{
+    const QString digest =
+        QString::fromLatin1(QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex());
+    return {"opened",     "request digest=" + digest,
+            "accepted",   "image-complete size=" + QString::number(image.size()),
+            "installing", "verdict installed",
+            "closed"};
+}
+
+Outcome startWithUnit(Program& program, const QString& proxy, const QString& more)
+{
+    program.setVariable("http_proxy", proxy);
+    program.plugIn({unitOptions(program, "hb4", more)});
+    return program.start();
+}
+
+Outcome connectUnit(Program& program, const QString& message)
+{
+    STEP(program.press("connect_button"));
+    STEP(program.waitForBox(infoBox(message)));
+    return program.answer("Ok");
+}
+
+Outcome acceptOffer(Program& program, const QString& version)
+{
+    const QString text = "Your unit current version: " + version + "\nLatest version: 2.8";
+    STEP(program.waitForBox(offerBox(text, changeLog)));
+    STEP(program.answer("Yes"));
+    return program.waitFor("the stored image",
+                           [](const View& view) { return view.enabled("updateDeviceButton"); });
+}
+
+Outcome declineOffer(Program& program)
+{
+    STEP(connectUnit(program, "HB4 connected"));
+    STEP(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+    STEP(program.answer("No"));
+    return program.waitForNoBox();
+}
+
+Outcome connectAndDownload(Program& program, const QString& message)
+{
+    STEP(connectUnit(program, message));
+    return acceptOffer(program);
+}
+
+Outcome seeFinished(Program& program, std::chrono::milliseconds limit)
+{
+    STEP(program.waitForBox(finishedBox(), limit));
+    STEP(program.waitFor("the finished installation", [](const View& view) {
+        return view.text("labelUpdate") == "Update: finished" && !view.enabled("labelUpdate") &&
+               view.value("progressBarUpdate") == 100 && !view.enabled("progressBarUpdate") &&
+               view.text("labelTransfer") == "Transfer: completed" && !view.enabled("labelTransfer") &&
+               view.value("progressBarTransfer") == 100 && !view.enabled("progressBarTransfer") &&
+               !view.enabled("updateDeviceButton") && !view.enabled("connect_button");
+    }));
+    STEP(program.answer("Ok"));
+    return program.waitForExit(0);
+}
+
+BoxText finishedBox()
+{
+    return infoBox(
+        "Update installed correctly, please close program, and disconnect/power off your controller.\n"
+        "When reconnected/power ON your device will have the latest software.");
+}
+
+BoxText networkProblemBox()
+{
+    return errorBox("Problem with internet connection\n");
+}
+
+} // namespace scenario

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "program.h"
+#include "updateserver.h"
+
+#include <chrono>
+
+/// The steps of an update that several tests share. The unit is at version 2.3, the server offers 2.8.
+namespace scenario {
+
+inline constexpr int unitVersion = 23;
+inline constexpr const char* offeredVersion = "28";
+/// For http_proxy: a port at which nobody ever listens.
+inline constexpr const char* deadProxy = "http://127.0.0.1:1";
+inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- Brighter pads.\n";
+
+/// What a virtual unit of this model is told: its image and its journal go into the program's scratch
+/// directory, named after `label`; `more` are further options (",fault=...").
+[[nodiscard]] QString unitOptions(const Program& program, const QString& model, const QString& more = {},
+                                  const QString& label = "unit");
+[[nodiscard]] QByteArray receivedImage(const Program& program, const QString& label = "unit");
+[[nodiscard]] QStringList journal(const Program& program, const QString& label = "unit");
+
+/// Bytes that differ from one size to another and do not repeat in step with a packet; always the same.
+[[nodiscard]] QByteArray image(int size);
+/// The journal of a unit that got this image in the proper way and was closed when the program ended.
+[[nodiscard]] QStringList faultlessJournal(const QByteArray& image);
+
+/// Starts the program with a unit HB4 plugged in; `more` as for unitOptions().
+Outcome startWithUnit(Program& program, const QString& proxy, const QString& more = {});
+
+/// Connect, the box with this message, Ok.
+Outcome connectUnit(Program& program, const QString& message);
+/// The offer of 2.8 to a unit that shows as `version`, Yes, and the download until Update Device can be
+/// pressed.
+Outcome acceptOffer(Program& program, const QString& version = "2.3");
+/// Any offer to a unit HB4, and No.
+Outcome declineOffer(Program& program);
+/// Connect, the offer, Yes, the download.
+Outcome connectAndDownload(Program& program, const QString& message);
+/// The finished installation as it is shown, its box, Ok, and the program's end.
+Outcome seeFinished(Program& program, std::chrono::milliseconds limit = Program::usualLimit);
+
+/// The box that ends a successful update.
+[[nodiscard]] BoxText finishedBox();
+/// What all network problems read like.
+[[nodiscard]] BoxText networkProblemBox();
+
+} // namespace scenario

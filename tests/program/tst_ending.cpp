@@ -1,0 +1,204 @@
+// The ways out of the program: in every state it ends within 3 s, with exit code 0.
+
+#include "program.h"
+#include "scenario.h"
+#include "updateserver.h"
+
+#include <QTcpServer>
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto endLimit = 3s;
+
+constexpr const char* silentInstallation = ",fault=silent-installation";
+
+/// A server that takes connections and never answers.
+class SilentServer : public QTcpServer
+{
+public:
+    SilentServer() { listen(QHostAddress::LocalHost); }
+    [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(serverPort()); }
+};
+
+using State = Outcome (*)(Program&);
+
+Outcome pressUpdate(Program& program)
+{
+    STEP(scenario::connectAndDownload(program, "HB4 connected"));
+    return program.press("updateDeviceButton");
+}
+
+Outcome streamImage(Program& program)
+{
+    STEP(pressUpdate(program));
+    return program.waitFor("the transfer under way", [](const View& view) {
+        return view.text("labelTransfer") == "Transfer: in progress" && view.value("progressBarTransfer") > 0;
+    });
+}
+
+Outcome install(Program& program)
+{
+    STEP(pressUpdate(program));
+    return program.waitFor("the installation",
+                           [](const View& view) { return view.value("progressBarUpdate") > 0; });
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(State)
+
+class tst_ending : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void windowClosed_data();
+    void windowClosed();
+    void closedWhileTheServerIsSilent();
+    void closedWhileTheHostIsLookedUp();
+    void closedWhileTheImageArrives();
+    void boxClosed_data();
+    void boxClosed();
+
+private:
+    Desktop desktop;
+    UpdateServer server;
+    QByteArray image;
+};
+
+void tst_ending::initTestCase()
+{
+    image = scenario::image(60'000);
+    MUST(desktop.start());
+    MUST(server.start());
+}
+
+void tst_ending::windowClosed_data()
+{
+    QTest::addColumn<QString>("more"); // options of the unit
+    QTest::addColumn<State>("reach");
+    QTest::newRow("right after the start") << "" << State([](Program&) { return Outcome(); });
+    QTest::newRow("after a declined offer") << "" << State(scenario::declineOffer);
+    QTest::newRow("with an image to send")
+        << ""
+        << State([](Program& program) { return scenario::connectAndDownload(program, "HB4 connected"); });
+    QTest::newRow("while the unit does not answer") << ",fault=never-answers" << State(pressUpdate);
+    QTest::newRow("in the middle of the transfer") << "" << State(streamImage);
+    QTest::newRow("during the installation") << silentInstallation << State(install);
+}
+
+void tst_ending::windowClosed()
+{
+    QFETCH(QString, more);
+    QFETCH(State, reach);
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy(), more));
+    MUST(reach(program));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+    const QStringList journal = scenario::journal(program);
+    QCOMPARE(journal.isEmpty() ? QString("closed") : journal.last(),
+             QString("closed")); // the unit is given back
+}
+
+void tst_ending::closedWhileTheServerIsSilent()
+{
+    SilentServer silent;
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, silent.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_ending::closedWhileTheHostIsLookedUp()
+{
+    Program program(desktop);
+    program.preload(TALVEX_SILENT_RESOLVER);
+    program.setVariable("TALVEX_LOOKED_UP", program.scratchPath("looked-up"));
+    program.plugIn({scenario::unitOptions(program, "hb4")}); // and no proxy: the name itself is needed
+    MUST(program.start());
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    const QString noted = program.scratchPath("looked-up");
+    MUST(program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); }));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_ending::closedWhileTheImageArrives()
+{
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(server.publish("/slow/HB4.sb", scenario::image(3'000'000)));
+    MUST(server.publish(cataloguePath, catalogueOf("HB4", scenario::offeredVersion,
+                                                   QString("http://%1/slow/HB4.sb").arg(updateHost),
+                                                   QString("http://%1/logs/HB4.txt").arg(updateHost))));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+    MUST(program.answer("Yes"));
+    MUST(program.waitFor("the download under way", [](const View& view) {
+        return view.text("labelTransfer") == "Transfer: download new version" &&
+               view.value("progressBarTransfer") > 0 && view.value("progressBarTransfer") < 50;
+    }));
+    QVERIFY(!program.look().enabled("updateDeviceButton"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+    QVERIFY(!program.fileContent("updater.sb"));
+}
+
+void tst_ending::boxClosed_data()
+{
+    QTest::addColumn<QString>("version"); // in the catalogue; "": there is no server
+    QTest::addColumn<bool>("connects");   // the connection's box is answered first
+    QTest::addColumn<bool>("ends");       // the box is the program's last
+    QTest::newRow("the connection's box") << "28" << false << false;
+    QTest::newRow("the offer") << "28" << true << false;
+    QTest::newRow("up to date") << "23" << true << false;
+    QTest::newRow("a network problem") << "" << true << true;
+}
+
+void tst_ending::boxClosed()
+{
+    QFETCH(QString, version);
+    QFETCH(bool, connects);
+    QFETCH(bool, ends);
+    MUST(publishFirmware(server, "HB4", version, image, scenario::changeLog));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, version.isEmpty() ? QString(scenario::deadProxy) : server.proxy()));
+    if (connects)
+        MUST(scenario::connectUnit(program, "HB4 connected"));
+    else
+        MUST(program.press("connect_button"));
+    MUST(program.waitFor("the box", [](const View& view) { return view.boxCount() == 1; }));
+
+    // The window behind a box cannot be closed before the box is.
+    MUST(program.closeWindow());
+    MUST(program.staysAway(
+        "no box", [](const View& view) { return view.boxCount() == 0; }, 200ms));
+    MUST(program.closeBox());
+    if (ends) {
+        MUST(program.waitForExit(0, endLimit));
+        return;
+    }
+    if (!connects) { // the check that follows the connection opens the next one
+        MUST(program.waitFor("the offer", [](const View& view) {
+            return view.box().has_value() && view.box()->buttons.contains("Yes");
+        }));
+        MUST(program.closeBox());
+    }
+    MUST(program.waitForNoBox());
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+QTEST_GUILESS_MAIN(tst_ending)
+
+#include "tst_ending.moc"

@@ -1,0 +1,286 @@
+// A unit that misbehaves: what the user is told of it, and what the window shows afterwards.
+
+#include "program.h"
+#include "scenario.h"
+#include "updateserver.h"
+
+#include <QCryptographicHash>
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int imageSize = 6000;
+const QString advice = "Check the connections between PC and the unit and to try the update again.";
+
+/// A label and the bar that belongs to it.
+struct Display
+{
+    QString text;
+    bool enabled;
+    int percent; ///< negative: creeping, anything from 1 to 99
+};
+
+bool shows(const View& view, const QString& label, const QString& bar, const Display& display)
+{
+    const int percent = view.value(bar);
+    const bool right = display.percent < 0 ? percent >= 1 && percent <= 99 : percent == display.percent;
+    return right && view.text(label) == display.text && view.enabled(label) == display.enabled &&
+           view.enabled(bar) == display.enabled;
+}
+
+const Display downloaded{"Transfer: download new version", true, 100};
+const Display sent{"Transfer: in progress", true, 100};
+const Display completed{"Transfer: completed", false, 100};
+const Display idle{"Update:", false, 0};
+const Display creeping{"Update: in progress. Do not power off device!", true, -1};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Display)
+Q_DECLARE_METATYPE(std::optional<BoxText>)
+
+class tst_faults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void transfer_data();
+    void transfer();
+    void unitThatCannotBeUsed_data();
+    void unitThatCannotBeUsed();
+    void loneDeckBlocksConnect();
+    void unitThatSendsNoVersion();
+    void silentInstallationStopsAt99();
+    void repeatedComplaintOpensFurtherBoxes();
+    void repeatedSuccessEndsTheProgram();
+    void imageThatCannotBeSent_data();
+    void imageThatCannotBeSent();
+
+private:
+    Outcome startWithUnit(Program& program, const QStringList& units);
+
+    Desktop desktop;
+    UpdateServer server;
+    QByteArray image;
+    QString requestLine; ///< in the journal of a unit that was offered the image
+};
+
+void tst_faults::initTestCase()
+{
+    MUST(desktop.start());
+    MUST(server.start());
+    image = scenario::image(imageSize);
+    requestLine = "request digest=" + QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+}
+
+Outcome tst_faults::startWithUnit(Program& program, const QStringList& units)
+{
+    program.setVariable("http_proxy", server.proxy());
+    program.plugIn(units);
+    return program.start();
+}
+
+void tst_faults::transfer_data()
+{
+    QTest::addColumn<std::optional<BoxText>>("box");
+    QTest::addColumn<Display>("transfer");
+    QTest::addColumn<Display>("update");
+    QTest::addColumn<QStringList>("journal"); // after "opened" and the request
+
+    const std::optional<BoxText> noBox;
+    const std::optional<BoxText> timedOut = errorBox("Transfer timeout failed.\n" + advice);
+    const std::optional<BoxText> skipped = errorBox("Transfer failed. Packets skipped.\n" + advice);
+    const std::optional<BoxText> wrongDigest = errorBox("Transfer failed. Wrong md5.\n" + advice);
+    const std::optional<BoxText> rejected =
+        errorBox("Updating failed. Wrong file or some internal error.\n" + advice);
+    const std::optional<BoxText> unwritable = errorBox(advice, "Error HID device");
+    const QStringList arrived{"accepted", "image-complete size=6000"};
+
+    QTest::newRow("never-answers") << noBox << downloaded << idle << QStringList{"unanswered"};
+    QTest::newRow("refuses-timeout") << timedOut << downloaded << idle << QStringList{"refused timeout"};
+    QTest::newRow("refuses-skipped") << skipped << downloaded << idle << QStringList{"refused skipped"};
+    QTest::newRow("loses-packet:5") << wrongDigest << sent << idle
+                                    << QStringList{"accepted", "lost packet=5",
+                                                   "error packet-number expected=5 got=6",
+                                                   "image-complete size=5940", "verdict wrong-digest"};
+    QTest::newRow("wrong-digest") << wrongDigest << sent << idle
+                                  << arrived + QStringList{"verdict wrong-digest"};
+    QTest::newRow("rejects-image") << rejected << sent << idle << arrived + QStringList{"verdict rejected"};
+    QTest::newRow("installation-fails")
+        << rejected << completed << creeping << arrived + QStringList{"installing", "verdict rejected"};
+    QTest::newRow("unplugged-at:5") << noBox << sent << idle << QStringList{"accepted", "unplugged"};
+    QTest::newRow("unplugged-at:1") << unwritable << downloaded << idle << QStringList{"unplugged"};
+    QTest::newRow("takes-nothing") << unwritable << downloaded << idle << QStringList();
+}
+
+void tst_faults::transfer()
+{
+    QFETCH(std::optional<BoxText>, box);
+    QFETCH(Display, transfer);
+    QFETCH(Display, update);
+    QFETCH(QStringList, journal);
+    const auto shown = [&](const View& view) {
+        return shows(view, "labelTransfer", "progressBarTransfer", transfer) &&
+               shows(view, "labelUpdate", "progressBarUpdate", update) &&
+               !view.enabled("updateDeviceButton") && !view.enabled("connect_button");
+    };
+    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
+
+    Program program(desktop);
+    const QString fault = QString(",fault=") + QTest::currentDataTag();
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    if (box) {
+        MUST(program.waitForBox(*box));
+        MUST(program.waitFor("the window under the box", shown));
+        MUST(program.answer("Ok"));
+    }
+    MUST(program.waitFor("the window afterwards", shown));
+    MUST(program.staysAway("another box", boxOpen, 400ms));
+    QVERIFY2(shown(program.look()), qPrintable(program.look().describe()));
+
+    const bool requested = journal.value(0) != "unplugged" && !journal.isEmpty();
+    const QStringList expected =
+        QStringList{"opened"} + (requested ? QStringList{requestLine} : QStringList()) + journal;
+    QCOMPARE(scenario::journal(program), expected);
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 3s));
+}
+
+void tst_faults::unitThatCannotBeUsed_data()
+{
+    QTest::addColumn<QString>("unit");
+    QTest::newRow("cannot be opened") << "hb4,fault=cannot-open";
+    QTest::newRow("is not permitted") << "hb4,fault=no-permission";
+    QTest::newRow("has a trailing blank in its name") << "hb4,product=HB4 ";
+    QTest::newRow("has an unknown name") << "plt65,product=Keyboard";
+}
+
+void tst_faults::unitThatCannotBeUsed()
+{
+    QFETCH(QString, unit);
+    Program program(desktop);
+    MUST(startWithUnit(program, {unit}));
+    const View before = program.look();
+    for (int press = 1; press <= 2; ++press) {
+        MUST(program.press("connect_button"));
+        MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+        MUST(program.answer("Ok"));
+        MUST(program.waitForNoBox());
+    }
+    QCOMPARE(program.look().describe(), before.describe());
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 3s));
+}
+
+void tst_faults::loneDeckBlocksConnect()
+{
+    Program program(desktop);
+    MUST(startWithUnit(program, {"trk300-left", "plt65"}));
+    MUST(program.press("connect_button"));
+    MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForNoBox());
+
+    MUST(program.press("connect_button"));
+    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
+    MUST(program.staysAway("a box after the second press", boxOpen, 400ms));
+    QVERIFY(program.look().enabled("connect_button"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 3s));
+}
+
+void tst_faults::unitThatSendsNoVersion()
+{
+    Program program(desktop);
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=no-version-report")}));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::acceptOffer(program, "0.0"));
+    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::seeFinished(program));
+    QCOMPARE(scenario::receivedImage(program), image);
+}
+
+void tst_faults::silentInstallationStopsAt99()
+{
+    Program program(desktop);
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=silent-installation")}));
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    const auto creepingAt = [](int percent) {
+        return [percent](const View& view) {
+            return view.value("progressBarUpdate") >= percent &&
+                   shows(view, "labelUpdate", "progressBarUpdate", creeping);
+        };
+    };
+    MUST(program.waitFor("the bar at its start", creepingAt(2)));
+    QVERIFY(shows(program.look(), "labelTransfer", "progressBarTransfer", completed));
+    // A step every second poll, and a poll waits 100 ms: about 20 s.
+    MUST(program.waitFor("the bar at 99", creepingAt(99), 60s));
+    const auto elsewhere = [&](const View& view) { return !creepingAt(99)(view) || view.boxCount() != 0; };
+    MUST(program.staysAway("anything else than 99 %", elsewhere, 600ms));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 3s));
+}
+
+void tst_faults::repeatedComplaintOpensFurtherBoxes()
+{
+    constexpr int mostBoxes = 16;
+    Program program(desktop);
+    const QString fault = ",fault=wrong-digest,repeats-outcome=yes";
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    MUST(program.waitFor("a pile of boxes", [](const View& view) { return view.boxCount() == mostBoxes; }));
+    MUST(program.staysAway(
+        "more boxes", [](const View& view) { return view.boxCount() > mostBoxes; }, 400ms));
+    MUST(program.waitForBox(errorBox("Transfer failed. Wrong md5.\n" + advice)));
+}
+
+void tst_faults::repeatedSuccessEndsTheProgram()
+{
+    Program program(desktop);
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",repeats-outcome=yes")}));
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    MUST(program.waitFor("a second box", [](const View& view) { return view.boxCount() > 1; }));
+    MUST(program.waitForBox(scenario::finishedBox()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, 3s));
+}
+
+void tst_faults::imageThatCannotBeSent_data()
+{
+    QTest::addColumn<bool>("isThere");
+    QTest::newRow("was taken away") << false;
+    QTest::newRow("is empty") << true;
+}
+
+void tst_faults::imageThatCannotBeSent()
+{
+    QFETCH(bool, isThere);
+    Program program(desktop);
+    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4")}));
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    QVERIFY(QFile::remove(program.ownPath("updater.sb")));
+    if (isThere)
+        MUST(program.placeFile("updater.sb", {}));
+    MUST(program.press("updateDeviceButton"));
+    MUST(program.waitForBox(errorBox("File updater is not found.\nCheck the HD free space and try again.")));
+    MUST(program.answer("Ok"));
+    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
+    MUST(program.staysAway("another box", boxOpen, 400ms));
+    QCOMPARE(scenario::journal(program), QStringList{"opened"});
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 3s));
+}
+
+QTEST_GUILESS_MAIN(tst_faults)
+
+#include "tst_faults.moc"

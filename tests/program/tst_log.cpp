@@ -1,0 +1,206 @@
+// The unit's log, from the keys that offer it to the stored file.
+
+#include "program.h"
+#include "scenario.h"
+
+#include <X11/keysym.h>
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto endLimit = 3s;
+constexpr int logSize = 30'000; ///< 477 parts
+
+Outcome pressLogKeys(Program& program)
+{
+    return program.pressKeys({XK_Control_L, XK_Shift_L, XK_l});
+}
+
+/// The log that the program stored; nothing: not exactly one file of that kind is there.
+std::optional<QByteArray> storedLog(const Program& program)
+{
+    const QStringList files = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    return files.size() == 1 ? program.fileContent(files.first()) : std::nullopt;
+}
+
+bool offersLog(const View& view)
+{
+    return view.enabled("downloadLogFile") && view.widget("downloadLogFile")["visible"].toBool();
+}
+
+QStringList complaints(const Program& program)
+{
+    return scenario::journal(program).filter(QRegularExpression("^error "));
+}
+
+BoxText completeBox()
+{
+    return infoBox("Download log file is complete.\nYou can find it in program directory.");
+}
+
+} // namespace
+
+class tst_log : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void everyKindOfLayout_data();
+    void everyKindOfLayout();
+    void refusedLog();
+    void stoppedLog_data();
+    void stoppedLog();
+    void closedInMidLog();
+    void keysOfferNothing_data();
+    void keysOfferNothing();
+
+private:
+    Outcome begin(Program& program, const QString& model, const QString& message, const QString& fault = {});
+
+    Desktop desktop;
+    QTemporaryDir folder;
+    QByteArray log;
+};
+
+void tst_log::initTestCase()
+{
+    log = scenario::image(logSize);
+    QFile file(folder.filePath("unit.log"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
+    MUST(desktop.start());
+}
+
+/// Connects a unit that holds the log, and starts its download.
+Outcome tst_log::begin(Program& program, const QString& model, const QString& message, const QString& fault)
+{
+    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    program.plugIn({scenario::unitOptions(program, model, ",log=" + folder.filePath("unit.log") + fault)});
+    STEP(program.start());
+    STEP(scenario::connectUnit(program, message));
+    STEP(program.waitForNoBox());
+    STEP(pressLogKeys(program));
+    STEP(program.waitFor("the log button", offersLog));
+    STEP(program.press("downloadLogFile"));
+    return program.waitFor("the download's buttons", [](const View& view) {
+        return !view.enabled("downloadLogFile") && view.widget("stopDownloadingFile")["visible"].toBool();
+    });
+}
+
+void tst_log::everyKindOfLayout_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::newRow("hb4") << "HB4 connected";
+    QTest::newRow("lmb2") << "LMB-2 connected";
+    QTest::newRow("plt70") << "PLT70 connected";
+    QTest::newRow("plt65") << "PLT65 connected";
+}
+
+void tst_log::everyKindOfLayout()
+{
+    QFETCH(QString, message);
+    Program program(desktop);
+    MUST(begin(program, QTest::currentDataTag(), message));
+    MUST(program.waitForBox(completeBox()));
+    const View view = program.look();
+    QCOMPARE(view.value("progressBarTransfer"), 0);
+    QVERIFY(!view.enabled("stopDownloadingFile"));
+    QVERIFY(view.enabled("updateDeviceButton"));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    QCOMPARE(storedLog(program), std::optional(log));
+    QCOMPARE(complaints(program), QStringList());
+    QCOMPARE(program.errorOutput(), QString());
+}
+
+void tst_log::refusedLog()
+{
+    Program program(desktop);
+    MUST(begin(program, "hb4", "HB4 connected", ",fault=no-log"));
+    MUST(program.waitForBox(completeBox()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    QCOMPARE(storedLog(program), std::optional(QByteArray("")));
+    QCOMPARE(complaints(program), QStringList());
+}
+
+void tst_log::stoppedLog_data()
+{
+    QTest::addColumn<int>("stored"); // bytes
+    QTest::addColumn<int>("percent");
+    QTest::newRow("header-never-comes") << 0 << 0;
+    QTest::newRow("stalls-after-part:100") << 6300 << 20;
+    QTest::newRow("unplugged-at-part:101") << 6300 << 20;
+}
+
+void tst_log::stoppedLog()
+{
+    QFETCH(int, stored);
+    QFETCH(int, percent);
+    Program program(desktop);
+    MUST(begin(program, "hb4", "HB4 connected", QString(",fault=") + QTest::currentDataTag()));
+    const auto stands = [&](const View& view) {
+        return view.value("progressBarTransfer") == percent && view.enabled("stopDownloadingFile") &&
+               !view.enabled("updateDeviceButton");
+    };
+    MUST(program.waitFor("the download at its halt", stands));
+    MUST(program.staysAway(
+        "an end by itself", [&](const View& view) { return !stands(view); }, 400ms));
+    MUST(program.press("stopDownloadingFile"));
+    MUST(program.waitForBox(completeBox()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    QCOMPARE(storedLog(program), std::optional(log.left(stored)));
+}
+
+void tst_log::closedInMidLog()
+{
+    Program program(desktop);
+    MUST(begin(program, "hb4", "HB4 connected", ",fault=header-never-comes"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_log::keysOfferNothing_data()
+{
+    QTest::addColumn<QStringList>("units");
+    QTest::addColumn<QString>("message"); // "": nothing is connected
+    QTest::addColumn<bool>("updates");
+    QTest::newRow("before a unit is connected") << QStringList{"hb4"} << "" << false;
+    QTest::newRow("for a pair of decks")
+        << QStringList{"trk300-left", "trk300-right"} << "TRK300 connected" << false;
+    QTest::newRow("once an update has begun")
+        << QStringList{"hb4,fault=never-answers"} << "HB4 connected" << true;
+}
+
+void tst_log::keysOfferNothing()
+{
+    QFETCH(QStringList, units);
+    QFETCH(QString, message);
+    QFETCH(bool, updates);
+    Program program(desktop);
+    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image"));
+    program.plugIn(units);
+    MUST(program.start());
+    if (!message.isEmpty())
+        MUST(scenario::connectUnit(program, message));
+    MUST(program.waitForNoBox());
+    if (updates) {
+        MUST(program.press("updateDeviceButton"));
+        // The window manager holds a click back for a moment; keys would overtake it.
+        MUST(program.waitFor("the update's beginning",
+                             [](const View& view) { return !view.enabled("updateDeviceButton"); }));
+    }
+    MUST(pressLogKeys(program));
+    MUST(program.staysAway("the log button", offersLog, 400ms));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+QTEST_GUILESS_MAIN(tst_log)
+
+#include "tst_log.moc"

@@ -1,0 +1,191 @@
+// What the server offers: nothing newer, a firmware, a newer updater; and what it fails to hand out.
+
+#include "program.h"
+#include "scenario.h"
+#include "updateserver.h"
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto endLimit = 3s;
+
+/// A command that notes down what it was called with.
+Outcome placeFakeOpener(const Program& program)
+{
+    QFile script(program.scratchPath("xdg-open"));
+    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"" +
+                            program.scratchPath("opened").toUtf8() + ".part\"\nmv \"" +
+                            program.scratchPath("opened").toUtf8() + ".part\" \"" +
+                            program.scratchPath("opened").toUtf8() + "\"\n";
+    if (!script.open(QIODevice::WriteOnly) || script.write(text) != text.size() ||
+        !script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        return Outcome("cannot write " + script.fileName());
+    return {};
+}
+
+} // namespace
+
+class tst_offers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void unitIsUpToDate();
+    void declinedOfferChangesNothing();
+    void updaterOfferIsHandedToTheBrowser();
+    void updaterOfferDeclined();
+    void missingOnTheServer_data();
+    void missingOnTheServer();
+    void imageThatCannotBeSaved();
+
+private:
+    Outcome publishUpdater();
+
+    Desktop desktop;
+    UpdateServer server;
+    QByteArray image;
+};
+
+void tst_offers::initTestCase()
+{
+    image = scenario::image(60'000);
+    MUST(desktop.start());
+    MUST(server.start());
+}
+
+/// A catalogue with a newer updater, and a newer firmware that must not be offered before it.
+Outcome tst_offers::publishUpdater()
+{
+    STEP(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    STEP(server.publish("/logs/updater.txt", "New window."));
+    QByteArray catalogue =
+        catalogueOf("HB4", scenario::offeredVersion, QString("http://%1/bin/HB4.sb").arg(updateHost),
+                    QString("http://%1/logs/HB4.txt").arg(updateHost));
+    catalogue.replace("MainVer=11", "MainVer=12");
+    return server.publish(cataloguePath, catalogue);
+}
+
+void tst_offers::unitIsUpToDate()
+{
+    MUST(publishFirmware(server, "HB4", QString::number(scenario::unitVersion), image, scenario::changeLog));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitForBox(infoBox("Your unit has the latest software")));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForNoBox());
+    QVERIFY(!program.look().enabled("updateDeviceButton"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_offers::declinedOfferChangesNothing()
+{
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    server.forgetRequests();
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::declineOffer(program));
+    const View view = program.look();
+    QVERIFY(!view.enabled("updateDeviceButton"));
+    QCOMPARE(view.text("labelTransfer"), QString("Transfer:"));
+    QVERIFY(!view.enabled("labelTransfer"));
+    QVERIFY(!view.enabled("progressBarTransfer"));
+    QCOMPARE(server.requests().size(), 2); // the catalogue and the change log
+    QVERIFY(!program.fileContent("updater.sb"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_offers::updaterOfferIsHandedToTheBrowser()
+{
+    MUST(publishUpdater());
+    Program program(desktop);
+    MUST(placeFakeOpener(program));
+    program.putFirstInPath(program.scratchPath(""));
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitForBox(
+        offerBox("Your Talvex updater version: 0.11\nLatest version: 0.12", "New window.")));
+    MUST(program.answer("Yes"));
+    MUST(program.waitForBox(
+        infoBox("Wait for download new Talvex Updater.\nClose program and insall new version "
+                "Talvex Updater.\nTry again update unit.")));
+    const QString noted = program.scratchPath("opened");
+    MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
+    QFile file(noted);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString(file.readAll()), QString("1\nhttp://%1/bin/updater.zip\n").arg(updateHost));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_offers::updaterOfferDeclined()
+{
+    MUST(publishUpdater());
+    Program program(desktop);
+    MUST(placeFakeOpener(program));
+    program.putFirstInPath(program.scratchPath(""));
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::declineOffer(program));
+    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
+    MUST(program.staysAway("another offer", boxOpen, 400ms));
+    QVERIFY(!QFile::exists(program.scratchPath("opened")));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_offers::missingOnTheServer_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("offered"); // the offer comes before the problem
+    QTest::newRow("the catalogue") << cataloguePath << false;
+    QTest::newRow("the change log") << "/logs/HB4.txt" << false;
+    QTest::newRow("the image") << "/bin/HB4.sb" << true;
+}
+
+void tst_offers::missingOnTheServer()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, offered);
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    server.withdraw(path);
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    if (offered) {
+        MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+        MUST(program.answer("Yes"));
+    }
+    MUST(program.waitForBox(scenario::networkProblemBox()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    QVERIFY(!program.fileContent("updater.sb"));
+}
+
+void tst_offers::imageThatCannotBeSaved()
+{
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    Program program(desktop);
+    MUST(program.placeFile("updater.sb", "an older image"));
+    QVERIFY(QDir().mkpath(program.ownPath("updater.sb.upd/in the way")));
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+    MUST(program.answer("Yes"));
+    MUST(program.waitForBox(
+        errorBox("Error saving firmware to disk.\nCheck the HD, connections between PC and the "
+                 "unit and to try the update again.")));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    QVERIFY(!program.fileContent("updater.sb")); // an older image must never be taken for the new one
+}
+
+QTEST_GUILESS_MAIN(tst_offers)
+
+#include "tst_offers.moc"

@@ -1,0 +1,65 @@
+// Without a server.
+
+#include "program.h"
+#include "scenario.h"
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto endLimit = 3s;
+
+} // namespace
+
+class tst_offline : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void noServer();
+    void localImageIsInstalledWithoutServer();
+
+private:
+    Desktop desktop;
+    QByteArray image;
+};
+
+void tst_offline::initTestCase()
+{
+    image = scenario::image(60'000);
+    MUST(desktop.start());
+}
+
+void tst_offline::noServer()
+{
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, scenario::deadProxy));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitForBox(scenario::networkProblemBox()));
+    QVERIFY2(program.errorOutput().contains("Error by download info file"),
+             qPrintable(program.errorOutput()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+}
+
+void tst_offline::localImageIsInstalledWithoutServer()
+{
+    Program program(desktop);
+    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", image));
+    MUST(scenario::startWithUnit(program, scenario::deadProxy));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::seeFinished(program));
+    QCOMPARE(scenario::receivedImage(program), image);
+    QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
+    QCOMPARE(program.fileContent("SUPER_MEGA_UPDATE.sb"), std::optional(image));
+    QVERIFY(!program.fileContent("updater.sb"));
+}
+
+QTEST_GUILESS_MAIN(tst_offline)
+
+#include "tst_offline.moc"
