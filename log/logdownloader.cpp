@@ -10,8 +10,6 @@
 #include <QThread>
 #include <QTimer>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int partReadMs = 100;
@@ -60,7 +58,7 @@ void LogDownloader::waitLogFileMd5()
 {
     if (!readHeader())
         return;
-    if (report[0] == logprotocol::noLog) {
+    if (logprotocol::replyCode(report.data()) == logprotocol::noLog) {
         dumpFile();
         return;
     }
@@ -76,7 +74,7 @@ bool LogDownloader::readHeader()
         lastResult = hidio::readBlocking(device, report.data());
         if (lastResult < 0)
             QThread::msleep(failedReadMs);
-        else if (lastResult > 0 && (report[0] == logprotocol::logHeader || report[0] == logprotocol::noLog))
+        else if (lastResult > 0 && logprotocol::endsHeaderWait(report.data()))
             return true;
     }
     return false;
@@ -111,7 +109,7 @@ void LogDownloader::readLogPart()
 /// Takes the part in the buffer and goes on to the next step. False if the reply is no part.
 bool LogDownloader::takePart()
 {
-    switch (report[0]) {
+    switch (logprotocol::replyCode(report.data())) {
     case logprotocol::dataPart:
         ++partsReceived;
         store(logprotocol::dataPartBytes(report.data()));

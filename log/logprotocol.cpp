@@ -56,6 +56,16 @@ report::Output buildResend()
     return buildCommand(resend);
 }
 
+unsigned char replyCode(const unsigned char* reply)
+{
+    return reply[codeIndex];
+}
+
+bool endsHeaderWait(const unsigned char* reply)
+{
+    return replyCode(reply) == logHeader || replyCode(reply) == noLog;
+}
+
 QByteArray headerDigest(const unsigned char* reply)
 {
     return bytesAt(reply + digestIndex, digestLength);

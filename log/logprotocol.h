@@ -38,6 +38,8 @@ inline constexpr unsigned char requestNumber = 1; ///< the only number ever aske
 [[nodiscard]] report::Output buildResend();
 
 /// Readers of the 64 bytes of an input report.
+[[nodiscard]] unsigned char replyCode(const unsigned char* reply);
+[[nodiscard]] bool endsHeaderWait(const unsigned char* reply); ///< a header, or the word that there is no log
 [[nodiscard]] QByteArray headerDigest(const unsigned char* reply);  ///< 32 bytes
 [[nodiscard]] std::int32_t headerParts(const unsigned char* reply); ///< negative from 2^31 parts on
 [[nodiscard]] QByteArray dataPartBytes(const unsigned char* reply); ///< 63 bytes

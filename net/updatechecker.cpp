@@ -18,7 +18,6 @@ namespace {
 
 constexpr int silenceLimitMs = 30000;
 constexpr qint64 reportedTotal = 15000001; // bytes; an answer that announces as much is reported, not refused
-constexpr qint64 keptLimit = 64LL * 1024 * 1024; // bytes of one answer; more is given up as a network error
 constexpr int okStatus = 200;
 
 } // namespace
@@ -123,13 +122,14 @@ void UpdateChecker::httpReadyRead3()
     keepWithinLimit(changeLogText.size());
 }
 
-/// Gives the request up, as a network error, once `kept` is more than any catalogue, log or image can be.
+/// Gives the request up, as a network error, once it has brought more than `largestAnswer` bytes.
 void UpdateChecker::keepWithinLimit(qint64 kept)
 {
-    if (kept <= keptLimit)
+    if (kept <= largestAnswer)
         return;
+    // One more report of progress would start the clock again.
     // clang-format off
-    disconnect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, nullptr); // one more would start the clock again
+    disconnect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, nullptr);
     // clang-format on
     reply->abort();
 }

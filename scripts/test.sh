@@ -10,6 +10,7 @@ jobs=$(nproc)
 shipped=build
 tests=build-test
 sanitized=build-asan
+variant=build-hidraw
 failures=()
 
 # must NAME COMMAND...: what follows makes no sense without it.
@@ -64,6 +65,12 @@ buildShipped() {
     cmake -S . -B "$shipped" && cmake --build "$shipped" -j "$jobs"
 }
 
+# The other settings of the shipped program, as far as a compiler can tell.
+buildVariant() {
+    cmake -G Ninja -S . -B "$variant" -DTALVEX_HIDAPI=hidraw -DTALVEX_LOG_FILE=ON -DTALVEX_WERROR=ON &&
+        cmake --build "$variant" -j "$jobs" && readelf -d "$variant/bin/talvex-updater" | grep hidapi-hidraw
+}
+
 buildTests() {
     cmake -G Ninja -S . -B "$tests" -DCMAKE_BUILD_TYPE=Debug -DTALVEX_TESTS=ON -DTALVEX_WERROR=ON &&
         cmake --build "$tests" -j "$jobs"
@@ -91,6 +98,7 @@ must "packages" installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${ch
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 must "shipped program" buildShipped
 must "tests" buildTests
+check "other settings" buildVariant
 check "scripts" checkScripts
 check "format" checkFormat
 check "code" checkCode

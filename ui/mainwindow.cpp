@@ -38,7 +38,6 @@ MainWindow::MainWindow(QWidget* parent)
     startLogWorker();
     connectAll();
     setStartingState();
-    reserveBlock.fill(0);
 }
 
 MainWindow::~MainWindow() = default;

@@ -86,7 +86,7 @@ private:
     [[nodiscard]] ReportLayout layout() const { return {headerOffset, payloadOffset}; }
 
     // unit/connection.cpp
-    [[nodiscard]] bool searchType(UnitType type, int& result);
+    [[nodiscard]] bool searchModel(const UnitModel& model, int& result);
     void rememberFirstDeck(const hid_device_info& record);
 
     // unit/identification.cpp
@@ -100,7 +100,6 @@ private:
     [[nodiscard]] bool readImage();
     void startTransfer();
     void startTransferOfPair();
-    void acceptTransfer();
     void refuseTransfer(std::initializer_list<unsigned char> statuses);
     void abandonTransfer(const QString& text);
     void endTransferPhase();
@@ -112,7 +111,7 @@ private:
     void waitingApplyingUpdate(int, unsigned char* buffer);
     void showInstallationStarted();
     void showInstallationFinished();
-    template<typename ShowBox> void openInstallationBox(ShowBox showBox);
+    template<typename ShowBox> void openInstallationBox(int most, ShowBox showBox);
 
     // update/offer.cpp
     enum class Answer { yes, no, neither };
@@ -136,7 +135,7 @@ private:
     std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen; its path is pendingDeckPath
     std::uint8_t deckCount = 1;
     bool firstDeckSeen = false;
-    std::array<unsigned char, 25> reserveBlock; ///< zeroed, without use
+    std::array<unsigned char, 25> reserveBlock{}; ///< zeroed, without use
     UnitType unitType = UNIT_HB4;
     std::uint8_t headerOffset = 0;
     std::uint8_t payloadOffset = 0;

@@ -19,9 +19,9 @@ bool isAcceptable(const hid_device_info& record)
                      std::wstring_view(record.product_string)) != unitProductNames.end();
 }
 
-bool isDeck(UnitType type)
+bool isDeck(const UnitModel& model)
 {
-    return findUnitModel(type)->pairMessage != nullptr;
+    return model.pairMessage != nullptr;
 }
 
 struct FreeEnumeration
@@ -37,7 +37,7 @@ void MainWindow::connectSlot()
     // then without effect for the rest of the run.
     int result = 0;
     for (const UnitModel& model : unitModels)
-        if (searchType(model.type, result))
+        if (searchModel(model, result))
             break;
     if (result == 0)
         return;
@@ -46,19 +46,19 @@ void MainWindow::connectSlot()
 }
 
 /// Tries one model. True when the search is over: a unit or a pair was opened, or the pair could not be.
-bool MainWindow::searchType(UnitType type, int& result)
+bool MainWindow::searchModel(const UnitModel& model, int& result)
 {
-    unitType = type;
-    headerOffset = findUnitModel(type)->layout.headerOffset;
-    payloadOffset = findUnitModel(type)->layout.payloadOffset;
+    unitType = model.type;
+    headerOffset = model.layout.headerOffset;
+    payloadOffset = model.layout.payloadOffset;
     const std::unique_ptr<hid_device_info, FreeEnumeration> list(
-        hid_enumerate(unitVendorId, findUnitModel(type)->productId));
+        hid_enumerate(unitVendorId, model.productId));
 
     hid_device_info* taken = nullptr;
     for (hid_device_info* record = list.get(); record != nullptr && taken == nullptr; record = record->next) {
         if (!isAcceptable(*record))
             continue;
-        if (!isDeck(type)) {
+        if (!isDeck(model)) {
             taken = record;
         } else if (!firstDeckSeen) {
             rememberFirstDeck(*record);
@@ -70,6 +70,7 @@ bool MainWindow::searchType(UnitType type, int& result)
         }
     }
 
+    // A deck without its twin waits for the next model, unless a pair was open already when the search began.
     if (!firstDeckSeen || deckCount == 2) {
         findDevice(taken, result);
         if (firstDeckSeen) {

@@ -11,8 +11,9 @@
 namespace {
 
 constexpr int pollReadMs = 100;
-constexpr int mostBoxes = 16; ///< open at once; thousands of nested boxes would end in a stack overflow
-constexpr int complete = 100; ///< per cent
+constexpr int mostErrors = 16; // boxes open at once; thousands of nested ones would end in a stack overflow
+constexpr int mostBoxes = mostErrors + 1; // the good end is told on top of any number of errors
+constexpr int complete = 100;             ///< per cent
 
 } // namespace
 
@@ -33,7 +34,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         break;
     case transferprotocol::digestDiffers:
         sleepinhibitor::release();
-        openInstallationBox([this] {
+        openInstallationBox(mostErrors, [this] {
             QMessageBox::critical(this, tr("Error"),
                                   tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the "
                                      "unit and to try the update again."));
@@ -41,7 +42,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         break;
     case transferprotocol::installationFailed:
         sleepinhibitor::release();
-        openInstallationBox([this] {
+        openInstallationBox(mostErrors, [this] {
             QMessageBox::critical(
                 this, tr("Error"),
                 tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
@@ -73,7 +74,7 @@ void MainWindow::showInstallationFinished()
     ui->progressBarUpdate->setEnabled(false);
     ui->labelUpdate->setText("Update: finished");
     ui->labelUpdate->setEnabled(false);
-    openInstallationBox([this] {
+    openInstallationBox(mostBoxes, [this] {
         QMessageBox::information(
             this, tr("Info"),
             tr("Update installed correctly, please close program, and disconnect/power off "
@@ -84,10 +85,10 @@ void MainWindow::showInstallationFinished()
 }
 
 /// Opens a box outside the tick, whose timer would otherwise stand still under it: polling and creeping go
-/// on, and a repeated status opens a further box on top, meant so.
-template<typename ShowBox> void MainWindow::openInstallationBox(ShowBox showBox)
+/// on, and a repeated status opens a further box on top, meant so, while fewer than `most` are open.
+template<typename ShowBox> void MainWindow::openInstallationBox(int most, ShowBox showBox)
 {
-    if (installationBoxes == mostBoxes)
+    if (installationBoxes >= most)
         return;
     ++installationBoxes;
     const auto show = [this, showBox] {

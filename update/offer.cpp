@@ -1,19 +1,10 @@
 #include "app/version.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
+#include "update/shownversion.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
-
-namespace {
-
-/// A firmware version as it is shown: 23 is "2.3".
-QString shownVersion(int version)
-{
-    return QString::number(version / 10) + "." + QString::number(version % 10);
-}
-
-} // namespace
 
 /// Shows an offer and its change log. Neither: the box ended with the program, without an answer.
 MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)

@@ -1,3 +1,4 @@
+#include "net/updatechecker.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
@@ -15,7 +16,6 @@ namespace {
 
 constexpr int tickMs = 1;
 constexpr int acceptanceReadMs = 1;
-constexpr qint64 largestImage = 64LL * 1024 * 1024; // bytes; a larger file is no firmware image
 
 } // namespace
 
@@ -30,8 +30,6 @@ void MainWindow::updateDevice()
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
         applyingPhase = 1; // meant so: the timer starts all the same and only polls the installation
-    } else {
-        sleepinhibitor::hold();
     }
     if (transferTimer != nullptr) {
         sleepinhibitor::release();
@@ -43,13 +41,15 @@ void MainWindow::updateDevice()
     transferTimer = new QTimer;
     connect(transferTimer, SIGNAL(timeout()), this, SLOT(transmitSlot()));
     transferTimer->start(tickMs);
+    if (applyingPhase == 0)
+        sleepinhibitor::hold();
 }
 
 /// Reads the whole image. False if the file cannot be opened or read, or holds no image at all.
 bool MainWindow::readImage()
 {
     firmwareData.clear();
-    if (updaterFile.open(QIODevice::ReadOnly) && updaterFile.size() <= largestImage)
+    if (updaterFile.open(QIODevice::ReadOnly) && updaterFile.size() <= largestAnswer)
         firmwareData = updaterFile.readAll();
     const bool whole = updaterFile.error() == QFile::NoError && firmwareData.size() == updaterFile.size();
     updaterFile.close();
