@@ -71,7 +71,7 @@ small() { run small "$work/run/bench-transfer" stream 150000 1 2299; }
 early() { run early "$work/run/bench-transfer" stream 15000000 1 2299; }
 late() { run late "$work/run/bench-transfer" stream 15000000 247500 2299; }
 
-updater() { run updater "$build/bench/bench-start" "$build/bin/talvex-updater"; }
+updater() { run updater "$build/bench/bench-start" "$work/run/talvex-updater"; }
 empty() { run empty "$build/bench/bench-start" "$build/bench/bench-emptywindow"; }
 
 logOf() { run "$1" "$work/run/bench-log" "$1" "$2"; }
@@ -95,12 +95,12 @@ sizes() {
     fi
 }
 
-installMissing "${buildPackages[@]}" libbenchmark-dev libxcb1-dev xdotool xvfb
+installMissing "${buildPackages[@]}" "${benchPackages[@]}"
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTALVEX_BENCH=ON \
     -DCMAKE_CXX_COMPILER_LAUNCHER=ccache > "$work/configure" || { cat "$work/configure"; exit 1; }
 cmake --build "$build" -j2
 mkdir "$work/run"
-cp "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
+cp "$build/bin/talvex-updater" "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
 openScreen
 uptime
 

@@ -58,7 +58,7 @@ checkCode() {
 }
 
 checkScripts() {
-    shellcheck -x scripts/*.sh scripts/lib/*.sh server/*.sh .ci/run
+    shellcheck -x scripts/*.sh scripts/lib/*.sh server/*.sh bench/*.sh .ci/run
 }
 
 buildShipped() {

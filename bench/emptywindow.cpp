@@ -1,0 +1,13 @@
+// The least that shows a window.
+
+#include <QApplication>
+#include <QMainWindow>
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QMainWindow window;
+    window.resize(488, 440);
+    window.show();
+    return QApplication::exec();
+}
