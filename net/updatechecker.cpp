@@ -75,6 +75,7 @@ void UpdateChecker::get(const QString& url, const char* finishedSlot, const char
 {
     QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
     request.setRawHeader("User-Agent", "MyOwnBrowser 1.0");
+    received = 0;
     reply = networkManager.get(request);
     connect(reply, SIGNAL(finished()), this, finishedSlot);
     connect(reply, SIGNAL(readyRead()), this, readyReadSlot);
@@ -109,8 +110,8 @@ void UpdateChecker::httpReadyRead()
 {
     if (reply == nullptr)
         return;
-    infoData += catalogue::withoutCarriageReturns(reply->readAll());
-    keepWithinLimit(infoData.size());
+    infoData += catalogue::withoutCarriageReturns(takePiece());
+    giveUpEndless();
 }
 
 void UpdateChecker::httpReadyRead3()
@@ -118,14 +119,22 @@ void UpdateChecker::httpReadyRead3()
     if (reply == nullptr)
         return;
     // Meant so: each piece is decoded by itself, up to its first NUL byte, carriage returns included.
-    changeLogText += QString::fromUtf8(reply->readAll().constData());
-    keepWithinLimit(changeLogText.size());
+    changeLogText += QString::fromUtf8(takePiece().constData());
+    giveUpEndless();
+}
+
+/// Reads what has arrived, kept or not later on.
+QByteArray UpdateChecker::takePiece()
+{
+    const QByteArray piece = reply->readAll();
+    received += piece.size();
+    return piece;
 }
 
 /// Gives the request up, as a network error, once it has brought more than `largestAnswer` bytes.
-void UpdateChecker::keepWithinLimit(qint64 kept)
+void UpdateChecker::giveUpEndless()
 {
-    if (kept <= largestAnswer)
+    if (received <= largestAnswer)
         return;
     // One more report of progress would start the clock again.
     // clang-format off

@@ -69,7 +69,8 @@ private:
     void get(const QString& url, const char* finishedSlot, const char* readyReadSlot);
     void getPlain(QString& address, const char* finishedSlot, const char* readyReadSlot);
     [[nodiscard]] bool replyFailed() const;
-    void keepWithinLimit(qint64 kept);
+    [[nodiscard]] QByteArray takePiece();
+    void giveUpEndless();
     void releaseReply();
     void reportProblem();
     void reportFailedDownload(const char* logLine);
@@ -92,4 +93,5 @@ private:
     QByteArray infoData;
     QByteArray firmwareData;
     QString changeLogText;
+    qint64 received = 0; ///< bytes of the answer to the request in flight
 };

@@ -21,6 +21,7 @@ build="build-demo"
 auto=no
 output=artifacts/demo
 imageBytes=1500000
+logBytes=120000
 installMs=4000
 if [ -z "${DISPLAY:-}" ]; then
     auto=yes
@@ -84,21 +85,30 @@ buildAll
 server/make-content.sh "$work/root" "$imageBytes" 28
 startServer "$work/root" "$work"
 proxy=http://127.0.0.1:$serverPort
-unit=hb4,version=23,image=$work/unit.image,journal=$work/unit.journal,install-ms=$installMs
+head -c "$logBytes" /dev/urandom > "$work/unit.log"
+unit=hb4,version=23,image=$work/unit.image,journal=$work/unit.journal,install-ms=$installMs,log=$work/unit.log
 
 if [ "$auto" = yes ]; then
     mkdir -p "$output"
-    echo "The driver updates a virtual unit with $imageBytes bytes; its pictures:"
-    runAndWait "$build/bin/talvex-demo-driver" --proxy "$proxy" --unit "$unit" --pictures "$output"
+    echo "The driver updates a virtual unit with $imageBytes bytes, then pulls its log of $logBytes; its pictures:"
+    runAndWait "$build/bin/talvex-demo-driver" --proxy "$proxy" --unit "$unit" --pictures "$output" \
+        --log "$work/stored.log"
 else
     runAndWait runByHand
 fi
 
 echo
 echo "What happened at the unit:"
-sed 's/^/    /' "$work/unit.journal"
+sed -e '/^log-part /d' -e 's/^/    /' "$work/unit.journal"
 if ! cmp "$work/unit.image" "$work/root/bin/HB4.sb"; then
     echo "The unit does not hold the image that the server handed out." >&2
     exit 1
 fi
 echo "The unit holds the server's image, byte for byte ($(stat -c %s "$work/unit.image") bytes)."
+if [ "$auto" = yes ]; then
+    if ! cmp "$work/stored.log" "$work/unit.log"; then
+        echo "The stored log is not the one that the unit handed out." >&2
+        exit 1
+    fi
+    echo "The stored log is the unit's, byte for byte ($logBytes bytes)."
+fi

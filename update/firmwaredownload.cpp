@@ -34,8 +34,8 @@ void UpdateChecker::httpReadyRead2()
 {
     if (reply == nullptr)
         return;
-    firmwareData += reply->readAll();
-    keepWithinLimit(firmwareData.size());
+    firmwareData += takePiece();
+    giveUpEndless();
 }
 
 void UpdateChecker::replyFinishedOnDone()

@@ -92,6 +92,7 @@ class TestLogMessageOutput : public QObject
 private slots:
     void init();
     void fileIsNamedAfterItsFirstMessage();
+    void fileOfTheSameSecondGoesOn();
     void laterSecondSameFile();
     void lineStamp();
     void everyTypeIsWrittenAndNoneEndsTheProcess();
@@ -155,6 +156,27 @@ void TestLogMessageOutput::fileIsNamedAfterItsFirstMessage()
     QVERIFY(named >= start && named <= QDateTime::currentDateTime());
     QCOMPARE(texts(), (QStringList{"first", "second"}));
     QCOMPARE(echo, QByteArray("first\nsecond\n"));
+}
+
+/// As when the program was started twice.
+void TestLogMessageOutput::fileOfTheSameSecondGoesOn()
+{
+    constexpr int secondsAhead = 30;
+    QByteArray grown;
+    for (int i = 0; i < secondsAhead; ++i) {
+        const QDateTime then = QDateTime::currentDateTime().addSecs(i);
+        QFile earlier(folder->filePath(then.toString("yyyy-MM-dd_hh_mm_ss'.log'")));
+        QVERIFY(earlier.open(QIODevice::WriteOnly) && earlier.write("earlier\n") == 8 && earlier.flush());
+    }
+    speak("two messages");
+    for (const QString& name : qAsConst(files)) {
+        QFile file(folder->filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY2(text.startsWith("earlier\n"), qPrintable(name));
+        grown += text.mid(8);
+    }
+    QCOMPARE(grown.count(" : "), 2);
 }
 
 void TestLogMessageOutput::laterSecondSameFile()

@@ -1,15 +1,19 @@
 // Does with the program's window what a person does, from Connect to "Update: finished", and keeps a picture
-// of each stage.
+// of each stage; then pulls the unit's log in a second run.
 //
-//     talvex-demo-driver --proxy http://127.0.0.1:PORT --unit OPTIONS --pictures FOLDER
+//     talvex-demo-driver --proxy http://127.0.0.1:PORT --unit OPTIONS --pictures FOLDER --log FILE
 //
-// Exit code: 0 the update finished and the program ended with 0; 1 a stage failed, said on the error output.
+// FILE gets what the program stored of the unit's log. Exit code: 0 both runs came to their end and the
+// program ended with 0; 1 a stage failed, said on the error output.
 
 #include "program.h"
 #include "waiting.h"
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
+
+#include <X11/keysym.h>
 
 #include <cstdio>
 
@@ -23,11 +27,18 @@ constexpr auto transferLimit = 600s; // 10 MB take about three minutes
 class Demo
 {
 public:
-    Demo(Desktop& shownOn, QDir folder) : desktop(shownOn), program(shownOn), pictures(std::move(folder)) {}
+    Demo(Desktop& shownOn, QDir folder, int picturesBefore)
+        : desktop(shownOn), program(shownOn), pictures(folder), count(picturesBefore)
+    {
+    }
 
-    Outcome run(const QString& proxy, const QString& unit);
+    Outcome update(const QString& proxy, const QString& unit);
+    Outcome pullLog(const QString& proxy, const QString& unit, const QString& target);
+
+    [[nodiscard]] int pictureCount() const { return count; }
 
 private:
+    Outcome open(const QString& proxy, const QString& unit);
     Outcome seeConnection();
     Outcome seeTransfer();
     Outcome seeInstallation();
@@ -37,7 +48,7 @@ private:
     Desktop& desktop;
     Program program;
     QDir pictures;
-    int count = 0;
+    int count;
 };
 
 Outcome Demo::keepPicture(const QString& stage)
@@ -65,15 +76,25 @@ Outcome Demo::keepPictureOfBox(const QString& stage)
     return still ? keepPicture(stage) : Outcome("the screen does not come to rest: " + stage);
 }
 
-Outcome Demo::run(const QString& proxy, const QString& unit)
+Outcome Demo::open(const QString& proxy, const QString& unit)
 {
     program.setVariable("http_proxy", proxy);
     program.plugIn({unit});
     STEP(program.start());
-    STEP(program.waitFor("the window in front",
-                         [](const View& view) { return view.window()["active"].toBool(); }));
+    return program.waitFor("the window in front",
+                           [](const View& view) { return view.window()["active"].toBool(); });
+}
+
+Outcome Demo::update(const QString& proxy, const QString& unit)
+{
+    STEP(open(proxy, unit));
     STEP(keepPicture("started"));
     STEP(seeConnection());
+    STEP(program.answer("Yes"));
+    STEP(program.waitFor(
+        "the stored image", [](const View& view) { return view.enabled("updateDeviceButton"); },
+        downloadLimit));
+    STEP(keepPicture("downloaded"));
     STEP(seeTransfer());
     STEP(seeInstallation());
     return program.waitForExit(0);
@@ -88,12 +109,7 @@ Outcome Demo::seeConnection()
     STEP(program.waitFor("the offer", [](const View& view) {
         return view.box().has_value() && view.box()->buttons.contains("Yes");
     }));
-    STEP(keepPictureOfBox("offered"));
-    STEP(program.answer("Yes"));
-    STEP(program.waitFor(
-        "the stored image", [](const View& view) { return view.enabled("updateDeviceButton"); },
-        downloadLimit));
-    return keepPicture("downloaded");
+    return keepPictureOfBox("offered");
 }
 
 Outcome Demo::seeTransfer()
@@ -124,6 +140,39 @@ Outcome Demo::seeInstallation()
     return program.answer("Ok");
 }
 
+/// Stores what the program stored, whatever it named it.
+Outcome copyLog(const Program& program, const QString& target)
+{
+    const QStringList files = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    if (files.size() != 1)
+        return Outcome("not one log beside the program: " + files.join(", "));
+    QFile::remove(target);
+    return QFile::copy(program.ownPath(files.first()), target) ? Outcome()
+                                                               : Outcome("cannot store " + target);
+}
+
+Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& target)
+{
+    STEP(open(proxy, unit));
+    STEP(seeConnection());
+    STEP(program.answer("No"));
+    STEP(program.waitForNoBox());
+    STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
+    STEP(program.waitFor("the log button", [](const View& view) { return view.enabled("downloadLogFile"); }));
+    STEP(keepPicture("log-offered"));
+    STEP(program.press("downloadLogFile"));
+    STEP(program.waitFor(
+        "half of the log", [](const View& view) { return view.value("progressBarTransfer") >= 50; },
+        downloadLimit));
+    STEP(keepPicture("log-50-percent"));
+    STEP(program.waitFor(
+        "the last box", [](const View& view) { return view.box().has_value(); }, downloadLimit));
+    STEP(keepPictureOfBox("log-complete"));
+    STEP(program.answer("Ok"));
+    STEP(program.waitForExit(0));
+    return copyLog(program, target);
+}
+
 Outcome demonstrate(const QCommandLineParser& arguments)
 {
     const QDir pictures(arguments.value("pictures"));
@@ -131,7 +180,11 @@ Outcome demonstrate(const QCommandLineParser& arguments)
         return Outcome("cannot make the folder " + pictures.path());
     Desktop desktop;
     STEP(desktop.start());
-    return Demo(desktop, pictures).run(arguments.value("proxy"), arguments.value("unit"));
+    const QString proxy = arguments.value("proxy");
+    const QString unit = arguments.value("unit");
+    Demo first(desktop, pictures, 0);
+    STEP(first.update(proxy, unit));
+    return Demo(desktop, pictures, first.pictureCount()).pullLog(proxy, unit, arguments.value("log"));
 }
 
 } // namespace
@@ -144,6 +197,7 @@ int main(int argc, char** argv)
         {"proxy", "Where the update server answers.", "address"},
         {"unit", "The unit that is plugged in, as the virtual HID library is told.", "options"},
         {"pictures", "Where the pictures go.", "folder"},
+        {"log", "Where the stored log goes.", "file"},
     });
     arguments.addHelpOption();
     arguments.process(application);

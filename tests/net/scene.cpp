@@ -79,9 +79,9 @@ QStringList Scene::networkError(Request request) const
         return {told::log("Error by download info file"), told::problem()};
     constexpr std::array lines{"", "UpdateChecker::downloadChangeLogDone",
                                "UpdateChecker::downloadMainChangeLogDone", "UpdateChecker::onDone"};
+    const QString error = checker->reply != nullptr ? checker->reply->errorString() : "(no reply was kept)";
     return {told::log(lines.at(static_cast<std::size_t>(request))), told::problem(),
-            told::log("Error by download update file"),
-            told::signal("checkversionError", {checker->reply->errorString()})};
+            told::log("Error by download update file"), told::signal("checkversionError", {error})};
 }
 
 QByteArray Scene::catalogue(const QMap<QString, QString>& changes) const

@@ -34,7 +34,8 @@ public:
     void ask(Request request, const RawServer& whom);
     [[nodiscard]] static QString path(Request request);
 
-    /// What the checker says when this request's answer is a network error; the error text is the reply's.
+    /// What the checker says when this request's answer is a network error; the error text is that of the
+    /// reply it keeps then.
     [[nodiscard]] QStringList networkError(Request request) const;
 
     /// A good catalogue for an HB4: firmware 27, updater 11, addresses of this server. `changes` replaces

@@ -21,12 +21,14 @@ struct Failure
 
 std::array<Failure, 4> failures; // one for each Call
 int callsToKill = 0;
+std::vector<Call> history;
 
 /// Counts the call. True: it is to fail, errno is set.
 bool goesWrong(Call call)
 {
     if (callsToKill > 0 && --callsToKill == 0)
         raise(SIGKILL);
+    history.push_back(call);
     Failure& failure = failures.at(static_cast<std::size_t>(call));
     if (failure.calls == 0 || --failure.calls > 0)
         return false;
@@ -61,8 +63,14 @@ void kill(int nth)
     callsToKill = nth;
 }
 
+std::vector<Call> calls()
+{
+    return history;
+}
+
 void clear()
 {
+    history.clear();
     failures = {};
     callsToKill = 0;
 }

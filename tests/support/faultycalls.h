@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 /// Stands before the C library's file calls of this process (Linux) and lets some of them go wrong, as a full
 /// disk, a broken one or a sudden end would. Writes to anything but regular files are left alone, and so are
 /// the standard streams. Only one thread may use files meanwhile.
@@ -13,6 +15,9 @@ void fail(Call call, int nth, int error);
 
 /// The process is killed (SIGKILL) before the nth call of any kind from now on; a write is half done then.
 void kill(int nth);
+
+/// The calls since the last clear(), in order, also those that failed.
+[[nodiscard]] std::vector<Call> calls();
 
 /// Everything works again.
 void clear();

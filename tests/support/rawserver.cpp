@@ -13,7 +13,7 @@
 namespace {
 
 constexpr qint64 endlessLimit = 1024LL * 1024 * 1024;
-constexpr qint64 mostUnsent = 1024 * 1024; ///< bytes an endless answer keeps in the socket's own buffer
+constexpr qint64 mostUnsent = 1024LL * 1024; ///< bytes an endless answer keeps in the socket's own buffer
 
 /// "/path?query" of a request line, whether or not scheme and host stand before it.
 QString pathOf(const QByteArray& head)

@@ -1,3 +1,4 @@
+#include "support/boxlines.h"
 #include "support/scriptedunit.h"
 #include "support/testwindow.h"
 #include "virtualunit/identity.h"
@@ -5,8 +6,6 @@
 #include <QtTest>
 
 namespace {
-
-const QString notFound = criticalBox("Device is not found.\nPlease connect.");
 
 constexpr int productIds[] = {0x0A21, 0x0A22, 0x0A1F, 0x0B06, 0x0B10, 0x0A24, 0x0A23, 0x2C16, 0x2C17,
                               0x0D01, 0x0D02, 0x2C15, 0x2A41, 0x2A40, 0x2B55, 0x2B54, 0x2C01};
@@ -71,7 +70,7 @@ void TestConnection::nothingAttached()
     TestWindow window;
     const QStringList before = window.controls();
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(enumeratedProducts(), firstProducts(17));
     for (const virtualbus::Call& call : virtualbus::callsOf("hid_enumerate"))
         QCOMPARE(int{call.vendor.value()}, 0x3A5D);
@@ -143,7 +142,7 @@ void TestConnection::foreignName()
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4, name.toStdString());
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
 }
 
@@ -152,7 +151,7 @@ void TestConnection::noProductString()
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
 }
 
@@ -208,7 +207,7 @@ void TestConnection::unitThatCannotBeOpened()
     virtualbus::failOpens(unit->number, true);
     const QStringList before = window.controls();
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(enumeratedProducts(), firstProducts(17));
     QCOMPARE(window.controls(), before);
     QCOMPARE(window->device, static_cast<hid_device*>(nullptr));
@@ -232,7 +231,7 @@ void TestConnection::pressAfterAFailure()
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     unit->say(Bytes(64, 0));
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), (QStringList{notFound, informationBox("HB4 connected")}));
+    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, informationBox("HB4 connected")}));
     QVERIFY(!window.button("connect_button").isEnabled());
 }
 

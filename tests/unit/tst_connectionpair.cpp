@@ -1,3 +1,4 @@
+#include "support/boxlines.h"
 #include "support/scriptedunit.h"
 #include "support/testwindow.h"
 
@@ -5,7 +6,6 @@
 
 namespace {
 
-const QString notFound = criticalBox("Device is not found.\nPlease connect.");
 constexpr hid_device* noHandle = nullptr;
 
 std::shared_ptr<ScriptedUnit> plugInDeck(int type)
@@ -134,7 +134,7 @@ void TestConnectionPair::loneDeck()
     const QStringList before = window.controls();
     const auto deck = plugInDeck(type);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(enumerations(), std::size_t{17});
     QCOMPARE(openings().size(), std::size_t{0});
     QVERIFY(window->firstDeckSeen);
@@ -163,7 +163,7 @@ void TestConnectionPair::pressAfterALoneDeck()
         plugInDeck(type);
     const std::size_t enumerated = enumerations();
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound}); // that of the first press
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound}); // that of the first press
     QCOMPARE(enumerations(), enumerated + 1);
     QCOMPARE(openings().size(), std::size_t{0});
     QVERIFY(window.button("connect_button").isEnabled());
@@ -175,7 +175,7 @@ void TestConnectionPair::loneDeckHidesAHigherModel()
     plugInDeck(12);
     plugInDeck(UNIT_PLT65);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(openings().size(), std::size_t{0});
     QCOMPARE(virtualbus::openHandles(), 0);
 }
@@ -188,7 +188,7 @@ void TestConnectionPair::firstDeckCannotBeOpened()
     const auto right = plugInDeck(13);
     virtualbus::failOpens(left->number, true);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(openings(), (std::vector{right->path(), left->path()}));
     QCOMPARE(enumerations(), std::size_t{14}); // nothing is tried after the pair
     QCOMPARE(virtualbus::openHandles(), 0);
@@ -205,7 +205,7 @@ void TestConnectionPair::pairCannotBeOpened()
     virtualbus::failOpens(plugInDeck(12)->number, true);
     virtualbus::failOpens(plugInDeck(13)->number, true);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{notFound});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::openHandles(), 0);
     QCOMPARE(int{window->deckCount}, 1);
     QVERIFY(window.button("connect_button").isEnabled());
@@ -234,7 +234,7 @@ void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
     if (type >= 0)
         plugInDeck(type);
     pressConnect(window);
-    QCOMPARE(window.boxes.lines(), (QStringList{notFound, informationBox(message)}));
+    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, informationBox(message)}));
     QCOMPARE(virtualbus::openHandles(), handles);
     QVERIFY(!window.button("connect_button").isEnabled());
 }

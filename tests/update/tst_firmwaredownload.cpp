@@ -38,6 +38,7 @@ private slots:
     void noImage_data();
     void noImage();
     void networkErrorWritesNothing();
+    void nextDownloadBeginsAfresh();
     void badAddress_data();
     void badAddress();
     void addressIsCutInPlace();
@@ -152,6 +153,17 @@ void TestFirmwareDownload::networkErrorWritesNothing()
     QCOMPARE(scene.checker->firmwareData, QByteArray("half")); // the buffers are kept
     QCOMPARE(scene.checker->infoData, QByteArray("catalogue"));
     QVERIFY(!scene.checker->timeoutTimer->isActive());
+}
+
+void TestFirmwareDownload::nextDownloadBeginsAfresh()
+{
+    scene.server.setAnswer(imagePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    download();
+    QCOMPARE(scene.journal->events, scene.networkError(Request::image));
+    scene.server.setAnswer(imagePath, ok(image));
+    download();
+    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, none}));
 }
 
 void TestFirmwareDownload::badAddress_data()

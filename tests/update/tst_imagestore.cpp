@@ -4,6 +4,7 @@
 #include "update/imagestore.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -38,6 +39,8 @@ private slots:
     void stores();
     void storesAnySize_data();
     void storesAnySize();
+    void bytesReachTheDiskBeforeTheyBecomeTheImage();
+    void linkIsNotFollowed();
     void diskRefuses_data();
     void diskRefuses();
     void diskIsFullInMidFile();
@@ -114,6 +117,31 @@ void TestImageStore::storesAnySize()
     QVERIFY(store.writeDownload(image));
     QVERIFY(store.replaceImage());
     QCOMPARE(found(), (ImageFiles{image, none, none}));
+}
+
+void TestImageStore::bytesReachTheDiskBeforeTheyBecomeTheImage()
+{
+    const ImageStore store(name);
+    faultycalls::clear();
+    QVERIFY(store.writeDownload("small enough to wait in a buffer"));
+    QVERIFY(store.replaceImage());
+    std::vector<Call> calls = faultycalls::calls();
+    std::erase(calls, Call::unlink);
+    QVERIFY((calls == std::vector{Call::write, Call::fsync, Call::rename}));
+}
+
+/// A link under the download's name: what it points to stays as it is.
+void TestImageStore::linkIsNotFollowed()
+{
+    const QString elsewhere = folder->filePath("elsewhere");
+    QVERIFY((ImageFiles{previous, none, none}.placeAt(elsewhere)));
+    QVERIFY(QFile::link(elsewhere, name + ".upd"));
+    const ImageStore store(name);
+    QVERIFY(store.writeDownload(fresh));
+    QVERIFY(store.replaceImage());
+    QCOMPARE(ImageFiles::at(elsewhere).image, previous);
+    QCOMPARE(found(), (ImageFiles{fresh, none, none}));
+    QVERIFY(!QFileInfo(name).isSymLink());
 }
 
 void TestImageStore::diskRefuses_data()

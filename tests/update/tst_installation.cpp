@@ -1,3 +1,4 @@
+#include "support/boxlines.h"
 #include "support/transferdesk.h"
 #include "update/transferstate.h"
 
@@ -7,15 +8,6 @@
 namespace {
 
 constexpr int silent = -1; ///< instead of a status
-
-const QString wrongDigest = criticalBox("Transfer failed. Wrong md5.\nCheck the connections between PC and "
-                                        "the unit and to try the update again.");
-const QString rejected =
-    criticalBox("Updating failed. Wrong file or some internal error.\nCheck the connections between "
-                "PC and the unit and to try the update again.");
-const QString finished = informationBox(
-    "Update installed correctly, please close program, and disconnect/power off your controller.\nWhen "
-    "reconnected/power ON your device will have the latest software.");
 
 /// A window whose image is sent: every tick follows the installation.
 struct InstallationDesk : TransferDesk
@@ -136,7 +128,7 @@ void TestInstallation::finished()
     QCOMPARE(desk.window.label("labelUpdate").text(), QString("Update: finished"));
     QVERIFY(!desk.window.label("labelUpdate").isEnabled());
     QCOMPARE(desk.window.label("labelTransfer").text(), QString("Transfer: completed"));
-    QCOMPARE(desk.window.boxes.lines(), QStringList{::finished});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::finished});
 }
 
 void TestInstallation::finishedWithoutStart()
@@ -147,15 +139,15 @@ void TestInstallation::finishedWithoutStart()
     QVERIFY(desk.window.label("labelTransfer").isEnabled());
     QCOMPARE(desk.window.label("labelUpdate").text(), QString("Update: finished"));
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), 100);
-    QCOMPARE(desk.window.boxes.lines(), QStringList{::finished});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::finished});
 }
 
 void TestInstallation::programEndsWithTheBox()
 {
     InstallationDesk desk(UNIT_HB4);
     desk.window.boxes.leaveOpen();
-    QVERIFY(!quits([&] { desk.tickWith(0xF0); }, 100)); // nobody dismisses the box
-    QCOMPARE(desk.window.boxes.lines(), QStringList{::finished});
+    QVERIFY(!quits([&] { desk.tickWith(0xF0); }, 300)); // nobody dismisses the box
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::finished});
 }
 
 void TestInstallation::errors_data()
@@ -163,10 +155,10 @@ void TestInstallation::errors_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<int>("creeping");
     QTest::addColumn<QString>("box");
-    QTest::newRow("wrong digest, 0xC0") << 0xC0 << 0 << wrongDigest;
-    QTest::newRow("wrong digest, 0xCA, bar creeping") << 0xCA << 1 << wrongDigest;
-    QTest::newRow("rejected, 0x70") << 0x70 << 0 << rejected;
-    QTest::newRow("rejected, 0x7F, bar creeping") << 0x7F << 1 << rejected;
+    QTest::newRow("wrong digest, 0xC0") << 0xC0 << 0 << boxline::wrongDigest;
+    QTest::newRow("wrong digest, 0xCA, bar creeping") << 0xCA << 1 << boxline::wrongDigest;
+    QTest::newRow("rejected, 0x70") << 0x70 << 0 << boxline::rejected;
+    QTest::newRow("rejected, 0x7F, bar creeping") << 0x7F << 1 << boxline::rejected;
 }
 
 /// The display stays as it was, the program goes on, and so does the polling.
@@ -179,7 +171,7 @@ void TestInstallation::errors()
     desk.window->fakeProgressActive = creeping;
     const QStringList before = desk.window.controls();
     QVERIFY(!quits([&] { desk.tickWith(status); }, 100));
-    QCOMPARE(desk.window.boxes.lines(), QStringList{box});
+    QTRY_COMPARE(desk.window.boxes.lines(), QStringList{box});
     QCOMPARE(desk.window.controls(), before);
     QCOMPARE(desk.window->fakeProgressActive, creeping);
     QCOMPARE(desk.phase(), QString("0 1 1 0"));

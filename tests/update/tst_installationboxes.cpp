@@ -1,3 +1,4 @@
+#include "support/boxlines.h"
 #include "support/transferdesk.h"
 
 #include <QDeadlineTimer>
@@ -11,10 +12,6 @@ namespace {
 
 constexpr int mostBoxes = 16;
 constexpr int patienceMs = 5000;
-
-const QString finished = informationBox(
-    "Update installed correctly, please close program, and disconnect/power off your controller.\nWhen "
-    "reconnected/power ON your device will have the latest software.");
 
 /// The transfer's own timer follows the installation; boxes stay until a script dismisses them. A box holds
 /// up whatever ran on the GUI thread before it, so scripts run beside it, on a thread of their own, as a user
@@ -213,7 +210,7 @@ void TestInstallationBoxes::finishedUnderAnErrorBox()
     QList<int> open;
     QVERIFY(desk.follow([&] { open << desk.say(0xC0) << desk.say(0xF0); }));
     QCOMPARE(open, (QList<int>{1, 2}));
-    QCOMPARE(desk.window.boxes.lines().constLast(), finished);
+    QCOMPARE(desk.window.boxes.lines().constLast(), boxline::finished);
 }
 
 void TestInstallationBoxes::finishedTwice()
@@ -222,7 +219,7 @@ void TestInstallationBoxes::finishedTwice()
     QList<int> open;
     QVERIFY(desk.follow([&] { open << desk.say(0xF0) << desk.say(0xF0); }));
     QCOMPARE(open, (QList<int>{1, 2}));
-    QCOMPARE(desk.window.boxes.lines(), (QStringList{finished, finished}));
+    QCOMPARE(desk.window.boxes.lines(), (QStringList{boxline::finished, boxline::finished}));
 }
 
 QTEST_MAIN(TestInstallationBoxes)

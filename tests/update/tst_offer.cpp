@@ -1,7 +1,6 @@
 #include "net/updatechecker.h"
 #include "support/testwindow.h"
 
-#include <QKeyEvent>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -72,11 +71,6 @@ private slots:
     void updaterAnswer_data();
     void updaterAnswer();
     void requestPrecedesTheLabel();
-    void lastVersion();
-    void updaterIsBeingFetched();
-    void problem_data();
-    void problem();
-    void oneProblemAtATime();
 };
 
 void TestOffer::firmwareText_data()
@@ -147,6 +141,7 @@ void TestOffer::box()
 {
     QFETCH(bool, isUpdater);
     OfferDesk desk;
+    QVERIFY(QTest::qWaitForWindowActive(&*desk.window)); // an active window could become the box's parent
     pressNo(desk.window.boxes);
     if (isUpdater)
         desk.window->onFindMainNewVersion("12", "line 1\nline 2");
@@ -239,67 +234,6 @@ void TestOffer::requestPrecedesTheLabel()
                      [&] { atRequest = desk.window.label("labelTransfer").text(); });
     desk.window->onFindNewVersion("12", "log");
     QCOMPARE(atRequest, QString("Transfer:"));
-}
-
-void TestOffer::lastVersion()
-{
-    TestWindow window;
-    const QStringList before = window.controls();
-    QVERIFY(!quits([&] { emit window->updateChecker->youHaveLastVersion(); }, 100));
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("Your unit has the latest software")});
-    QCOMPARE(window.controls(), before);
-}
-
-void TestOffer::updaterIsBeingFetched()
-{
-    TestWindow window;
-    bool stayedOpen = false;
-    window.boxes.whileOpen = [&](QMessageBox& box) {
-        QTest::qWait(30);
-        stayedOpen = box.isVisible();
-    };
-    QVERIFY(quits([&] { emit window->updateChecker->startDownloadMainUpdate(); }));
-    QVERIFY(stayedOpen); // the program ends with the box, not before
-    QCOMPARE(window.boxes.lines(),
-             QStringList{informationBox("Wait for download new Talvex Updater.\nClose program and insall new "
-                                        "version Talvex Updater.\nTry again update unit.")});
-}
-
-void TestOffer::problem_data()
-{
-    QTest::addColumn<QString>("detail");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("no detail") << QString() << "Problem with internet connection";
-    QTest::newRow("empty detail: a line break") << QString("") << "Problem with internet connection\n";
-    QTest::newRow("detail on its own line") << "Check the HD"
-                                            << "Problem with internet connection\nCheck the HD";
-}
-
-void TestOffer::problem()
-{
-    QFETCH(QString, detail);
-    QFETCH(QString, shown);
-    TestWindow window;
-    bool stayedOpen = false;
-    window.boxes.whileOpen = [&](QMessageBox& box) {
-        QTest::qWait(30);
-        stayedOpen = box.isVisible();
-    };
-    QVERIFY(quits(
-        [&] { emit window->updateChecker->youHaveProblem("Problem with internet connection", detail); }));
-    QVERIFY(stayedOpen);
-    QCOMPARE(window.boxes.lines(), QStringList{criticalBox(shown)});
-}
-
-void TestOffer::oneProblemAtATime()
-{
-    TestWindow window;
-    window.boxes.whileOpen = [&](QMessageBox& box) {
-        if (box.text() == "the first")
-            emit window->updateChecker->youHaveProblem("the next", QString());
-    };
-    QVERIFY(quits([&] { emit window->updateChecker->youHaveProblem("the first", QString()); }));
-    QCOMPARE(window.boxes.lines(), QStringList{criticalBox("the first")});
 }
 
 QTEST_MAIN(TestOffer)

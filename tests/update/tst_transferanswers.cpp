@@ -1,15 +1,7 @@
+#include "support/boxlines.h"
 #include "support/transferdesk.h"
 
 #include <QtTest>
-
-namespace {
-
-const QString timedOut = criticalBox(
-    "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again.");
-const QString skipped = criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and "
-                                    "the unit and to try the update again.");
-
-} // namespace
 
 class TestTransferAnswers : public QObject
 {
@@ -43,7 +35,7 @@ void TestTransferAnswers::status_data()
             phase = "1 0 1 1";
         if (nibble == 0xA || nibble == 0xB) {
             phase = "0 1 1 0";
-            boxes = QStringList{nibble == 0xA ? timedOut : skipped};
+            boxes = QStringList{nibble == 0xA ? boxline::timedOut : boxline::skipped};
         }
         for (const int low : {0x0, 0x5, 0xF}) {
             const int byte = nibble << 4 | low;
@@ -154,8 +146,8 @@ void TestTransferAnswers::refusalBeforeTheRequest_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("box");
-    QTest::newRow("timed out") << 0xA5 << timedOut;
-    QTest::newRow("packets skipped") << 0xB5 << skipped;
+    QTest::newRow("timed out") << 0xA5 << boxline::timedOut;
+    QTest::newRow("packets skipped") << 0xB5 << boxline::skipped;
 }
 
 /// An old refusal ends the transfer, too; the request of that very tick still goes out.

@@ -1,15 +1,10 @@
+#include "support/boxlines.h"
 #include "support/transferdesk.h"
 
 #include <QDir>
 #include <QtTest>
 
 namespace {
-
-const QString noFile = criticalBox("File updater is not found.\nCheck the HD free space and try again.");
-const QString noRequest = criticalBox(
-    "Check the connections between PC and the unit and to try the update again.", "Error HID device");
-const QString behindTheEnd =
-    "critical|Error|Cannot read from file updater|Check the HD free space and try again.";
 
 QString programFile(const char* name)
 {
@@ -53,7 +48,7 @@ void TestTransferFailures::requestNotTaken()
     QString underTheBox;
     desk.window.boxes.whileOpen = [&](QMessageBox&) { underTheBox = desk.phase(); };
     desk.tick();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{noRequest});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noRequest});
     QCOMPARE(underTheBox, QString("0 0 0 0"));
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
     desk.tick(2); // not written again: the installation is followed
@@ -68,7 +63,7 @@ void TestTransferFailures::requestToNoUnit()
     desk.window->device = nullptr;
     desk.load(imageOf(200));
     desk.tick();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{noRequest});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noRequest});
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
     QCOMPARE(desk.calls(), QStringList{}); // the library never sees a null handle
 }
@@ -141,7 +136,7 @@ void TestTransferFailures::behindTheEndOfTheImage()
     desk.startStream(imageOf(100));
     desk.window->packetNumber = 3;
     desk.tick();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{behindTheEnd});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::behindTheEnd});
     QCOMPARE(hexOf(desk.writes().back()), packet);
     QCOMPARE(desk.writes().size(), std::size_t{3});
     QCOMPARE(desk.phase(), QString("0 1 1 0"));
@@ -184,7 +179,7 @@ void TestTransferFailures::noImage()
     QVERIFY(!desk.window->readImage());
     QVERIFY(!desk.window->updaterFile.isOpen());
     desk.window->updateDevice();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{noFile});
+    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
 }
 

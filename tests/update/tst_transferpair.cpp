@@ -1,15 +1,10 @@
+#include "support/boxlines.h"
 #include "support/transferdesk.h"
 
 #include <QtTest>
 
 namespace {
 
-const QString timedOut = criticalBox(
-    "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again.");
-const QString skipped = criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and "
-                                    "the unit and to try the update again.");
-const QString noRequest = criticalBox(
-    "Check the connections between PC and the unit and to try the update again.", "Error HID device");
 constexpr int silent = -1; ///< instead of a status
 
 /// Both decks of a player; handle 1 is `device`, handle 2 `secondDevice`.
@@ -90,7 +85,7 @@ void TestTransferPair::requestNotTaken()
     QCOMPARE(pair.phase(), phase);
     QCOMPARE(pair.writes().size(), std::size_t{1});
     QCOMPARE(pair.secondWrites().size(), std::size_t{1});
-    QCOMPARE(pair.window.boxes.lines(), QStringList(QVector<QString>(boxes, noRequest).toList()));
+    QCOMPARE(pair.window.boxes.lines(), QStringList(QVector<QString>(boxes, boxline::noRequest).toList()));
 }
 
 void TestTransferPair::answers_data()
@@ -109,13 +104,14 @@ void TestTransferPair::answers_data()
     QTest::newRow("only the first says anything") << 0x95 << silent << waiting << QStringList();
     QTest::newRow("only the second says anything") << silent << 0x95 << waiting << QStringList();
     QTest::newRow("only the first refuses") << 0xA5 << silent << waiting << QStringList();
-    QTest::newRow("first timed out") << 0xA5 << 0x05 << over << QStringList{timedOut};
-    QTest::newRow("second timed out") << 0x05 << 0xA5 << over << QStringList{timedOut};
-    QTest::newRow("both timed out: one box") << 0xA5 << 0xA5 << over << QStringList{timedOut};
-    QTest::newRow("first skipped") << 0xB5 << 0x05 << over << QStringList{skipped};
-    QTest::newRow("second skipped") << 0x05 << 0xB5 << over << QStringList{skipped};
-    QTest::newRow("each refuses in its own way") << 0xB5 << 0xA5 << over << QStringList{timedOut, skipped};
-    QTest::newRow("one accepts, one refuses") << 0x95 << 0xA5 << over << QStringList{timedOut};
+    QTest::newRow("first timed out") << 0xA5 << 0x05 << over << QStringList{boxline::timedOut};
+    QTest::newRow("second timed out") << 0x05 << 0xA5 << over << QStringList{boxline::timedOut};
+    QTest::newRow("both timed out: one box") << 0xA5 << 0xA5 << over << QStringList{boxline::timedOut};
+    QTest::newRow("first skipped") << 0xB5 << 0x05 << over << QStringList{boxline::skipped};
+    QTest::newRow("second skipped") << 0x05 << 0xB5 << over << QStringList{boxline::skipped};
+    QTest::newRow("each refuses in its own way")
+        << 0xB5 << 0xA5 << over << QStringList{boxline::timedOut, boxline::skipped};
+    QTest::newRow("one accepts, one refuses") << 0x95 << 0xA5 << over << QStringList{boxline::timedOut};
     QTest::newRow("a status of the installation") << 0xE5 << 0xF5 << waiting << QStringList();
 }
 
@@ -221,7 +217,7 @@ void TestTransferPair::deckWithoutHandle()
     pair.window->device = nullptr;
     pair.load(imageOf(200));
     pair.tick();
-    QCOMPARE(pair.window.boxes.lines(), QStringList{noRequest});
+    QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::noRequest});
     QCOMPARE(pair.phase(), QString("0 1 1 0"));
     QCOMPARE(pair.calls(), (QStringList{"hid_read_timeout handle=2 length=64 timeout=1 result=0",
                                         "hid_write handle=2 length=65 result=65"}));

@@ -1,3 +1,4 @@
+#include "support/boxlines.h"
 #include "support/testwindow.h"
 #include "support/transferdesk.h"
 #include "virtualunit/hidapi/virtualbus.h"
@@ -7,21 +8,6 @@
 using virtualunit::Fault;
 
 namespace {
-
-const QString timedOut = criticalBox(
-    "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again.");
-const QString skipped = criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and "
-                                    "the unit and to try the update again.");
-const QString wrongDigest = criticalBox("Transfer failed. Wrong md5.\nCheck the connections between PC and "
-                                        "the unit and to try the update again.");
-const QString rejected =
-    criticalBox("Updating failed. Wrong file or some internal error.\nCheck the connections between "
-                "PC and the unit and to try the update again.");
-const QString noRequest = criticalBox(
-    "Check the connections between PC and the unit and to try the update again.", "Error HID device");
-const QString finished = informationBox(
-    "Update installed correctly, please close program, and disconnect/power off your controller.\nWhen "
-    "reconnected/power ON your device will have the latest software.");
 
 int plugIn(UnitType type, std::optional<Fault> fault = {}, int argument = 0)
 {
@@ -85,7 +71,7 @@ void TestUpdateRoad::everyModel()
     QVERIFY(quits([&] { click(window, "updateDeviceButton"); }));
     QCOMPARE(window.boxes.lines(),
              (QStringList{informationBox(unitModels.at(static_cast<std::size_t>(type)).connectedMessage),
-                          finished}));
+                          boxline::finished}));
     QVERIFY(hasInstalled(unit, image));
     QCOMPARE(window.label("labelTransfer").text(), QString("Transfer: completed"));
     QCOMPARE(window.label("labelUpdate").text(), QString("Update: finished"));
@@ -110,7 +96,7 @@ void TestUpdateRoad::everyPair()
     const int rightDeck = plugIn(static_cast<UnitType>(left + 1));
     click(window, "connect_button");
     QVERIFY(quits([&] { click(window, "updateDeviceButton"); }));
-    QCOMPARE(window.boxes.lines(), (QStringList{informationBox(message), finished}));
+    QCOMPARE(window.boxes.lines(), (QStringList{informationBox(message), boxline::finished}));
     QVERIFY(hasInstalled(leftDeck, image));
     QVERIFY(hasInstalled(rightDeck, image));
 }
@@ -151,14 +137,15 @@ void TestUpdateRoad::fault_data()
     };
     const char* const inProgress = "Transfer: in progress";
     const char* const installing = "Update: in progress. Do not power off device!";
-    add("timed out", Fault::RefusesTimeout, 0, {timedOut}, "Transfer:", "Update:");
-    add("packets skipped", Fault::RefusesSkipped, 0, {skipped}, "Transfer:", "Update:");
-    add("takes nothing", Fault::TakesNothing, 0, {noRequest}, "Transfer:", "Update:");
+    add("timed out", Fault::RefusesTimeout, 0, {boxline::timedOut}, "Transfer:", "Update:");
+    add("packets skipped", Fault::RefusesSkipped, 0, {boxline::skipped}, "Transfer:", "Update:");
+    add("takes nothing", Fault::TakesNothing, 0, {boxline::noRequest}, "Transfer:", "Update:");
     add("never answers", Fault::NeverAnswers, 0, {}, "Transfer:", "Update:");
-    add("loses a packet", Fault::LosesPacket, 5, {wrongDigest}, inProgress, "Update:");
-    add("wrong digest", Fault::WrongDigest, 0, {wrongDigest}, inProgress, "Update:");
-    add("rejects the image", Fault::RejectsImage, 0, {rejected}, inProgress, "Update:");
-    add("installation fails", Fault::InstallationFails, 0, {rejected}, "Transfer: completed", installing);
+    add("loses a packet", Fault::LosesPacket, 5, {boxline::wrongDigest}, inProgress, "Update:");
+    add("wrong digest", Fault::WrongDigest, 0, {boxline::wrongDigest}, inProgress, "Update:");
+    add("rejects the image", Fault::RejectsImage, 0, {boxline::rejected}, inProgress, "Update:");
+    add("installation fails", Fault::InstallationFails, 0, {boxline::rejected}, "Transfer: completed",
+        installing);
     add("silent installation", Fault::SilentInstallation, 0, {}, "Transfer: completed", installing);
     add("unplugged in the stream", Fault::UnpluggedAt, 5, {}, inProgress, "Update:");
 }
