@@ -111,7 +111,7 @@ private:
     void waitingApplyingUpdate(int, unsigned char* buffer);
     void showInstallationStarted();
     void showInstallationFinished();
-    template<typename ShowBox> void openInstallationBox(int most, ShowBox showBox);
+    template<typename ShowBox> void openInstallationBox(bool always, ShowBox showBox);
 
     // update/offer.cpp
     enum class Answer { yes, no, neither };
@@ -143,5 +143,6 @@ private:
     std::string pendingDeckPath;
     bool updateBegun = false;  ///< Update Device was pressed
     bool problemShown = false; ///< a problem's box is open or was: the program ends with it
+    bool endTold = false;      ///< the box of a finished installation was asked for
     int installationBoxes = 0; ///< boxes of the installation phase asked for and not yet dismissed
 };

@@ -8,12 +8,13 @@
 #include <QCoreApplication>
 #include <QMessageBox>
 
+#include <utility>
+
 namespace {
 
 constexpr int pollReadMs = 100;
-constexpr int mostErrors = 16; // boxes open at once; thousands of nested ones would end in a stack overflow
-constexpr int mostBoxes = mostErrors + 1; // the good end is told on top of any number of errors
-constexpr int complete = 100;             ///< per cent
+constexpr int mostBoxes = 16; // open at once; thousands of nested ones would end in a stack overflow
+constexpr int complete = 100; ///< per cent
 
 } // namespace
 
@@ -34,7 +35,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         break;
     case transferprotocol::digestDiffers:
         sleepinhibitor::release();
-        openInstallationBox(mostErrors, [this] {
+        openInstallationBox(false, [this] {
             QMessageBox::critical(this, tr("Error"),
                                   tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the "
                                      "unit and to try the update again."));
@@ -42,7 +43,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         break;
     case transferprotocol::installationFailed:
         sleepinhibitor::release();
-        openInstallationBox(mostErrors, [this] {
+        openInstallationBox(false, [this] {
             QMessageBox::critical(
                 this, tr("Error"),
                 tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
@@ -69,12 +70,13 @@ void MainWindow::showInstallationStarted()
 void MainWindow::showInstallationFinished()
 {
     sleepinhibitor::release();
+    const bool isFirst = !std::exchange(endTold, true); // is told on top of any number of errors
     fakeProgressActive = 0;
     ui->progressBarUpdate->setValue(complete);
     ui->progressBarUpdate->setEnabled(false);
     ui->labelUpdate->setText("Update: finished");
     ui->labelUpdate->setEnabled(false);
-    openInstallationBox(mostBoxes, [this] {
+    openInstallationBox(isFirst, [this] {
         QMessageBox::information(
             this, tr("Info"),
             tr("Update installed correctly, please close program, and disconnect/power off "
@@ -85,10 +87,10 @@ void MainWindow::showInstallationFinished()
 }
 
 /// Opens a box outside the tick, whose timer would otherwise stand still under it: polling and creeping go
-/// on, and a repeated status opens a further box on top, meant so, while fewer than `most` are open.
-template<typename ShowBox> void MainWindow::openInstallationBox(int most, ShowBox showBox)
+/// on, and a repeated status opens a further box on top, meant so.
+template<typename ShowBox> void MainWindow::openInstallationBox(bool always, ShowBox showBox)
 {
-    if (installationBoxes >= most)
+    if (installationBoxes >= mostBoxes && !always)
         return;
     ++installationBoxes;
     const auto show = [this, showBox] {

@@ -64,7 +64,10 @@ inline QByteArray headerReply(int parts)
         reply += static_cast<char>(parts >> shift & 0xFF);
     return reply;
 }
-inline QByteArray partReply(char fill) { return "@" + QByteArray(63, fill); }
+inline QByteArray partReply(char fill)
+{
+    return "@" + QByteArray(63, fill);
+}
 inline QByteArray lastReply(int length, char fill)
 {
     return "P" + QByteArray(1, static_cast<char>(length)) + QByteArray(62, fill);

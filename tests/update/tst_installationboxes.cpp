@@ -122,6 +122,8 @@ private slots:
     void startUnderABox();
     void finishedUnderAnErrorBox();
     void finishedTwice();
+    void finishedManyTimes();
+    void finishedUnderSixteenErrors();
 };
 
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes_data()
@@ -220,6 +222,24 @@ void TestInstallationBoxes::finishedTwice()
     QVERIFY(desk.follow([&] { open << desk.say(0xF0) << desk.say(0xF0); }));
     QCOMPARE(open, (QList<int>{1, 2}));
     QCOMPARE(desk.window.boxes.lines(), (QStringList{boxline::finished, boxline::finished}));
+}
+
+void TestInstallationBoxes::finishedManyTimes()
+{
+    RunningInstallation desk;
+    int open = 0;
+    QVERIFY(desk.follow([&] { open = desk.say(0xF0, 20); }));
+    QCOMPARE(open, 16);
+}
+
+/// The good end is no repeat: it is told, and ends the program, whatever is open.
+void TestInstallationBoxes::finishedUnderSixteenErrors()
+{
+    RunningInstallation desk;
+    QList<int> open;
+    QVERIFY(desk.follow([&] { open << desk.say(0x70, 20) << desk.say(0xF0) << desk.say(0xF0); }));
+    QCOMPARE(open, (QList<int>{16, 17, 17}));
+    QCOMPARE(desk.window.boxes.lines().constLast(), boxline::finished);
 }
 
 QTEST_MAIN(TestInstallationBoxes)

@@ -1,0 +1,168 @@
+#include "tests/log/exchange.h"
+
+#include <QtTest>
+
+#include <ctime>
+
+namespace {
+
+constexpr int settleMs = 250; // more than the 100 ms that a part is waited for
+
+} // namespace
+
+/// What a failing or hostile unit, and a stop at any moment, do to a download.
+class TestLogFailures : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void partsAfterTheEndAreNotStored()
+    {
+        Exchange exchange(
+            unitSaying({{headerReply(9)}, {lastReply(1, 'd')}, {headerReply(4)}, {}, {partReply('x')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(exchange.finished.size(), 1);
+        QTRY_COMPARE(exchange.downloader->partsReceived, 1);
+        QCOMPARE(exchange.stored(), QByteArray("d"));
+    }
+
+    void aMillionUnknownRepliesDoNotGrowTheStack()
+    {
+        constexpr int unknown = 1000000;
+        const auto unit = unitSaying({{headerReply(1)}});
+        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
+            raw->say(raw->writes < unknown + 2 ? QByteArray("Z") : lastReply(1, 'd'));
+        };
+        Exchange exchange(unit);
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE_WITH_TIMEOUT(exchange.finished.size(), 1, 120000);
+        QCOMPARE(unit->writes, unknown + 3); // request, header's acknowledge, resends, the end's acknowledge
+        QCOMPARE(exchange.stored(), QByteArray("d"));
+    }
+
+    void nothingWithin100MsLeavesTheDownloadStanding()
+    {
+        Exchange exchange(unitSaying({{headerReply(3)}, {partReply('a')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(exchange.progress.size(), 1);
+        QTest::qWait(settleMs); // nothing must happen in it
+        QCOMPARE(exchange.finished.size(), 0);
+        QVERIFY(exchange.downloader->logFile.isOpen());
+        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30"}));
+        const auto reads = virtualbus::callsOf("hid_read_timeout");
+        QCOMPARE(reads.back().timeout.value(), 100);
+        QCOMPARE(exchange.stored(), QByteArray(63, 'a')); // what came is on disk already
+    }
+
+    void aFailedRequestEndsSilently()
+    {
+        Exchange exchange(unitSaying({{headerReply(3)}}));
+        virtualbus::failNextWrites(exchange.number, 1);
+        QSignalSpy wait(exchange.downloader.get(), SIGNAL(needwaitLogFileMd5()));
+        exchange.downloader->startDownload(1);
+        QCOMPARE(wait.size(), 0);
+        QCOMPARE(exchange.downloader->lastResult, -1);
+        QVERIFY(exchange.downloader->logFile.isOpen());
+    }
+
+    void aFailedAcknowledgeEndsSilently()
+    {
+        Exchange exchange(std::make_shared<ReplyingUnit>());
+        virtualbus::failNextWrites(exchange.number, 1);
+        exchange.downloader->dataCompleted(0);
+        exchange.downloader->dataCompleted(1); // this one is written
+        QTest::qWait(settleMs);                // nothing must be read in it
+        QCOMPARE(virtualbus::callsOf("hid_read_timeout").size(), std::size_t{0});
+        QCOMPARE(exchange.finished.size(), 0);
+    }
+
+    void zeroPartsAnnouncedThenAPart()
+    {
+        Exchange exchange(unitSaying({{headerReply(0)}, {partReply('a')}, {lastReply(1, 'b')}, {"`"}}));
+        exchange.downloader->startDownload(1);
+        QTRY_VERIFY(!exchange.finished.isEmpty());
+        QCOMPARE(exchange.progress.size(), 0);
+        QCOMPARE(exchange.stored(), QByteArray(63, 'a') + "b");
+    }
+
+    void manyMorePartsThanAnIntHolds()
+    {
+        Exchange exchange(unitSaying({{headerReply(-1)}, {partReply('a')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(valuesOf(exchange.progress), QList<int>({-100}));
+    }
+
+    void overlongLastPart_data()
+    {
+        QTest::addColumn<int>("length");
+        for (int length = 63; length <= 255; ++length)
+            QTest::addRow("length byte %d", length) << length;
+    }
+    void overlongLastPart()
+    {
+        QFETCH(const int, length);
+        Exchange exchange(unitSaying({{headerReply(1)}, {lastReply(length, 'z')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(exchange.finished.size(), 1);
+        QCOMPARE(exchange.stored(), QByteArray(62, 'z'));
+    }
+
+    void aVanishedUnitCostsNoProcessor()
+    {
+        Exchange exchange(std::make_shared<ReplyingUnit>());
+        exchange.downloader->startDownload(1);
+        virtualbus::unplug(exchange.number);
+        constexpr int watchedMs = 1000;
+        const std::clock_t before = std::clock();
+        QTest::qWait(watchedMs);
+        const double usedMs = 1000.0 * double(std::clock() - before) / CLOCKS_PER_SEC;
+        const auto reads = virtualbus::callsOf("hid_read").size();
+        QVERIFY2(reads > 1 && reads <= 110, qPrintable(QString::number(reads)));
+        QVERIFY2(usedMs < watchedMs / 4.0, qPrintable(QString::number(usedMs)));
+    }
+
+    void stopWhileTheHeaderIsAwaited()
+    {
+        Exchange exchange(std::make_shared<ReplyingUnit>());
+        exchange.downloader->startDownload(1);
+        exchange.downloader->stopTransfer(); // returns at once, the worker stays in its read
+        exchange.downloader->dumpFile();
+        QCOMPARE(exchange.finished.size(), 2);
+        QVERIFY(exchange.downloader->stopRequested);
+        QVERIFY(!exchange.downloader->logFile.isOpen());
+    }
+
+    void stopBetweenPartsEndsTheReading()
+    {
+        Exchange exchange(unitSaying({{headerReply(3)}, {partReply('a')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(exchange.progress.size(), 1);
+        exchange.downloader->stopTransfer();
+        const auto reads = virtualbus::callsOf("hid_read_timeout").size();
+        QMetaObject::invokeMethod(exchange.downloader.get(), "readLogPart", Qt::BlockingQueuedConnection);
+        QVERIFY(virtualbus::callsOf("hid_read_timeout").size() <= reads + 1); // one may have been under way
+        QCOMPARE(exchange.stored(), QByteArray(63, 'a'));
+        exchange.downloader->startTransfer();
+        QVERIFY(!exchange.downloader->stopRequested);
+    }
+
+    /// For the thread sanitizer above all: the worker stores parts as fast as it can while the file is
+    /// closed.
+    void stopInTheMiddleOfAFlood()
+    {
+        const auto unit = unitSaying({{headerReply(100000)}});
+        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
+            raw->say(partReply('a'));
+        };
+        Exchange exchange(unit);
+        exchange.downloader->startDownload(1);
+        QTRY_VERIFY(exchange.progress.size() > 50);
+        exchange.downloader->stopTransfer();
+        const QByteArray stored = exchange.stored();
+        QCOMPARE(stored, QByteArray(stored.size(), 'a'));
+        QCOMPARE(stored.size() % 63, 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLogFailures)
+#include "tst_logfailures.moc"
