@@ -27,7 +27,7 @@ constexpr auto transferLimit = 600s; // 10 MB take about three minutes
 class Demo
 {
 public:
-    Demo(Desktop& shownOn, QDir folder, int picturesBefore)
+    Demo(Desktop& shownOn, const QDir& folder, int picturesBefore)
         : desktop(shownOn), program(shownOn), pictures(folder), count(picturesBefore)
     {
     }
@@ -161,9 +161,11 @@ Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& 
     STEP(program.waitFor("the log button", [](const View& view) { return view.enabled("downloadLogFile"); }));
     STEP(keepPicture("log-offered"));
     STEP(program.press("downloadLogFile"));
-    STEP(program.waitFor(
-        "half of the log", [](const View& view) { return view.value("progressBarTransfer") >= 50; },
-        downloadLimit));
+    const auto halfWay = [](const View& view) {
+        const int percent = view.value("progressBarTransfer"); // at first still that of the catalogue
+        return view.enabled("stopDownloadingFile") && percent >= 50 && percent < 90;
+    };
+    STEP(program.waitFor("half of the log", halfWay, transferLimit));
     STEP(keepPicture("log-50-percent"));
     STEP(program.waitFor(
         "the last box", [](const View& view) { return view.box().has_value(); }, downloadLimit));

@@ -18,7 +18,8 @@ constexpr auto watcher = "mocklogind";
 MockLogind::MockLogind()
 {
     const QString address = "unix:path=" + busPath();
-    bus.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address});
+    bus.start("dbus-daemon",
+              {"--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address});
     if (!bus.waitForStarted() || !bus.waitForReadyRead(startMs))
         return;
     logind.start("/usr/bin/python3", {"-m", "dbusmock", "--system", "--template", "logind"});
@@ -26,7 +27,8 @@ MockLogind::MockLogind()
         return;
     const QDBusConnection connection = QDBusConnection::connectToBus(QDBusConnection::SystemBus, watcher);
     ready = QTest::qWaitFor(
-        [&] { return connection.interface()->isServiceRegistered("org.freedesktop.login1").value(); }, startMs);
+        [&] { return connection.interface()->isServiceRegistered("org.freedesktop.login1").value(); },
+        startMs);
 }
 
 MockLogind::~MockLogind()
@@ -49,8 +51,9 @@ QString MockLogind::busPath()
 
 QStringList MockLogind::inhibitors() const
 {
-    const QDBusMessage call = QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
-                                                             "org.freedesktop.login1.Manager", "ListInhibitors");
+    const QDBusMessage call =
+        QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+                                       "org.freedesktop.login1.Manager", "ListInhibitors");
     const QDBusMessage reply = QDBusConnection(watcher).call(call);
     if (reply.type() != QDBusMessage::ReplyMessage)
         return {reply.errorMessage()};
@@ -67,5 +70,6 @@ QStringList MockLogind::inhibitors() const
         all.endStructure();
         lines += QStringList{what, who, why, mode}.join('|');
     }
+    all.endArray();
     return lines;
 }

@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-/// A private message bus with Debian's mock of logind (python3-dbusmock) on it, which this process takes for the
-/// system bus. Ends both with itself.
+/// A private message bus with Debian's mock of logind (python3-dbusmock) on it, which this process takes for
+/// the system bus. Ends both with itself.
 class MockLogind
 {
 public:

@@ -11,8 +11,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace
-{
+namespace {
 
 using Units = std::vector<std::unique_ptr<ServedUnit>>;
 using virtualunit::Milliseconds;
@@ -47,8 +46,9 @@ Units plugIn(const std::vector<virtualunit::Options>& all)
     std::for_each(all.begin(), all.end(), refuseHostFaults);
     const std::vector<std::string> ports = freePorts();
     if (ports.size() < all.size())
-        throw std::runtime_error(std::to_string(all.size()) + " units need as many USB device ports; free here: " +
-                                 std::to_string(ports.size()));
+        throw std::runtime_error(
+            std::to_string(all.size()) +
+            " units need as many USB device ports; free here: " + std::to_string(ports.size()));
     Units units;
     for (std::size_t i = 0; i < all.size(); ++i) {
         const std::string name = "talvex-" + std::to_string(getpid()) + "-" + std::to_string(i + 1);
@@ -90,16 +90,16 @@ void serveUntilSignal(const Units& units, const FileDescriptor& endSignal)
 int main(int argc, char** argv)
 {
     if (argc != 2) {
-        std::fputs("usage: talvex-gadget 'MODEL[,key=value]...[;MODEL...]'\n"
-                   "Is these units on the USB device ports of this system until it is ended (Ctrl+C, SIGTERM).\n",
-                   stderr);
+        std::fputs(
+            "usage: talvex-gadget 'MODEL[,key=value]...[;MODEL...]'\n"
+            "Is these units on the USB device ports of this system until it is ended (Ctrl+C, SIGTERM).\n",
+            stderr);
         return 2;
     }
     const virtualunit::ParsedOptions parsed = virtualunit::parseOptions(argv[1]);
     if (!parsed.error.empty() || parsed.units.empty()) {
-        std::fprintf(stderr, "talvex-gadget: %s\n", parsed.units.empty() && parsed.error.empty()
-                                                        ? "no units"
-                                                        : parsed.error.c_str());
+        std::fprintf(stderr, "talvex-gadget: %s\n",
+                     parsed.units.empty() && parsed.error.empty() ? "no units" : parsed.error.c_str());
         return 2;
     }
     const FileDescriptor endSignal = catchEndSignals();
