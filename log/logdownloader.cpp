@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QMutexLocker>
 #include <QThread>
 #include <QTimer>
 
@@ -153,14 +152,14 @@ void LogDownloader::resendMessage(int next)
 /// that what was received so far survives any end of the program.
 void LogDownloader::store(const QByteArray& bytes)
 {
-    const QMutexLocker locker(&logFileLock);
+    const std::lock_guard locker(logFileLock);
     if (logFile.isOpen() && (logFile.write(bytes) != bytes.size() || !logFile.flush()))
         qErrnoWarning("LogDownloader::readLogPart");
 }
 
 void LogDownloader::closeFile()
 {
-    const QMutexLocker locker(&logFileLock);
+    const std::lock_guard locker(logFileLock);
     logFile.close();
 }
 

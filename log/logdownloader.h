@@ -4,12 +4,12 @@
 
 #include <QByteArray>
 #include <QFile>
-#include <QMutex>
 #include <QObject>
 
 #include <hidapi.h>
 
 #include <atomic>
+#include <mutex>
 
 /// Pulls the unit's log into a file beside the program, as received. Lives on the worker thread, which runs
 /// its protocol steps; the GUI thread calls setDevice, startDownload, stopTransfer and dumpFile directly.
@@ -68,5 +68,5 @@ private:
     std::atomic<bool> stopRequested = false;
     QFile logFile;
     UnitType unitType = UNIT_HB4;
-    QMutex logFileLock;
+    std::mutex logFileLock; ///< not Qt's: the thread sanitizer sees through this one
 };

@@ -11,6 +11,7 @@ shipped=build
 tests=build-test
 sanitized=build-asan
 variant=build-hidraw
+threads=build-tsan
 failures=()
 
 # must NAME COMMAND...: what follows makes no sense without it.
@@ -94,6 +95,16 @@ runSanitized() {
     UBSAN_OPTIONS=print_stacktrace=1 ctest --test-dir "$sanitized" -L in-process --output-on-failure -j "$jobs"
 }
 
+# The two threads of a log download, where no queue of Qt's lies between them (Debian's Qt is not instrumented).
+runThreadSanitized() {
+    cmake --preset tsan > "$tests/tsan.log" &&
+        cmake --build "$threads" -j "$jobs" --target tst_logfailures tst_virtualhid &&
+        TSAN_OPTIONS="suppressions=$PWD/tests/support/tsan.supp halt_on_error=1" QT_QPA_PLATFORM=offscreen \
+            "$threads/tests/log/tst_logfailures.dir/tst_logfailures" stopOnAnotherThread &&
+        TSAN_OPTIONS="suppressions=$PWD/tests/support/tsan.supp halt_on_error=1" \
+            "$threads/tests/virtualunit/tst_virtualhid.dir/tst_virtualhid"
+}
+
 must "packages" installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 must "shipped program" buildShipped
@@ -105,6 +116,7 @@ check "code" checkCode
 check "all tests" runTests
 check "sanitized tests, build" buildSanitized
 check "sanitized tests" runSanitized
+check "sanitized threads" runThreadSanitized
 
 if [ ${#failures[@]} -gt 0 ]; then
     printf 'FAILED: %s\n' "${failures[@]}"

@@ -34,6 +34,9 @@ public:
 
     std::optional<std::vector<std::uint8_t>> takeInput(virtualbus::Milliseconds /*now*/) override
     {
+        saidOne = !saidOne; // the bus asks until there is nothing more
+        if (due.empty() && saidOne && !saysForEver.isEmpty())
+            say(saysForEver);
         if (due.empty())
             return std::nullopt;
         const QByteArray report = due.front();
@@ -49,9 +52,11 @@ public:
     }
 
     int writes = 0;
+    QByteArray saysForEver; ///< said whenever there is nothing else to say
     std::function<void(std::span<const std::uint8_t>)> whenScriptIsOver;
 
 private:
+    bool saidOne = false;
     std::deque<Replies> answers;
     std::deque<QByteArray> due;
 };
