@@ -126,7 +126,7 @@ void UpdateChecker::httpReadyRead3()
 /// Reads what has arrived, kept or not later on.
 QByteArray UpdateChecker::takePiece()
 {
-    const QByteArray piece = reply->readAll();
+    QByteArray piece = reply->readAll();
     received += piece.size();
     return piece;
 }

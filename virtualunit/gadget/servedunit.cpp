@@ -6,8 +6,7 @@
 
 using virtualunit::never;
 
-namespace
-{
+namespace {
 
 using Milliseconds = ServedUnit::Milliseconds;
 
@@ -30,7 +29,10 @@ std::optional<virtualunit::Report> greetingOf(virtualunit::Options options)
 } // namespace
 
 ServedUnit::ServedUnit(const virtualunit::Options& options, const std::string& name, const std::string& port)
-    : unit(options), takesNothing(options.faults.has(virtualunit::Fault::TakesNothing)), next(greetingOf(options)),
+    : unit(options),
+      takesNothing(options.faults.has(virtualunit::Fault::TakesNothing)),
+      greeting(greetingOf(options)),
+      next(greeting),
       usb(name, virtualbus::recordOf(options), port)
 {
 }
@@ -61,7 +63,10 @@ void ServedUnit::serve(short ready, Milliseconds now)
         takeOutput(now);
     if (isOffered && (ready & POLLOUT) != 0) {
         isOffered = false;
-        hostHasCome(now);
+        if (greetingsLeft > 0 && --greetingsLeft > 0)
+            next = greeting;
+        else
+            hostHasCome(now);
     }
     if (isOffered && offeredAt + hostGoneMs <= now)
         hostHasGone(now);

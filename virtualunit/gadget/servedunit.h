@@ -32,7 +32,9 @@ private:
 
     virtualunit::VirtualUnit unit;
     const bool takesNothing;
-    std::optional<virtualunit::Report> next; ///< the input report to be offered; the first is there from the start
+    const std::optional<virtualunit::Report> greeting; ///< what it says before anybody listens, if anything
+    int greetingsLeft = 2; ///< a device controller may take the first for itself, before the host fetches one
+    std::optional<virtualunit::Report> next; ///< the input report to be offered
     bool isOffered = false;                  ///< a report is on offer and was not fetched yet
     bool hostListens = false;
     Milliseconds offeredAt = 0; ///< when a report was offered, or could not be

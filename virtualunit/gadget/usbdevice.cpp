@@ -12,25 +12,41 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
+namespace {
 
 const fs::path gadgets = "/sys/kernel/config/usb_gadget";
 const fs::path controllers = "/sys/class/udc";
 
 /// Vendor-defined reports of 64 bytes each way, without report IDs.
 constexpr std::array reportDescriptor = std::to_array<char>({
-    0x06, 0x00, '\xFF',       // usage page: vendor-defined
-    0x09, 0x01,               // usage
-    '\xA1', 0x01,             // collection: application
-    0x15, 0x00,               //   logical minimum 0
-    0x26, '\xFF', 0x00,       //   logical maximum 255
-    0x75, 0x08,               //   8 bits
-    '\x95', 0x40,             //   64 of them
-    0x09, 0x01, '\x81', 0x02, //   input
-    0x09, 0x01, '\x91', 0x02, //   output
-    '\xC0',                   // end of collection
+    0x06,   0x00,   '\xFF',       // usage page: vendor-defined
+    0x09,   0x01,                 // usage
+    '\xA1', 0x01,                 // collection: application
+    0x15,   0x00,                 //   logical minimum 0
+    0x26,   '\xFF', 0x00,         //   logical maximum 255
+    0x75,   0x08,                 //   8 bits
+    '\x95', 0x40,                 //   64 of them
+    0x09,   0x01,   '\x81', 0x02, //   input
+    0x09,   0x01,   '\x91', 0x02, //   output
+    '\xC0',                       // end of collection
 });
+
+std::string lineOf(const fs::path& file)
+{
+    std::ifstream stream(file);
+    std::string line;
+    std::getline(stream, line);
+    return line;
+}
+
+/// The longest packet of both endpoints, in bytes. Kernels since the end of 2025 send an empty packet after a
+/// report that fills one, and a host that takes packets as they come has an empty report then. So reports are
+/// one byte shorter than a packet, save at full speed, whose packets cannot be longer.
+std::size_t packetSizeAt(const std::string& port)
+{
+    const bool isFullSpeed = lineOf(controllers / port / "maximum_speed") == "full-speed";
+    return virtualunit::reportSize + (isFullSpeed ? 0 : 1);
+}
 
 [[noreturn]] void fail(const std::string& what)
 {
@@ -42,14 +58,6 @@ void put(const fs::path& file, std::string_view content)
     std::ofstream stream(file, std::ios::binary);
     if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
         fail("cannot write " + file.string());
-}
-
-std::string lineOf(const fs::path& file)
-{
-    std::ifstream stream(file);
-    std::string line;
-    std::getline(stream, line);
-    return line;
 }
 
 void makeDirectory(const fs::path& directory)
@@ -74,7 +82,7 @@ UsbDevice::UsbDevice(const std::string& name, const virtualbus::DeviceRecord& re
         throw std::runtime_error("no " + gadgets.string() + ": load the kernel module libcomposite as root");
     try {
         describe(record);
-        addHidFunction();
+        addHidFunction(port);
         plugIn(port);
     } catch (const std::runtime_error&) {
         remove();
@@ -102,12 +110,12 @@ void UsbDevice::describe(const virtualbus::DeviceRecord& record)
         put(strings / "product", *record.product);
 }
 
-void UsbDevice::addHidFunction()
+void UsbDevice::addHidFunction(const std::string& port)
 {
     const fs::path function = root / "functions/hid.usb0";
     const fs::path configuration = root / "configs/c.1";
     makeDirectory(function);
-    put(function / "report_length", std::to_string(virtualunit::reportSize));
+    put(function / "report_length", std::to_string(packetSizeAt(port)));
     put(function / "report_desc", {reportDescriptor.data(), reportDescriptor.size()});
     makeDirectory(configuration);
     fs::create_directory_symlink(function, configuration / "hid.usb0");

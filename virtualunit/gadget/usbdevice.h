@@ -14,8 +14,8 @@
 class UsbDevice
 {
 public:
-    /// Creates the device under `name` (unique on this system) and plugs it into the device controller `port`.
-    /// Throws std::runtime_error with a message for the user; nothing is left behind then.
+    /// Creates the device under `name` (unique on this system) and plugs it into the device controller
+    /// `port`. Throws std::runtime_error with a message for the user; nothing is left behind then.
     UsbDevice(const std::string& name, const virtualbus::DeviceRecord& record, const std::string& port);
     ~UsbDevice();
     UsbDevice(const UsbDevice&) = delete;
@@ -25,8 +25,8 @@ public:
     /// come. The kernel keeps four that are not read; the bus makes the host wait with more.
     [[nodiscard]] std::vector<std::uint8_t> readReport();
 
-    /// Puts an input report where the host will fetch it. False: the host has not configured the device (yet), or
-    /// the report before it has not been fetched.
+    /// Puts an input report where the host will fetch it. False: the host has not configured the device
+    /// (yet), or the report before it has not been fetched.
     [[nodiscard]] bool offerReport(const virtualunit::Report& report);
 
     /// Off the bus, for good: the host sees a disconnect.
@@ -39,7 +39,7 @@ public:
 
 private:
     void describe(const virtualbus::DeviceRecord& record);
-    void addHidFunction();
+    void addHidFunction(const std::string& port);
     void plugIn(const std::string& port);
     void remove();
 
