@@ -97,7 +97,11 @@ void TestEndlessAnswers::plain()
     forgetMemoryPeak();
     expectGivenUp(request);
     const qint64 peak = memoryPeak();
+#ifdef __SANITIZE_ADDRESS__
+    qInfo("peak of %lld MiB not judged: the address sanitizer keeps what is freed", peak / mebibyte);
+#else
     QVERIFY2(peak > 0 && peak < memoryLimit, qPrintable(QString("%1 MiB").arg(peak / mebibyte)));
+#endif
     QVERIFY2(scene.server.bytesSent() < 3 * limit, "the server was not kept waiting");
 }
 
