@@ -1,0 +1,37 @@
+#!/bin/bash
+# Tests the shipped program, in both flavours of the HID library, on a real USB bus: that of a guest system with
+# Debian's kernel, in an emulated computer. Installs what it needs. Needs root, or sudo, for that only.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")/.."
+source scripts/lib/packages.sh
+
+guestPackages=(busybox-static cpio kmod libhidapi-dev linux-image-amd64 qemu-system-x86 systemd udev x11-utils)
+tests=build-usb
+hidraw=build-hidraw
+guests=$tests/tests/usb/guests
+jobs=$(nproc)
+
+build() {
+    cmake -G Ninja -S . -B "$hidraw" -DTALVEX_HIDAPI=hidraw
+    cmake --build "$hidraw" -j "$jobs" --target talvex-updater
+    cmake -G Ninja -S . -B "$tests" -DTALVEX_TESTS=ON -DTALVEX_USB_TESTS=ON -DTALVEX_WERROR=ON \
+        -DTALVEX_HIDRAW_PROGRAM="$PWD/$hidraw/bin/talvex-updater"
+    cmake --build "$tests" -j "$jobs" --target usb-tests
+}
+
+# What the program reached, next to a loop that does nothing but write.
+printRates() {
+    printf '%-8s %-8s %10s %10s %8s\n' flavour unit program/s loop/s ratio
+    cat "$guests"/*/results/rates
+}
+
+installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${guestPackages[@]}"
+export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+build
+SECONDS=0
+result=0
+ctest --test-dir "$tests" -L usb --output-on-failure -j 2 || result=$?
+printRates || result=1
+echo "USB tests: $SECONDS s"
+exit "$result"

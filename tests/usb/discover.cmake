@@ -1,0 +1,19 @@
+# Writes OUTPUT: one ctest test for each row of each of TESTS and each flavour of the HID library. A test is good
+# once the guest's run for its flavour has left it as passed in GUESTS/<flavour>/results.
+set(lines "")
+foreach(flavour libusb hidraw)
+  foreach(test IN LISTS TESTS)
+    execute_process(
+      COMMAND ${CMAKE_COMMAND} -E env TALVEX_TEST_FLAVOUR=${flavour} ${test} -datatags
+      OUTPUT_VARIABLE rows COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "[^\n]+" rows "${rows}")
+    foreach(row IN LISTS rows)
+      # "tst_thing function a row's name"
+      string(REGEX REPLACE "^([^ ]+) ([^ ]+) ?(.*)$" "\\1::\\2(\\3)" name "${row}")
+      string(APPEND lines
+        "add_test([==[usb.${flavour}.${name}]==] [==[${EXPECT}]==] [==[${GUESTS}/${flavour}/results]==] [==[${name}]==])\n"
+        "set_tests_properties([==[usb.${flavour}.${name}]==] PROPERTIES LABELS usb FIXTURES_REQUIRED usb-${flavour})\n")
+    endforeach()
+  endforeach()
+endforeach()
+file(WRITE ${OUTPUT} "${lines}")

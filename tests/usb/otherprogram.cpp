@@ -1,0 +1,50 @@
+#include "otherprogram.h"
+
+#include "waiting.h"
+
+#include <limits>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto openLimit = 10s;
+constexpr int longestPaceMs = 120'000;
+
+QString clientOf(const QString& flavour)
+{
+    return flavour == "hidraw" ? TALVEX_CLIENT_HIDRAW : TALVEX_CLIENT_LIBUSB;
+}
+
+} // namespace
+
+Outcome OtherProgram::hold(const QString& flavour)
+{
+    process.start(clientOf(flavour), {"hold"});
+    QByteArray told;
+    const bool opened = waitUntil(
+        [&] {
+            told += process.readAllStandardOutput();
+            return told == "opened\n" || process.state() == QProcess::NotRunning;
+        },
+        openLimit);
+    return opened && told == "opened\n" ? Outcome() : Outcome("the other program has no unit: " + told);
+}
+
+Outcome OtherProgram::letGo()
+{
+    if (process.state() == QProcess::NotRunning)
+        return {};
+    process.closeWriteChannel();
+    const bool ended = waitUntil([&] { return process.state() == QProcess::NotRunning; }, openLimit);
+    return ended && process.exitCode() == 0 ? Outcome() : Outcome("the other program did not let go");
+}
+
+double OtherProgram::pacedRate(const QString& flavour, int reports)
+{
+    QProcess writer;
+    writer.start(clientOf(flavour), {"pace", QString::number(reports)});
+    if (!writer.waitForFinished(longestPaceMs) || writer.exitCode() != 0)
+        return std::numeric_limits<double>::infinity();
+    return reports * 1000.0 / writer.readAllStandardOutput().trimmed().toDouble();
+}

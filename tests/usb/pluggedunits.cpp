@@ -1,0 +1,143 @@
+#include "pluggedunits.h"
+
+#include "waiting.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto plugLimit = 10s;
+/// An emulated computer may be busy elsewhere for a while, and the HID library keeps 30 reports only (the
+/// other flavour 63, and then the oldest): with the usual 8 ms between reports, one that is told once would
+/// get lost.
+constexpr const char* unhurried = ",period-ms=100";
+constexpr const char* vendor = ":00003A5D:"; // as in HID_ID=0003:00003A5D:00000A21
+
+bool canBeOpened(const QString& node)
+{
+    const int opened = ::open(QFile::encodeName(node).constData(), O_RDWR | O_CLOEXEC);
+    if (opened >= 0)
+        ::close(opened);
+    return opened >= 0;
+}
+
+/// User and system time of a process in clock ticks; negative: there is no such process.
+long processorTicks(qint64 process)
+{
+    QFile file(QString("/proc/%1/stat").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray all = file.readAll();
+    const QList<QByteArray> fields =
+        all.mid(all.lastIndexOf(')') + 2).split(' '); // from field 3, the state, on
+    return fields.value(11).toLong() + fields.value(12).toLong();
+}
+
+} // namespace
+
+PluggedUnits::~PluggedUnits()
+{
+    if (frozen)
+        ::kill(static_cast<pid_t>(gadget.processId()), SIGCONT);
+}
+
+Outcome PluggedUnits::plugIn(const QStringList& units)
+{
+    gadget.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    gadget.start(TALVEX_GADGET,
+                 {QStringList(units).replaceInStrings(QRegularExpression("$"), unhurried).join(';')});
+    count = units.size();
+    const bool seen = waitUntil(
+        [&] { return nodes().size() == count || gadget.state() == QProcess::NotRunning; }, plugLimit);
+    if (gadget.state() == QProcess::NotRunning)
+        return Outcome("the gadget ended with " + QString::number(gadget.exitCode()) + ' ' +
+                       gadget.errorString());
+    return seen ? Outcome() : Outcome("the system did not find the units; it has " + nodes().join(' '));
+}
+
+Outcome PluggedUnits::fillUp()
+{
+    constexpr int kept = 4;
+    const QByteArray report(65, '\0');
+    const QStringList found = nodes();
+    for (const QString& node : found) {
+        QFile file(node);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            return Outcome("cannot open " + node);
+        for (int written = 0; written < kept; ++written)
+            if (file.write(report) != report.size())
+                return Outcome("cannot write to " + node + ": " + file.errorString());
+    }
+    return {};
+}
+
+Outcome PluggedUnits::unplug()
+{
+    if (frozen)
+        ::kill(static_cast<pid_t>(gadget.processId()), SIGCONT);
+    frozen = false;
+    gadget.end();
+    if (gadget.exitStatus() != QProcess::NormalExit || gadget.exitCode() != 0)
+        return Outcome("the gadget ended with " + QString::number(gadget.exitCode()));
+    count = 0;
+    return waitUntil([] { return nodes().isEmpty(); }, plugLimit) ? Outcome()
+                                                                  : Outcome("the system kept the units");
+}
+
+void PluggedUnits::freeze()
+{
+    frozen = true;
+    ::kill(static_cast<pid_t>(gadget.processId()), SIGSTOP);
+}
+
+Outcome PluggedUnits::seeGivenBack() const
+{
+    const auto allBack = [&] {
+        const QStringList found = nodes();
+        return found.size() == count && std::all_of(found.begin(), found.end(), canBeOpened);
+    };
+    return waitUntil(allBack, plugLimit) ? Outcome()
+                                         : Outcome("not given back; the system has " + nodes().join(' '));
+}
+
+QStringList PluggedUnits::nodes()
+{
+    const QString all = "/sys/class/hidraw";
+    QStringList found;
+    const QStringList names = QDir(all).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& name : names) {
+        QFile events(all + '/' + name + "/device/uevent");
+        if (events.open(QIODevice::ReadOnly) && events.readAll().contains(vendor))
+            found += "/dev/" + name;
+    }
+    return found;
+}
+
+void useRealBus(Program& program)
+{
+    program.libraries = QStringList{TALVEX_PROBE};
+    // Neither is to be had here, and looking for them takes an emulated processor seconds.
+    program.setVariable("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+    program.setVariable("QT_XCB_GL_INTEGRATION", "none");
+}
+
+int processorLoad(Program& program)
+{
+    const qint64 process = program.process.processId();
+    const long before = processorTicks(process);
+    QThread::sleep(1);
+    return static_cast<int>((processorTicks(process) - before) * 100 / sysconf(_SC_CLK_TCK));
+}
+
+QString flavour()
+{
+    return qEnvironmentVariable("TALVEX_TEST_FLAVOUR");
+}

@@ -1,0 +1,69 @@
+// An ordinary user at a unit on a real bus. Somebody else has plugged the unit in: its journal and image are
+// in the directory that TALVEX_TEST_UNIT names (unit.journal, unit.image).
+
+#include "pluggedunits.h"
+#include "scenario.h"
+#include "updateserver.h"
+
+#include <QtTest>
+
+#include <unistd.h>
+
+class tst_usbaccess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void withoutAccess();
+    void withAccess();
+
+private:
+    Desktop desktop;
+    UpdateServer server;
+};
+
+void tst_usbaccess::initTestCase()
+{
+    QVERIFY2(geteuid() != 0, "this is a test of what an ordinary user sees");
+    QCOMPARE(PluggedUnits::nodes().size(), 1);
+    MUST(desktop.start());
+    MUST(server.start());
+}
+
+void tst_usbaccess::withoutAccess()
+{
+    Program program(desktop);
+    useRealBus(program);
+    MUST(program.start());
+    for (int press = 1; press <= 2; ++press) {
+        MUST(program.press("connect_button"));
+        MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+        MUST(program.answer("Ok"));
+        MUST(program.waitForNoBox());
+    }
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0));
+    QCOMPARE(program.errorOutput(), QString());
+}
+
+void tst_usbaccess::withAccess()
+{
+    const QByteArray image = scenario::image(6000);
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    Program program(desktop);
+    useRealBus(program);
+    program.setVariable("http_proxy", server.proxy());
+    MUST(program.start());
+    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::seeFinished(program));
+    QFile received(qEnvironmentVariable("TALVEX_TEST_UNIT") + "/unit.image");
+    QVERIFY(received.open(QIODevice::ReadOnly));
+    QVERIFY(received.readAll() == image);
+}
+
+QTEST_GUILESS_MAIN(tst_usbaccess)
+
+#include "tst_usbaccess.moc"

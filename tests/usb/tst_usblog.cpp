@@ -1,0 +1,82 @@
+// A unit's log, downloaded over a real bus.
+
+#include "pluggedunits.h"
+#include "scenario.h"
+
+#include <X11/keysym.h>
+
+#include <QtTest>
+
+class tst_usblog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void wholeLog_data();
+    void wholeLog();
+
+private:
+    Desktop desktop;
+};
+
+void tst_usblog::initTestCase()
+{
+    MUST(desktop.start());
+}
+
+void tst_usblog::wholeLog_data()
+{
+    constexpr int parts = 200;
+    constexpr int partSize = 63;
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("more"); // options of the unit
+    QTest::addColumn<int>("size");     // bytes that arrive
+    QTest::newRow("header first") << "lmb2"
+                                  << "LMB-2 connected"
+                                  << "" << parts * partSize + 10;
+    QTest::newRow("header last") << "plt65"
+                                 << "PLT65 connected"
+                                 << "" << parts * partSize + 10;
+    QTest::newRow("no log") << "lmb2"
+                            << "LMB-2 connected"
+                            << ",fault=no-log" << 0;
+}
+
+void tst_usblog::wholeLog()
+{
+    QFETCH(QString, model);
+    QFETCH(QString, message);
+    QFETCH(QString, more);
+    QFETCH(int, size);
+    const QByteArray log = scenario::image(size);
+
+    Program program(desktop);
+    useRealBus(program);
+    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    QFile file(program.scratchPath("unit.log"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
+    PluggedUnits units;
+    MUST(units.plugIn({scenario::unitOptions(program, model, ",log=" + file.fileName() + more)}));
+    MUST(program.start());
+    MUST(scenario::connectUnit(program, message));
+    MUST(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
+    MUST(program.press("downloadLogFile"));
+    MUST(
+        program.waitForBox(infoBox("Download log file is complete.\nYou can find it in program directory.")));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0));
+    MUST(units.seeGivenBack());
+
+    const QStringList stored = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    QCOMPARE(stored.size(), 1);
+    QVERIFY(program.fileContent(stored.first()) == log);
+    QCOMPARE(scenario::journal(program).filter(QRegularExpression("^error ")), QStringList());
+    QCOMPARE(program.errorOutput(), QString());
+}
+
+QTEST_GUILESS_MAIN(tst_usblog)
+
+#include "tst_usblog.moc"

@@ -1,0 +1,185 @@
+// A unit that vanishes from a real bus, or lives on there without taking anything: the program neither
+// crashes nor spins, its window can be used, and it ends cleanly.
+
+#include "pluggedunits.h"
+#include "scenario.h"
+
+#include <X11/keysym.h>
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A program that spins takes the whole processor; one whose polls fail at once takes a part of it.
+constexpr int highestLoad = 75;
+
+constexpr int shortImage = 6000;
+constexpr int longImage = 600'000; ///< on its way for many seconds
+
+using State = Outcome (*)(Program&);
+
+Outcome connectOnly(Program& program)
+{
+    return scenario::connectUnit(program, "HB4 connected");
+}
+
+Outcome pressUpdate(Program& program)
+{
+    STEP(connectOnly(program));
+    return program.press("updateDeviceButton");
+}
+
+Outcome awaitAnswer(Program& program)
+{
+    STEP(pressUpdate(program));
+    return program.waitFor("the request at the unit", [&](const View&) {
+        return !scenario::journal(program).filter(QRegularExpression("^unanswered")).isEmpty();
+    });
+}
+
+Outcome streamImage(Program& program)
+{
+    STEP(pressUpdate(program));
+    return program.waitFor("the transfer under way", [](const View& view) {
+        return view.text("labelTransfer") == "Transfer: in progress" && view.value("progressBarTransfer") > 0;
+    });
+}
+
+Outcome install(Program& program)
+{
+    STEP(pressUpdate(program));
+    return program.waitFor("the installation",
+                           [](const View& view) { return view.value("progressBarUpdate") > 0; });
+}
+
+Outcome awaitLogHeader(Program& program)
+{
+    STEP(connectOnly(program));
+    STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
+    STEP(program.press("downloadLogFile"));
+    return program.waitFor("the download's button",
+                           [](const View& view) { return view.enabled("stopDownloadingFile"); });
+}
+
+/// Nothing is said of it, and the window can be closed.
+Outcome seeQuietEnd(Program& program)
+{
+    STEP(program.staysAway(
+        "a box", [](const View& view) { return view.boxCount() != 0; }, 400ms));
+    STEP(program.closeWindow());
+    return program.waitForExit(0);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(State)
+
+class tst_usbunplug : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void unplugged_data();
+    void unplugged();
+    void vanishesByItself_data();
+    void vanishesByItself();
+    void hangsInMidTransfer();
+
+private:
+    Outcome begin(Program& program, PluggedUnits& units, const QString& more, int imageSize = shortImage);
+
+    Desktop desktop;
+};
+
+void tst_usbunplug::initTestCase()
+{
+    MUST(desktop.start());
+}
+
+Outcome tst_usbunplug::begin(Program& program, PluggedUnits& units, const QString& more, int imageSize)
+{
+    useRealBus(program);
+    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", scenario::image(imageSize))); // so that no server is asked
+    STEP(units.plugIn({scenario::unitOptions(program, "hb4", more)}));
+    return program.start();
+}
+
+void tst_usbunplug::unplugged_data()
+{
+    QTest::addColumn<QString>("more"); // options of the unit
+    QTest::addColumn<State>("reach");
+    QTest::addColumn<int>("imageSize");
+    QTest::newRow("idle") << "" << State(connectOnly) << shortImage;
+    QTest::newRow("while an answer is awaited") << ",fault=never-answers" << State(awaitAnswer) << shortImage;
+    QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
+    QTest::newRow("during the installation") << ",install-ms=60000" << State(install) << shortImage;
+    QTest::newRow("while a log header is awaited")
+        << ",fault=header-never-comes" << State(awaitLogHeader) << shortImage;
+}
+
+void tst_usbunplug::unplugged()
+{
+    QFETCH(QString, more);
+    QFETCH(State, reach);
+    QFETCH(int, imageSize);
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, more, imageSize));
+    MUST(reach(program));
+    MUST(units.unplug());
+    const int load = processorLoad(program);
+    QVERIFY2(load < highestLoad, qPrintable(QString("%1 %").arg(load)));
+    MUST(seeQuietEnd(program));
+}
+
+void tst_usbunplug::vanishesByItself_data()
+{
+    QTest::addColumn<State>("reach");
+    QTest::newRow("unplugged-at:1") << State(pressUpdate);
+    QTest::newRow("unplugged-at:5") << State(pressUpdate);
+    QTest::newRow("unplugged-at-part:3") << State(awaitLogHeader);
+}
+
+void tst_usbunplug::vanishesByItself()
+{
+    QFETCH(State, reach);
+    QTemporaryDir folder;
+    QFile log(folder.filePath("unit.log"));
+    QVERIFY(log.open(QIODevice::WriteOnly) && log.write(scenario::image(shortImage)) == shortImage &&
+            log.flush());
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, ",log=" + log.fileName() + ",fault=" + QTest::currentDataTag()));
+    MUST(reach(program));
+    QTRY_VERIFY(!scenario::journal(program).filter(QRegularExpression("^unplugged")).isEmpty());
+    MUST(seeQuietEnd(program));
+}
+
+void tst_usbunplug::hangsInMidTransfer()
+{
+    // Each step writes, and once more after a failure: so long does the HID library wait for a unit.
+    constexpr auto longestStep = 2200ms;
+    const bool answersBetweenWrites = flavour() == "libusb"; // hidraw: 5.1 s a write
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, "", longImage));
+    MUST(streamImage(program));
+    units.freeze();
+    QTest::qWait(static_cast<int>(longestStep.count())); // the kernel takes a few more
+    for (int looks = 0; answersBetweenWrites && looks < 3; ++looks) {
+        QElapsedTimer passed;
+        passed.start();
+        QVERIFY(program.look().enabled("progressBarTransfer"));
+        QVERIFY2(passed.elapsed() < 2 * longestStep.count(), qPrintable(QString::number(passed.elapsed())));
+    }
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, 30s));
+}
+
+QTEST_GUILESS_MAIN(tst_usbunplug)
+
+#include "tst_usbunplug.moc"
