@@ -53,6 +53,8 @@ private slots:
     void everyKindOfLayout_data();
     void everyKindOfLayout();
     void refusedLog();
+    void oddLog_data();
+    void oddLog();
     void stoppedLog_data();
     void stoppedLog();
     void closedInMidLog();
@@ -128,11 +130,37 @@ void tst_log::refusedLog()
     QCOMPARE(complaints(program), QStringList());
 }
 
+void tst_log::oddLog_data()
+{
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("wrong-count:2") << true;
+    QTest::newRow("zero-parts") << true;
+    QTest::newRow("stray-replies:5") << true;
+    QTest::newRow("unknown-replies:5") << true;
+    QTest::newRow("too-many-parts:3") << false;
+    QTest::newRow("overlong-last-part:255") << false;
+}
+
+/// Whatever is odd about it, a log that comes to its end is stored and closes the program like any other.
+void tst_log::oddLog()
+{
+    QFETCH(bool, whole);
+    Program program(desktop);
+    MUST(begin(program, "hb4", "HB4 connected", QString(",fault=") + QTest::currentDataTag()));
+    MUST(program.waitForBox(completeBox()));
+    MUST(program.answer("Ok"));
+    MUST(program.waitForExit(0, endLimit));
+    const QByteArray stored = storedLog(program).value_or("no file");
+    QVERIFY(stored.startsWith(log.left(logSize / 63 * 63)));
+    QCOMPARE(stored == log, whole);
+}
+
 void tst_log::stoppedLog_data()
 {
     QTest::addColumn<int>("stored"); // bytes
     QTest::addColumn<int>("percent");
     QTest::newRow("header-never-comes") << 0 << 0;
+    QTest::newRow("takes-nothing:0") << 0 << 0; // the request is not even written
     QTest::newRow("stalls-after-part:100") << 6300 << 20;
     QTest::newRow("unplugged-at-part:101") << 6300 << 20;
 }
