@@ -109,9 +109,10 @@ private:
     {
         if (!finishing)
             return;
-        while (answer.endless && isConnected() && server.sent < endlessLimit &&
-               socket->bytesToWrite() < mostUnsent)
-            send(answer.pieces.last());
+        if (answer.endless && isConnected() && server.sent < endlessLimit) {
+            sendForEver();
+            return;
+        }
         if (socket->bytesToWrite() > 0)
             return;
         finishing = false;
@@ -122,6 +123,19 @@ private:
             socket->disconnectFromHost();
     }
 
+    /// One more piece in each turn of the event loop: a client in the same thread is to get its turns too.
+    void sendForEver()
+    {
+        if (refilling || socket->bytesToWrite() >= mostUnsent)
+            return;
+        refilling = true;
+        QTimer::singleShot(0, this, [this] {
+            refilling = false;
+            send(answer.pieces.last());
+            wrote();
+        });
+    }
+
     RawServer& server;
     QTcpSocket* socket;
     QByteArray received;
@@ -130,6 +144,7 @@ private:
     bool answering = false;
     bool waiting = false;
     bool finishing = false;
+    bool refilling = false;
 };
 
 class RawServer::Listener : public QTcpServer
