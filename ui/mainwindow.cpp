@@ -4,6 +4,7 @@
 #include "net/updatechecker.h"
 #include "ui_mainwindow.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QThread>
 
@@ -41,6 +42,14 @@ MainWindow::MainWindow(QWidget* parent)
 }
 
 MainWindow::~MainWindow() = default;
+
+/// Ends the program at once: Qt's own end for the last window is a posted event, which a box that opens in
+/// this very moment would swallow; it would stand there alone.
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    QMainWindow::closeEvent(event);
+    QCoreApplication::quit();
+}
 
 MainWindow::Leftovers MainWindow::leftovers() const
 {

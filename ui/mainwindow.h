@@ -71,6 +71,8 @@ public slots: // in the order of the meta-object
     void on_stopDownloadingFile_pressed();
 
 protected:
+    // ui/mainwindow.cpp
+    void closeEvent(QCloseEvent* event) override;
     // log/logcontrols.cpp
     void keyPressEvent(QKeyEvent* event) override;
 

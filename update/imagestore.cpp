@@ -36,7 +36,8 @@ bool ImageStore::hasImage() const
 bool ImageStore::writeDownload(const QByteArray& image) const
 {
     QFile::remove(downloadName);
-    if (hasImage()) // else the backup is the only image there is: kept until the new one is whole
+    // Else the backup is the only image there is (a folder is none): kept until the new one is whole.
+    if (QFileInfo(imageName).isFile())
         QFile::remove(backupName);
     QFile download(downloadName);
     if (!download.open(QIODevice::WriteOnly | QIODevice::Truncate))

@@ -34,6 +34,7 @@ private slots:
     void logWorker();
     void handsOverWhatItLeaves();
     void leavesWhatLivesToTheEnd();
+    void closedInTheMomentInWhichABoxOpens();
 };
 
 void TestMainWindow::members()
@@ -264,6 +265,18 @@ void TestMainWindow::leavesWhatLivesToTheEnd()
     delete downloader;
     delete worker;
     delete checker;
+}
+
+/// Nobody answers the box: the program ends all the same.
+void TestMainWindow::closedInTheMomentInWhichABoxOpens()
+{
+    TestWindow window;
+    window.boxes.leaveOpen();
+    QVERIFY(quits([&] {
+        QMetaObject::invokeMethod(
+            &*window, [&] { QMessageBox::information(&*window, "Info", "late"); }, Qt::QueuedConnection);
+        window->close();
+    }));
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -1,3 +1,4 @@
+#include "support/evidence.h"
 #include "support/faultycalls.h"
 #include "support/filesizelimit.h"
 #include "support/imagefiles.h"
@@ -48,6 +49,7 @@ private slots:
     void nameTakenByAFolder();
     void folderIsGone();
     void onlyImageSurvivesAFailure();
+    void onlyImageSurvivesAFolderInItsPlace();
     void imageCannotBecomeTheBackup();
     void downloadCannotBecomeTheImage();
     void replacingWithoutADownload();
@@ -218,6 +220,17 @@ void TestImageStore::onlyImageSurvivesAFailure()
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
 }
 
+void TestImageStore::onlyImageSurvivesAFolderInItsPlace()
+{
+    place({none, none, previous});
+    QVERIFY(QDir().mkpath(name + "/taken"));
+    const ImageStore store(name);
+    faultycalls::fail(Call::write, 1, ENOSPC);
+    QVERIFY(!store.writeDownload(fresh));
+    QVERIFY(!store.replaceImage());
+    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+}
+
 void TestImageStore::imageCannotBecomeTheBackup()
 {
     place({previous, none, none});
@@ -291,6 +304,8 @@ void TestImageStore::killedAtAnyCall()
         QCOMPARE(found().image, fresh);
     }
     QVERIFY2(killed >= 4 && killed < mostCalls, qPrintable(QString::number(killed)));
+    evidence::cell("computer", "kills the program", "store",
+                   "the old image or the new one is whole on disk, before each single file call");
 }
 
 QTEST_APPLESS_MAIN(TestImageStore)
