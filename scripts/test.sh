@@ -10,8 +10,9 @@ jobs=$(nproc)
 shipped=build
 tests=build-test
 sanitized=build-asan
-variant=build-hidraw
+variant=build-variant
 threads=build-tsan
+evidence=$PWD/$tests/evidence
 failures=()
 
 # must NAME COMMAND...: what follows makes no sense without it.
@@ -87,8 +88,9 @@ buildSanitized() {
 }
 
 runTests() {
-    TALVEX_TEST_PROGRAM=$PWD/$shipped/bin/talvex-updater TALVEX_TEST_ARTIFACTS=$PWD/artifacts/test \
-        ctest --test-dir "$tests" --output-on-failure -j "$jobs"
+    rm -rf "$evidence" && mkdir "$evidence" &&
+        TALVEX_RELIABILITY=$evidence TALVEX_TEST_PROGRAM=$PWD/$shipped/bin/talvex-updater \
+        TALVEX_TEST_ARTIFACTS=$PWD/artifacts/test ctest --test-dir "$tests" --output-on-failure -j "$jobs"
 }
 
 runSanitized() {
@@ -114,6 +116,7 @@ check "scripts" checkScripts
 check "format" checkFormat
 check "code" checkCode
 check "all tests" runTests
+check "docs/reliability.md" scripts/reliability.py "$evidence" --check
 check "sanitized tests, build" buildSanitized
 check "sanitized tests" runSanitized
 check "sanitized threads" runThreadSanitized

@@ -19,7 +19,8 @@ QProcessEnvironment bareEnvironment()
 {
     const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
     QProcessEnvironment bare;
-    for (const char* name : {"PATH", "LD_LIBRARY_PATH", "TZ"}) {
+    for (const char* name :
+         {"PATH", "LD_LIBRARY_PATH", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
         if (own.contains(name))
             bare.insert(name, own.value(name));
     }

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "reliability/journeyfiles.h"
+#include "support/boxes.h"
+#include "support/rawserver.h"
+#include "ui/mainwindow.h"
+#include "virtualunit/options.h"
+
+#include <QElapsedTimer>
+#include <QMap>
+#include <QObject>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// What the program goes through, in this order; an update up to `installation`, or the download of a log.
+enum class Phase {
+    search,
+    identification,
+    catalogue,
+    changeLog,
+    download,
+    store,
+    request,
+    stream,
+    installation,
+    logHeader,
+    logParts,
+    quit,
+};
+
+inline constexpr std::array phaseNames{
+    "search",  "identification", "catalogue",    "change log", "download",  "store",
+    "request", "stream",         "installation", "log header", "log parts", "quit",
+};
+
+class Journey;
+
+/// One fault in one phase.
+struct Scenario
+{
+    Phase phase = Phase::search;
+    bool fetchesLog = false; ///< the log's road instead of the update's
+    std::vector<virtualunit::Options> units;
+    QMap<QString, RawServer::Answer> answers; ///< in place of the good ones, by path
+    std::function<void()> beforeStart;        ///< done before the program starts
+    std::function<void(Journey&)> beforeConnect;
+    std::function<void(Journey&)> beforeUpdate;
+    std::function<void(Journey&)> fault; ///< done once the phase is reached
+};
+
+/// A user with a plan in front of the program, in the program's own process: brings it to the phase, lets the
+/// fault happen there, goes on as anybody would, waits until nothing changes any more, notes what there is to
+/// be seen and closes the window. Tells standard output what it sees. GUI thread.
+class Journey : public QObject
+{
+public:
+    explicit Journey(Scenario plan);
+
+    [[nodiscard]] MainWindow& window() const { return *mainWindow; }
+    RawServer server;
+    Boxes boxes;
+
+    /// Presses every control that is to be seen, twice, and the log's key.
+    void pressEverything();
+
+    /// Boxes stay open for so long from now on.
+    void leaveBoxesOpen(int ms);
+
+private:
+    void step();
+    [[nodiscard]] bool isAtPhase() const;
+    [[nodiscard]] QStringList visible() const;
+    void goOn();
+    void conclude();
+    [[nodiscard]] QString unitOutcome() const;
+
+    Scenario scenario;
+    MainWindow* mainWindow;
+    QTimer clock;
+    QTimer boxesOpen;
+    QStringList lastSeen;
+    QElapsedTimer calm;
+    bool reached = false;
+    bool connectPressed = false;
+    bool updatePressed = false;
+    bool logPressed = false;
+    bool concluded = false;
+};
+
+inline constexpr auto cataloguePath = "/wp-content/uploads/versions.txt";
+inline constexpr auto changeLogPath = "/HB4.txt";
+inline constexpr auto imagePath = "/HB4.sb";

@@ -1,0 +1,67 @@
+// The program in its own process, from its own main(), with a user in it who follows a plan. `--list` prints
+// the faults: "row GROUP NAME REASON" and "cell GROUP NAME PHASE", parted by tabs. GROUP, NAME and PHASE as
+// arguments make one journey; its outcome is printed (Journey).
+#include "reliability/faults.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+int talvexMain(int argc, char** argv); // the program's own
+
+namespace {
+
+std::optional<Scenario> chosen;
+
+void beginJourney()
+{
+    // Once the window is there. Lives to the end of the event loop.
+    QTimer::singleShot(0, qApp, [] { new Journey(*chosen); });
+}
+
+Q_COREAPP_STARTUP_FUNCTION(beginJourney)
+
+const char* nameOf(Phase phase)
+{
+    return phaseNames.at(static_cast<std::size_t>(phase));
+}
+
+void list()
+{
+    for (const FaultRow& row : allFaults()) {
+        std::printf("row\t%s\t%s\t%s\n", row.group, row.name, row.elsewhere);
+        for (const Scenario& cell : row.cells)
+            std::printf("cell\t%s\t%s\t%s\n", row.group, row.name, nameOf(cell.phase));
+    }
+}
+
+std::optional<Scenario> find(const char* group, const char* name, const char* phase)
+{
+    for (const FaultRow& row : allFaults())
+        for (const Scenario& cell : row.cells)
+            if (std::strcmp(row.group, group) == 0 && std::strcmp(row.name, name) == 0 &&
+                std::strcmp(nameOf(cell.phase), phase) == 0)
+                return cell;
+    return std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc == 2 && std::strcmp(argv[1], "--list") == 0) {
+        list();
+        return 0;
+    }
+    chosen = argc == 4 ? find(argv[1], argv[2], argv[3]) : std::nullopt;
+    if (!chosen) {
+        std::fprintf(stderr, "usage: %s --list | GROUP FAULT PHASE\n", argv[0]);
+        return 2;
+    }
+    if (chosen->beforeStart)
+        chosen->beforeStart();
+    return talvexMain(1, argv);
+}

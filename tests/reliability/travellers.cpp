@@ -1,0 +1,87 @@
+#include "reliability/travellers.h"
+
+#include "reliability/journeyfiles.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t sideBySide = 5;
+constexpr auto ending = "ending\n"; ///< said when the event loop ends
+
+} // namespace
+
+Traveller::Traveller(const QString& program, const QStringList& arguments)
+    : directory(QCoreApplication::applicationDirPath() + "/journey-XXXXXX")
+{
+    // A link: the program keeps its files beside its executable.
+    const QString own = directory.filePath("talvex-journey");
+    if (!directory.isValid() || link(QFile::encodeName(program), QFile::encodeName(own)) != 0)
+        qFatal("cannot make %s", qPrintable(own));
+    QFile image(directory.filePath("updater.sb"));
+    if (!image.open(QIODevice::WriteOnly) || image.write(oldImage) < 0)
+        qFatal("cannot write %s", qPrintable(image.fileName()));
+    image.close();
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    environment.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(directory.path());
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, &process, [this] { take(); });
+    QObject::connect(&process, &QProcess::readyReadStandardError, &process,
+                     [this] { errors += process.readAllStandardError(); });
+    QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &process, [this] {
+        take();
+        endedAt = clock.elapsed();
+    });
+    clock.start();
+    process.start(own, arguments);
+}
+
+Traveller::~Traveller()
+{
+    process.kill();
+    process.waitForFinished();
+    QFile::setPermissions(directory.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void Traveller::take()
+{
+    output += process.readAllStandardOutput();
+    if (endingSince == 0 && output.contains(ending))
+        endingSince = clock.elapsed();
+}
+
+QStringList Traveller::said(const QString& word) const
+{
+    QStringList all;
+    const QStringList lines = QString::fromUtf8(output).split('\n');
+    for (const QString& line : lines)
+        if (line == word || line.startsWith(word + ' '))
+            all += line.mid(word.size() + 1);
+    return all;
+}
+
+QByteArray Traveller::file(const QString& pattern) const
+{
+    const QDir all(directory.path());
+    const QStringList names = all.entryList({pattern}, QDir::Files);
+    QFile found(all.filePath(names.value(0)));
+    if (names.isEmpty() || !found.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = found.readAll();
+    return content.isNull() ? QByteArray("") : content;
+}
+
+std::unique_ptr<Traveller> Travellers::take(std::size_t number)
+{
+    for (; started < plans.size() && started < number + sideBySide; ++started)
+        if (started >= number)
+            underWay[started] = std::make_unique<Traveller>(program, plans[started]);
+    return std::move(underWay.extract(number).mapped());
+}
