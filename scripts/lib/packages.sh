@@ -6,7 +6,8 @@ buildPackages=(build-essential ccache cmake libhidapi-dev ninja-build pkg-config
 # To run the program where nobody looks on: a screen, a window manager, fonts, the input; and the update server.
 stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
 benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
-checkPackages=(binutils clang-format clang-tidy dbus openssl python3-dbusmock shellcheck)
+checkPackages=(binutils clang-format clang-tidy dbus openssl python3-dbusmock shellcheck valgrind)
+fuzzPackages=(clang libclang-rt-dev)
 
 isInstalled() {
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2> /dev/null)" = installed ]

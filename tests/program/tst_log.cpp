@@ -5,6 +5,7 @@
 
 #include <X11/keysym.h>
 
+#include <QTcpServer>
 #include <QtTest>
 
 using namespace std::chrono_literals;
@@ -60,6 +61,7 @@ private slots:
     void closedInMidLog();
     void keysOfferNothing_data();
     void keysOfferNothing();
+    void keysOfferNothingWhileTheServerIsAsked();
 
 private:
     Outcome begin(Program& program, const QString& model, const QString& message, const QString& fault = {});
@@ -223,6 +225,21 @@ void tst_log::keysOfferNothing()
         MUST(program.waitFor("the update's beginning",
                              [](const View& view) { return !view.enabled("updateDeviceButton"); }));
     }
+    MUST(pressLogKeys(program));
+    MUST(program.staysAway("the log button", offersLog, 400ms));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+}
+
+/// An image that arrives in mid log would enable Update Device.
+void tst_log::keysOfferNothingWhileTheServerIsAsked()
+{
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, "http://127.0.0.1:" + QString::number(silent.serverPort())));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
     MUST(pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog, 400ms));
     MUST(program.closeWindow());

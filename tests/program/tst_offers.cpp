@@ -42,6 +42,8 @@ private slots:
     void missingOnTheServer_data();
     void missingOnTheServer();
     void imageThatCannotBeSaved();
+    void announcedSize_data();
+    void announcedSize();
 
 private:
     Outcome publishUpdater();
@@ -184,6 +186,41 @@ void tst_offers::imageThatCannotBeSaved()
     MUST(program.answer("Ok"));
     MUST(program.waitForExit(0, endLimit));
     QVERIFY(!program.fileContent("updater.sb")); // an older image must never be taken for the new one
+}
+
+void tst_offers::announcedSize_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isReported");
+    QTest::newRow("the largest that is not reported") << 15'000'000 << false;
+    QTest::newRow("one byte more") << 15'000'001 << true;
+}
+
+/// A large image is reported once, however many pieces it comes in. Qt may hold its completion back until the
+/// box is dismissed, which ends the program: so much about the image itself is for tests in the process.
+void tst_offers::announcedSize()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isReported);
+    const QByteArray large = scenario::image(size);
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, large, scenario::changeLog));
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+    MUST(program.answer("Yes"));
+    if (isReported) {
+        MUST(program.waitForBox(scenario::networkProblemBox()));
+        MUST(program.staysAway(
+            "a second box", [](const View& view) { return view.boxCount() != 1; }, 400ms));
+        MUST(program.answer("Ok"));
+    } else {
+        MUST(program.waitFor("the image",
+                             [](const View& view) { return view.enabled("updateDeviceButton"); }));
+        QVERIFY(program.fileContent("updater.sb") == large); // not compared aloud
+        MUST(program.closeWindow());
+    }
+    MUST(program.waitForExit(0, endLimit));
 }
 
 QTEST_GUILESS_MAIN(tst_offers)

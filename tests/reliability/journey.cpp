@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int stepMs = 5;
-constexpr int calmMs = 1300; ///< more than the longest pause that the program makes by itself
+constexpr int usualCalmMs = 1300; ///< more than the longest pause that the program makes by itself
 constexpr int packetsBeforeTheFault = 50;
 constexpr int partsBeforeTheFault = 50;
 constexpr int partLength = 63; // bytes
@@ -41,6 +41,14 @@ bool belongsToTheRoad(const SeenBox& box)
 {
     return box.kind == "plain" || box.text.endsWith("connected") ||
            box.text.endsWith("has the latest software");
+}
+
+/// After how long without any change a user takes it that nothing will come.
+int calmMs()
+{
+    bool given = false;
+    const int ms = qEnvironmentVariableIntValue("TALVEX_JOURNEY_CALM_MS", &given); // for slow machines
+    return given ? ms : usualCalmMs;
 }
 
 void say(const QString& line)
@@ -109,7 +117,7 @@ void Journey::step()
     if (seen != lastSeen) {
         lastSeen = seen;
         calm.restart();
-    } else if (calm.elapsed() > calmMs && !boxesOpen.isActive()) {
+    } else if (calm.elapsed() > calmMs() && !boxesOpen.isActive()) {
         conclude();
         say("closing");
         mainWindow->close();

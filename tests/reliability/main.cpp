@@ -10,6 +10,9 @@
 #include <cstring>
 #include <optional>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 int talvexMain(int argc, char** argv); // the program's own
 
 namespace {
@@ -48,10 +51,27 @@ std::optional<Scenario> find(const char* group, const char* name, const char* ph
     return std::nullopt;
 }
 
+/// Goes on as the same program in that directory. Returns only if it cannot.
+void moveInto(const char* hex, char** arguments)
+{
+    const QByteArray own(arguments[0]);
+    const QByteArray directory = own.left(own.lastIndexOf('/') + 1) + QByteArray::fromHex(hex);
+    const QByteArray moved = directory + "/talvex-journey";
+    if (mkdir(directory.constData(), S_IRWXU) == 0 && link(own.constData(), moved.constData()) == 0)
+        execv(moved.constData(), arguments);
+    std::perror(moved.constData());
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (argc == 6 && std::strcmp(argv[1], "--in") == 0) {
+        const char* const hex = argv[2];
+        argv[2] = argv[0];
+        moveInto(hex, argv + 2);
+        return 2;
+    }
     if (argc == 2 && std::strcmp(argv[1], "--list") == 0) {
         list();
         return 0;

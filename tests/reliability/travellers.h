@@ -28,6 +28,8 @@ public:
     /// From the first word of the program's end to the process's, in ms.
     [[nodiscard]] qint64 endingMs() const { return endedAt - endingSince; }
 
+    [[nodiscard]] QString path() const { return directory.path(); }
+
     /// What a file in its directory holds; null if there is none. A pattern finds the first that fits.
     [[nodiscard]] QByteArray file(const QString& pattern) const;
 
