@@ -58,8 +58,8 @@ VirtualUnit::Receipt VirtualUnit::receive(std::span<const std::uint8_t> bytes, M
         return {false, options.faults.argument(Fault::TakesNothing)};
     ++outputReports;
     if (options.faults.hasAt(Fault::UnpluggedAt, outputReports)) {
-        unplug();
-        return {false};
+        unplug(); // too late for the host to hear of it: the report has left
+        return {};
     }
     if (bytes.size() != reportSize + 1) {
         journal.addError("report-length got=" + std::to_string(bytes.size()));

@@ -18,7 +18,7 @@ namespace scenario {
 
 QString unitOptions(const Program& program, const QString& model, const QString& more, const QString& label)
 {
-    // An outcome is told once, and 30 reports later it is lost: far enough apart for a machine that is busy.
+    // An outcome is told once, and 32 reports later it is lost: far enough apart for a machine that is busy.
     return QString("%1,version=%2,image=%3,journal=%4,period-ms=40%5")
         .arg(model, QString::number(unitVersion), program.scratchPath(label + ".image"),
              program.scratchPath(label + ".journal"), more);

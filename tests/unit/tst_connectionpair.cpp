@@ -80,8 +80,8 @@ void TestConnectionPair::pair()
     QFETCH(int, second);
     QFETCH(QString, message);
     TestWindow window;
+    const auto secondFound = plugInDeck(second); // of two in one list the latest comes first
     const auto firstFound = plugInDeck(first);
-    const auto secondFound = plugInDeck(second);
     pressConnect(window);
     QCOMPARE(window.boxes.lines(), QStringList{informationBox(message)});
     QCOMPARE(enumerations(), static_cast<std::size_t>(second) + 1);

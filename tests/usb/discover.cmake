@@ -1,10 +1,10 @@
-# Writes OUTPUT: one ctest test for each row of each of TESTS and each flavour of the HID library. A test is good
-# once the guest's run for its flavour has left it as passed in GUESTS/<flavour>/results.
+# Writes OUTPUT: one ctest test for each row of each of TESTS_<flavour> (in FOLDER), for each flavour of the HID
+# library. A test is good once the guest's run for its flavour has left it as passed in GUESTS/<flavour>/results.
 set(lines "")
 foreach(flavour libusb hidraw)
-  foreach(test IN LISTS TESTS)
+  foreach(test IN LISTS TESTS_${flavour})
     execute_process(
-      COMMAND ${CMAKE_COMMAND} -E env TALVEX_TEST_FLAVOUR=${flavour} ${test} -datatags
+      COMMAND ${CMAKE_COMMAND} -E env TALVEX_TEST_FLAVOUR=${flavour} ${FOLDER}/${test} -datatags
       OUTPUT_VARIABLE rows COMMAND_ERROR_IS_FATAL ANY)
     string(REGEX MATCHALL "[^\n]+" rows "${rows}")
     foreach(row IN LISTS rows)

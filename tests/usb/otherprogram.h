@@ -12,8 +12,8 @@ public:
     /// Closes it; nothing happens when it is not held.
     Outcome letGo();
 
-    /// Writes so many reports, one a tick of a 1 ms timer, through that flavour. Returns the reports a second that
-    /// it reached; infinity: it failed.
+    /// Writes so many reports to each unit, one a tick of a 1 ms timer, through that flavour. Returns the
+    /// reports a second that each got; 0: it failed.
     [[nodiscard]] static double pacedRate(const QString& flavour, int reports);
 
 private:

@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 
 #include <csignal>
 #include <fcntl.h>
@@ -15,10 +14,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto plugLimit = 10s;
-/// An emulated computer may be busy elsewhere for a while, and the HID library keeps 30 reports only (the
-/// other flavour 63, and then the oldest): with the usual 8 ms between reports, one that is told once would
-/// get lost.
-constexpr const char* unhurried = ",period-ms=100";
 constexpr const char* vendor = ":00003A5D:"; // as in HID_ID=0003:00003A5D:00000A21
 
 bool canBeOpened(const QString& node)
@@ -49,11 +44,10 @@ PluggedUnits::~PluggedUnits()
         ::kill(static_cast<pid_t>(gadget.processId()), SIGCONT);
 }
 
-Outcome PluggedUnits::plugIn(const QStringList& units)
+Outcome PluggedUnits::plugIn(const QStringList& units, const QString& more)
 {
     gadget.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    gadget.start(TALVEX_GADGET,
-                 {QStringList(units).replaceInStrings(QRegularExpression("$"), unhurried).join(';')});
+    gadget.start(TALVEX_GADGET, {units.join(more + ';') + more});
     count = units.size();
     const bool seen = waitUntil(
         [&] { return nodes().size() == count || gadget.state() == QProcess::NotRunning; }, plugLimit);

@@ -11,8 +11,14 @@ class PluggedUnits
 public:
     ~PluggedUnits();
 
-    /// Plugs in units, each described as for talvex-gadget, and waits until the system's HID driver has them.
-    Outcome plugIn(const QStringList& units);
+    /// An emulated computer may be busy elsewhere for a while, and the HID library keeps 32 reports only (the
+    /// other flavour 63, and then the oldest): with the usual 8 ms between reports, one that is told once
+    /// would get lost.
+    static constexpr const char* unhurried = ",period-ms=100";
+
+    /// Plugs in units, each described as for talvex-gadget and then by `more`, and waits until the system's
+    /// HID driver has them.
+    Outcome plugIn(const QStringList& units, const QString& more = unhurried);
 
     /// Writes as many reports as the kernel keeps for a unit that takes nothing; the next one will wait.
     Outcome fillUp();

@@ -14,6 +14,8 @@ namespace {
 
 /// A program that spins takes the whole processor; one whose polls fail at once takes a part of it.
 constexpr int highestLoad = 75;
+/// A busy host makes an emulated processor look busier than it is, for a while.
+constexpr int mostLooks = 5;
 
 constexpr int shortImage = 6000;
 constexpr int longImage = 600'000; ///< on its way for many seconds
@@ -131,7 +133,11 @@ void tst_usbunplug::unplugged()
     MUST(begin(program, units, more, imageSize));
     MUST(reach(program));
     MUST(units.unplug());
-    const int load = processorLoad(program);
+    int load = 100;
+    for (int looks = 0; looks < mostLooks && load >= highestLoad; ++looks) {
+        load = processorLoad(program);
+        qInfo("processor time: %d %%", load);
+    }
     QVERIFY2(load < highestLoad, qPrintable(QString("%1 %").arg(load)));
     MUST(seeQuietEnd(program));
 }

@@ -58,8 +58,8 @@ void TestVirtualPreload::unitsOfTheEnvironment_data()
     row("none", "", QByteArray());
     row("one", "hb4,version=23", QByteArray("0a21 HB4 open read 64 version 23 written 65\n"));
     row("a pair of decks", "trk300-left,version=9;trk300-right,version=11",
-        QByteArray("2a41 TRK-300 L open read 64 version 9 written 65\n"
-                   "2a40 TRK-300 R open read 64 version 11 written 65\n"));
+        QByteArray("2a40 TRK-300 R open read 64 version 11 written 65\n"
+                   "2a41 TRK-300 L open read 64 version 9 written 65\n"));
     row("one with faults", "plt65,fault=cannot-open", QByteArray("2c01 PLT-65 closed\n"));
     row("one that takes nothing", "plt65,fault=takes-nothing:1",
         QByteArray("2c01 PLT-65 open read 64 version 10 written -1\n"));

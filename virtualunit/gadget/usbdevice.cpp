@@ -102,12 +102,13 @@ void UsbDevice::describe(const virtualbus::DeviceRecord& record)
     put(root / "idVendor", std::to_string(record.vendorId));
     put(root / "idProduct", std::to_string(record.productId));
     put(root / "bcdDevice", "0x0100");
+    if (!record.product)
+        return; // the kernel gives a device all of its strings or none
     const fs::path strings = root / "strings/0x409";
     makeDirectory(strings);
     put(strings / "manufacturer", record.manufacturer.value_or(""));
+    put(strings / "product", *record.product);
     put(strings / "serialnumber", record.serial.value_or(""));
-    if (record.product)
-        put(strings / "product", *record.product);
 }
 
 void UsbDevice::addHidFunction(const std::string& port)
@@ -134,8 +135,9 @@ void UsbDevice::plugIn(const std::string& port)
 std::vector<std::uint8_t> UsbDevice::readReport()
 {
     constexpr std::size_t idSize = 1;
-    std::vector<std::uint8_t> report(idSize + virtualunit::reportSize);
-    const ssize_t size = ::read(hid.get(), report.data() + idSize, virtualunit::reportSize);
+    constexpr std::size_t most = virtualunit::reportSize + 1; // so that too long a one shows
+    std::vector<std::uint8_t> report(idSize + most);
+    const ssize_t size = ::read(hid.get(), report.data() + idSize, most);
     report.resize(size > 0 ? idSize + static_cast<std::size_t>(size) : 0);
     return report;
 }

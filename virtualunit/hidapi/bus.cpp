@@ -14,7 +14,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t queueSize = 30; ///< input reports kept for a host that does not read
+/// Input reports kept for a host that does not read. hidapi's own remark says 30; this is what it comes to.
+constexpr std::size_t queueSize = 32;
 
 Milliseconds nowMs()
 {
@@ -114,12 +115,13 @@ hid_device_info* Bus::enumerate(std::uint16_t vendor, std::uint16_t product)
 {
     hid_device_info* first = nullptr;
     hid_device_info** end = &first;
-    for (const auto& slot : attached) {
-        const bool matches = (vendor == 0 || vendor == slot->record.vendorId) &&
-                             (product == 0 || product == slot->record.productId);
-        if (!matches || !slot->isPresent())
+    for (auto slot = attached.rbegin(); slot != attached.rend(); ++slot) { // as libusb lists them
+        const DeviceRecord& record = (*slot)->record;
+        const bool matches =
+            (vendor == 0 || vendor == record.vendorId) && (product == 0 || product == record.productId);
+        if (!matches || !(*slot)->isPresent())
             continue;
-        *end = makeInfo(*slot);
+        *end = makeInfo(**slot);
         end = &(*end)->next;
     }
     if (first != nullptr)

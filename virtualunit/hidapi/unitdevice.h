@@ -29,13 +29,14 @@ public:
     virtualunit::VirtualUnit unit;
 };
 
-/// What an enumeration says of a unit with these options.
+/// What an enumeration says of a unit with these options: a host that may not ask, or does not find a product
+/// string, has none of the strings.
 [[nodiscard]] inline DeviceRecord recordOf(const virtualunit::Options& options)
 {
     DeviceRecord record;
     record.productId = findUnitModel(options.type)->productId;
     record.product = virtualunit::productOf(options);
-    if (options.faults.has(virtualunit::Fault::NoPermission))
+    if (!record.product)
         record.serial = record.manufacturer = std::nullopt;
     return record;
 }

@@ -11,7 +11,7 @@
 /// variable TALVEX_VIRTUAL_UNITS names; without it the bus is empty and calls are recorded.
 namespace virtualbus {
 
-/// Plugs a virtual unit in. Returns its number, from 1; enumerations list devices in this order.
+/// Plugs a virtual unit in. Returns its number, from 1; enumerations list the one plugged in last first.
 int attach(const virtualunit::Options& options);
 
 /// Plugs any device in; the bus shares it until clear().

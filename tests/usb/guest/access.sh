@@ -35,6 +35,29 @@ plugInFor() {
     return 1
 }
 
+# unitNodes: the device files of the units that are plugged in, for the HID driver and for direct use of the bus.
+unitNodes() {
+    local unit node
+    for unit in /sys/bus/hid/devices/0003:3A5D:*; do
+        for node in "$unit"/hidraw/hidraw*; do
+            echo "/dev/${node##*/}"
+        done
+        sed -n 's,^DEVNAME=,/dev/,p' "$(realpath "$unit/../..")/uevent"
+    done
+}
+
+# awaitAccess COMMAND...: waits a while until whoever COMMAND makes of this user may use the units; the device
+# manager may take its time.
+awaitAccess() {
+    local node tried
+    for node in $(unitNodes); do
+        for ((tried = 0; tried < 50; ++tried)); do
+            "$@" test -r "$node" -a -w "$node" && break
+            sleep 0.1
+        done
+    done
+}
+
 pullOut() {
     kill "$gadgetPid"
     wait "$gadgetPid"
@@ -44,6 +67,7 @@ pullOut() {
 # testAccess RULE RUNNER: RUNNER is called with the name and the function of a test, and then a command to run it by.
 testAccess() {
     local rule=$1 runner=$2 user=1000 folder=$TMPDIR/unit
+    local asUser=(setpriv --reuid "$user" --regid "$user" --clear-groups)
     export TALVEX_TEST_UNIT=$folder
     install -d -m 777 "$folder"
     sitDown "$user"
@@ -51,12 +75,13 @@ testAccess() {
     rm -f /etc/udev/rules.d/*talvex* /usr/lib/udev/rules.d/*talvex*
     udevadm control --reload
     plugInFor "$folder"
-    "$runner" tst_usbaccess withoutAccess setpriv --reuid "$user" --regid "$user" --clear-groups
+    "$runner" tst_usbaccess withoutAccess "${asUser[@]}"
     pullOut
 
     cp "$rule" /etc/udev/rules.d/
     udevadm control --reload
     plugInFor "$folder"
-    "$runner" tst_usbaccess withAccess setpriv --reuid "$user" --regid "$user" --clear-groups
+    awaitAccess "${asUser[@]}"
+    "$runner" tst_usbaccess withAccess "${asUser[@]}"
     pullOut
 }

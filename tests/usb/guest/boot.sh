@@ -1,15 +1,17 @@
 #!/bin/bash
 # Boots Debian's kernel in an emulated machine that sees this system's files (a scratch layer takes what it writes)
 # and runs a command there as root.
-# OUT, shared with the guest as /run/guest-out, gets `output`, `exit` (its exit code) and `console`.
+# OUT, shared with the guest as /run/guest-out, gets `output`, `exit` (its exit code) and `console`. CLOCK is
+# hostclock, built.
 # Returns the command's exit code, or 125 if the guest did not come up or did not end within LIMIT seconds.
 set -euo pipefail
 
-usage="usage: boot.sh OUT LIMIT COMMAND [ARGUMENT...]"
+usage="usage: boot.sh OUT LIMIT CLOCK COMMAND [ARGUMENT...]"
 mkdir -p "${1:?$usage}"
 out=$(realpath "$1")
 limit=${2:?$usage}
-shift 2
+khz=$("${3:?$usage}")
+shift 3
 here=$(dirname "$(realpath "$0")")
 
 kernel=$(find /boot -name 'vmlinuz-*-amd64' | sort -V | tail -n 1)
@@ -57,7 +59,8 @@ printf '%q ' "$@" >> "$out/command"
 timeout --kill-after=10 "$limit" qemu-system-x86_64 \
     -accel tcg,thread=single -cpu max -smp 1 -m 2048 -nographic -no-reboot -nodefaults -serial stdio \
     -kernel "$kernel" -initrd "$work/initramfs" \
-    -append "console=ttyS0 quiet panic=-1 mitigations=off init_on_alloc=0 tsc=reliable clocksource=tsc hpet=disable" \
+    -append "console=ttyS0 quiet panic=-1 mitigations=off init_on_alloc=0 hpet=disable \
+tsc=reliable clocksource=tsc tsc_early_khz=$khz" \
     -virtfs local,path=/,mount_tag=host,security_model=none,readonly=on,multidevs=remap \
     -virtfs "local,path=$out,mount_tag=out,security_model=none" \
     < /dev/null > "$out/console" 2>&1 || echo "boot.sh: the guest ended with $?" >&2
