@@ -16,6 +16,7 @@ namespace {
 
 constexpr int stepMs = 5;
 constexpr int usualCalmMs = 1300; ///< more than the longest pause that the program makes by itself
+constexpr int roadMs = 20000;     ///< nobody gives up on the way to the phase before that
 constexpr int packetsBeforeTheFault = 50;
 constexpr int partsBeforeTheFault = 50;
 constexpr int partLength = 63; // bytes
@@ -117,7 +118,7 @@ void Journey::step()
     if (seen != lastSeen) {
         lastSeen = seen;
         calm.restart();
-    } else if (calm.elapsed() > calmMs() && !boxesOpen.isActive()) {
+    } else if (calm.elapsed() > (reached ? calmMs() : roadMs) && !boxesOpen.isActive()) {
         conclude();
         say("closing");
         mainWindow->close();
