@@ -129,6 +129,8 @@ check "sanitized tests, build" buildSanitized
 check "sanitized tests" runSanitized
 check "sanitized program" runSanitizedProgram
 check "sanitized threads" runThreadSanitized
+check "fuzzing, a minute" scripts/fuzz.sh 1
+check "real USB bus" scripts/usb-test.sh
 
 if [ ${#failures[@]} -gt 0 ]; then
     printf 'FAILED: %s\n' "${failures[@]}"
