@@ -1,5 +1,7 @@
 #include "app/leftovers.h"
 
+#include "net/updatechecker.h"
+
 #include <QThread>
 
 #include <chrono>
@@ -18,13 +20,19 @@ constexpr unsigned long workerEndMs = 300;
 
 void limitTheEnd(const MainWindow::Leftovers& leftovers, int exitCode)
 {
-    leftovers.worker->requestInterruption();
-    leftovers.worker->quit();
     std::thread([leftovers, exitCode] {
         std::this_thread::sleep_for(longestEnd);
         giveBack(leftovers);
         std::_Exit(exitCode);
     }).detach();
+}
+
+void endThreads(const MainWindow::Leftovers& leftovers)
+{
+    leftovers.worker->requestInterruption();
+    leftovers.worker->quit();
+    leftovers.worker->wait(workerEndMs);
+    leftovers.checker->endNetwork();
 }
 
 void giveBack(const MainWindow::Leftovers& leftovers)

@@ -19,6 +19,7 @@ int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
     const int result = QApplication::exec();
     left = window.leftovers();
     leftovers::limitTheEnd(left, result);
+    leftovers::endThreads(left);
     return result;
 }
 

@@ -56,6 +56,11 @@ bool UpdateChecker::isBusy() const
     return reply != nullptr && reply->isRunning();
 }
 
+void UpdateChecker::endNetwork()
+{
+    networkManager.clearConnectionCache(); // what ends the thread, and tells nobody
+}
+
 void UpdateChecker::checkUpdate()
 {
     // Meant so: a file placed by hand, for service, goes before any catalogue.

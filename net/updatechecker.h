@@ -37,6 +37,10 @@ public:
     /// True while an answer is awaited.
     [[nodiscard]] bool isBusy() const;
 
+    /// For the program's end: stops the thread of Qt's HTTP client, and with it every request; nothing more
+    /// is signalled. Returns at once, after 5 s at most. GUI thread, once the event loop has ended.
+    void endNetwork();
+
 signals:
     void findMainNewVersion(QString newVersion, QString changeLog);
     void findNewVersion(QString newVersion, QString changeLog);

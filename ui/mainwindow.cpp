@@ -53,7 +53,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 MainWindow::Leftovers MainWindow::leftovers() const
 {
-    return {logDownloader->thread(), {device, secondDevice}};
+    return {logDownloader->thread(), updateChecker, {device, secondDevice}};
 }
 
 void MainWindow::startLogWorker()

@@ -34,7 +34,8 @@ public:
     /// What the window leaves to the program's end: it stops no thread and closes no handle.
     struct Leftovers
     {
-        QThread* worker = nullptr;            ///< runs the log downloader; never deleted
+        QThread* worker = nullptr;        ///< runs the log downloader; never deleted
+        UpdateChecker* checker = nullptr; ///< has a thread of its own while it awaits answers; never deleted
         std::array<hid_device*, 2> handles{}; ///< the open units; nullptr where none is
     };
     [[nodiscard]] Leftovers leftovers() const;

@@ -1,4 +1,5 @@
 #include "net/scene.h"
+#include "support/evidence.h"
 
 #include <QTimer>
 #include <QtTest>
@@ -126,6 +127,9 @@ void TestAnswers::nobodyListens()
     qputenv("http_proxy", proxy);
     QVERIFY(refused);
     QCOMPARE(scene.journal->events, scene.networkError(request));
+    const QMap<Request, QString> phases{{Request::changeLog, "change log"}, {Request::image, "download"}};
+    if (phases.contains(request))
+        evidence::cell("server", "cannot be reached", phases[request], "the network problem is reported");
 }
 
 void TestAnswers::good_data()

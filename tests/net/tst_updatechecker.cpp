@@ -30,6 +30,19 @@ QStringList declarations(QMetaMethod::MethodType kind)
     return all;
 }
 
+/// The process's threads in which Qt's HTTP client runs (Linux).
+int httpThreads()
+{
+    int count = 0;
+    const QStringList threads = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& thread : threads) {
+        QFile name("/proc/self/task/" + thread + "/comm");
+        if (name.open(QIODevice::ReadOnly) && name.readAll().startsWith("QNetworkAccessM"))
+            ++count;
+    }
+    return count;
+}
+
 /// A reply that was never sent; knows whether it was told to ignore TLS errors.
 class ForeignReply : public QNetworkReply
 {
@@ -64,6 +77,7 @@ private slots:
     void tlsErrorsAreIgnoredOnTheOwnReply();
     void noCredentials();
     void goesAwayInMidRequest();
+    void endsItsThreadInMidRequest();
 
 private:
     Scene scene;
@@ -251,6 +265,20 @@ void TestUpdateChecker::goesAwayInMidRequest()
     scene.checker.reset();
     QVERIFY(reply.isNull());
     QCOMPARE(scene.journal->all, QStringList());
+}
+
+void TestUpdateChecker::endsItsThreadInMidRequest()
+{
+    scene.server.setAnswer(imagePath,
+                           {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}, RawServer::End::keepOpen});
+    scene.ask(Request::image);
+    QTRY_COMPARE(scene.checker->firmwareData, QByteArray("half"));
+    QCOMPARE(httpThreads(), 1);
+    scene.journal->events.clear();
+    scene.checker->endNetwork();
+    QCOMPARE(httpThreads(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(scene.journal->events, QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestUpdateChecker)

@@ -97,13 +97,12 @@ void runWindow(const Plan& plan, const RawServer& server, Ending& ending)
         user.begin();
         ending.exitCode = QApplication::exec();
         left = window.leftovers();
+        leftovers::endThreads(left);
         ending.endedByUser = user.hasEndedIt();
         ending.wrong = user.violations();
         ending.last = user.observed();
         ending.boxes = boxes.lines();
     }
-    left.worker->requestInterruption();
-    left.worker->quit();
     if (!ending.last.logPressed)
         left.worker->wait(workerEndMs); // it is not blocked: only a slow machine could keep it
     leftovers::giveBack(left);

@@ -86,6 +86,11 @@ void computer::kill()
     raise(SIGKILL);
 }
 
+void computer::endSession()
+{
+    raise(SIGTERM);
+}
+
 void computer::fillDisk(unsigned long bytes)
 {
     std::signal(SIGXFSZ, SIG_IGN);

@@ -12,6 +12,9 @@ void suspend(int ms);
 /// The process is gone at once.
 void kill();
 
+/// The process is asked to end, as at a logout, and has not arranged for it: it is gone at once, too.
+void endSession();
+
 /// No file grows beyond this size from now on: the disk is full.
 void fillDisk(unsigned long bytes);
 

@@ -28,6 +28,7 @@ std::vector<FaultRow> computerFaults()
         row("sleeps and wakes up", atOnce, [] { computer::suspend(napMs); }),
         row("sets its clock back by a day", atOnce, [] { computer::setClock(-day); }),
         row("sets its clock forward by a day", atOnce, [] { computer::setClock(day); }),
+        row("ends the session (SIGTERM)", atOnce, [] { computer::endSession(); }),
         row("kills the program", atOnce, [] { computer::kill(); }),
     };
 }

@@ -40,18 +40,19 @@ void takeName(const char* name)
     QDir().mkpath(beside(name) + "/taken");
 }
 
-void emptyImage()
+void resizeImage(qint64 bytes)
 {
-    QFile image(beside("updater.sb"));
-    if (!image.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        qFatal("cannot empty the image");
+    if (!QFile::resize(beside("updater.sb"), bytes))
+        qFatal("cannot resize the image");
 }
 
 } // namespace
 
 std::vector<FaultRow> diskFaults()
 {
-    constexpr auto written = "no file is written or read then";
+    constexpr auto written = "no file is written then";
+    constexpr auto stored = "only a download that is stored uses this name";
+    constexpr auto readOnce = "the image is read once, when Update Device is pressed";
     return {
         {"disk",
          "is full",
@@ -64,23 +65,23 @@ std::vector<FaultRow> diskFaults()
          {at(Phase::store, [] { computer::makeDirectoryReadOnly(); }), withoutLogFile()}},
         {"disk",
          "has a directory named like the download",
-         written,
+         stored,
          {at(Phase::store, [] { takeName("updater.sb.upd"); })}},
         {"disk",
          "has a directory named like the backup",
-         written,
+         stored,
          {at(Phase::store, [] { takeName("updater.sb.bkp"); })}},
         {"disk",
          "has a directory named like the image",
-         written,
-         {at(Phase::store, [] { takeName("updater.sb"); })}},
-        {"disk",
-         "has lost the image",
-         "the image is read once, when Update Device is pressed",
-         {withoutImageAtThePress([] { QFile::remove(beside("updater.sb")); })}},
-        {"disk",
-         "has an empty image",
-         "the image is read once, when Update Device is pressed",
-         {withoutImageAtThePress(emptyImage)}},
+         "only the store and the press of Update Device use this name",
+         {at(Phase::store, [] { takeName("updater.sb"); }),
+          withoutImageAtThePress([] { takeName("updater.sb"); })}},
+        {"disk", "has lost the image", readOnce, {withoutImageAtThePress([] {
+             QFile::remove(beside("updater.sb"));
+         })}},
+        {"disk", "has an empty image", readOnce, {withoutImageAtThePress([] { resizeImage(0); })}},
+        {"disk", "has an image of more than 64 MiB", readOnce, {withoutImageAtThePress([] {
+             resizeImage(64 * 1024 * 1024 + 1);
+         })}},
     };
 }

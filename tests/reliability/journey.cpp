@@ -111,7 +111,10 @@ void Journey::step()
     if (!reached && isAtPhase()) {
         reached = true;
         if (scenario.fault)
-            later([this] { scenario.fault(*this); });
+            later([this] {
+                scenario.fault(*this);
+                faultDone = true;
+            });
     }
     goOn();
     const QStringList seen = visible();
@@ -171,7 +174,8 @@ QStringList Journey::visible() const
 
 void Journey::goOn()
 {
-    server.goOn();
+    if (!reached || !scenario.fault || faultDone) // the answer that makes the phase comes behind the fault
+        server.goOn();
     if (boxes.openCount() > 0 || boxesOpen.isActive())
         return;
     const auto press = [this](const char* name, bool& pressed,

@@ -85,6 +85,7 @@ private:
     QStringList lastSeen;
     QElapsedTimer calm;
     bool reached = false;
+    bool faultDone = false;
     bool connectPressed = false;
     bool updatePressed = false;
     bool logPressed = false;

@@ -7,7 +7,7 @@ using virtualunit::Fault;
 namespace {
 
 constexpr auto elsewhere =
-    "a pair gets no other treatment than a single unit; logs are fetched from single units";
+    "as with a single unit, or the deck has no part in it; logs are fetched from single units only";
 
 Scenario pairTo(Phase phase)
 {
@@ -38,6 +38,22 @@ Scenario withFault(Phase phase, int deck, Fault fault, int argument = 0)
 {
     Scenario scenario = pairTo(phase);
     scenario.units[static_cast<std::size_t>(deck - 1)].faults.add(fault, argument);
+    return scenario;
+}
+
+Scenario writesFailInTheStream(int deck)
+{
+    constexpr int allWrites = 1000000000;
+    Scenario scenario = pairTo(Phase::stream);
+    scenario.fault = [deck](Journey&) { virtualbus::failNextWrites(deck, allWrites); };
+    return scenario;
+}
+
+/// Said again and again: otherwise it depends on the moment whether both decks are heard in one tick.
+Scenario refusing(int deck)
+{
+    Scenario scenario = withFault(Phase::request, deck, Fault::RefusesTimeout);
+    scenario.units[static_cast<std::size_t>(deck - 1)].repeatsOutcome = true;
     return scenario;
 }
 
@@ -79,8 +95,9 @@ std::vector<FaultRow> pairFaults()
         rows.push_back(row(name.silent, {withFault(Phase::identification, deck, Fault::NoVersionReport),
                                          withFault(Phase::request, deck, Fault::NeverAnswers),
                                          withFault(Phase::installation, deck, Fault::SilentInstallation)}));
-        rows.push_back(row(name.refuses, {withFault(Phase::request, deck, Fault::RefusesTimeout)}));
-        rows.push_back(row(name.takesNothing, {withFault(Phase::request, deck, Fault::TakesNothing, 100)}));
+        rows.push_back(row(name.refuses, {refusing(deck)}));
+        rows.push_back(row(name.takesNothing, {withFault(Phase::request, deck, Fault::TakesNothing, 100),
+                                               writesFailInTheStream(deck)}));
         rows.push_back(row(name.fails, {withFault(Phase::installation, deck, Fault::InstallationFails)}));
     }
     return rows;

@@ -69,7 +69,7 @@ FaultRow unreachable()
 {
     Scenario scenario = roadTo(Phase::catalogue);
     scenario.beforeConnect = [](Journey& journey) { journey.server.stopListening(); };
-    return {"server", "cannot be reached", "no connection is made then; a lost one is below", {scenario}};
+    return {"server", "cannot be reached", "no request to a server is under way then", {scenario}};
 }
 
 } // namespace
@@ -89,7 +89,7 @@ std::vector<FaultRow> serverFaults()
         row("cuts the answer short", [](const Asked& asked) { return Answer{{promising(asked, 9)}}; }),
         row("sends more than it announced",
             [](const Asked& asked) { return Answer{{promising(asked, -3)}}; }),
-        row("sends byte by byte",
+        row("sends its first 200 bytes one by one",
             [](const Asked& asked) {
                 const QByteArray whole = httpAnswer("200 OK", asked.body);
                 return Answer{drops(whole.left(200)) + QByteArrayList{whole.mid(200)}, End::keepOpen};

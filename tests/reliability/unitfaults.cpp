@@ -165,7 +165,8 @@ std::vector<FaultRow> unitFaults()
          "floods the program with input reports",
          "nothing is read from the unit then",
          {flooding(Phase::identification), flooding(Phase::request), flooding(Phase::stream),
-          flooding(Phase::installation), flooding(Phase::logHeader), flooding(Phase::logParts)}},
+          flooding(Phase::installation), flooding(Phase::logHeader), flooding(Phase::logParts),
+          flooding(Phase::quit)}},
     };
     for (const FaultRow& row : logFaults())
         rows.push_back(row);

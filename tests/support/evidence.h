@@ -33,9 +33,7 @@ inline void row(const QString& group, const QString& fault, const QString& elsew
 inline void cell(const QString& group, const QString& fault, const QString& phase, const QString& outcome)
 {
     if (!QTest::currentTestFailed())
-        write(
-            {"cell", group, fault, phase, outcome,
-             QCoreApplication::applicationFilePath().section('/', -1) + "::" + QTest::currentTestFunction()});
+        write({"cell", group, fault, phase, outcome, testName() + "::" + QTest::currentTestFunction()});
 }
 
 } // namespace evidence

@@ -305,7 +305,8 @@ void TestImageStore::killedAtAnyCall()
     }
     QVERIFY2(killed >= 4 && killed < mostCalls, qPrintable(QString::number(killed)));
     evidence::cell("computer", "kills the program", "store",
-                   "the old image or the new one is whole on disk, before each single file call");
+                   "before each single call that writes, syncs, removes or renames: the old image or the new "
+                   "one is whole on disk; the new one perhaps still under its name \".upd\"");
 }
 
 QTEST_APPLESS_MAIN(TestImageStore)

@@ -1,3 +1,4 @@
+#include "support/evidence.h"
 #include "support/mocklogind.h"
 #include "support/scriptedunit.h"
 #include "support/testwindow.h"
@@ -19,6 +20,13 @@ class TestSleepInhibitor : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        evidence::row("computer", "is about to fall asleep by itself",
+                      "only a unit being written keeps it awake");
+        evidence::row("computer", "has no system bus to be kept awake by", "nobody asks it then");
+    }
+
     void cleanup()
     {
         sleepinhibitor::release();
@@ -67,7 +75,7 @@ private slots:
         const MockLogind logind;
         QVERIFY(logind.isReady());
         TestWindow window;
-        placeServiceFile();
+        placeServiceFile(QByteArray(12000, 'i')); // so that the stream takes its time
         const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
         unit->sayStatus(0);
         window.button("connect_button").click();
@@ -83,6 +91,8 @@ private slots:
             QTRY_COMPARE(logind.inhibitors(), held); // while the answer to the request is awaited
             if (status != 0xA0 && status != 0xB0) {
                 unit->sayStatus(0x90);
+                QTRY_VERIFY(window->packetNumber > 1);
+                QCOMPARE(logind.inhibitors(), held); // in the stream
                 QTRY_COMPARE(window->applyingPhase, 1);
                 unit->sayStatus(0xE0);
                 QTRY_COMPARE(window->fakeProgressActive, 1);
@@ -91,6 +101,11 @@ private slots:
             unit->sayStatus(static_cast<std::uint8_t>(status));
         }
         QTRY_COMPARE(underTheBox, QStringList()); // the box that tells of the end finds the lock released
+        const QStringList phases{"request", "stream", "installation"};
+        if (status == 0xF0)
+            for (const QString& phase : phases)
+                evidence::cell("computer", "is about to fall asleep by itself", phase,
+                               "it is kept awake until the box that tells of the end");
     }
 
     void noImageNoLock()
@@ -109,6 +124,9 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^The computer may go to sleep: .+"));
         sleepinhibitor::hold();
         QThreadPool::globalInstance()->waitForDone();
+        evidence::cell(
+            "computer", "has no system bus to be kept awake by", "request",
+            "a line on standard error says so; all journeys of this document are made without one");
     }
 
     void aSilentBusHoldsNothingUp()
