@@ -276,7 +276,7 @@ void TestUpdateChecker::endsItsThreadInMidRequest()
     QCOMPARE(httpThreads(), 1);
     scene.journal->events.clear();
     scene.checker->endNetwork();
-    QCOMPARE(httpThreads(), 0);
+    QTRY_COMPARE(httpThreads(), 0); // the system may see it a moment longer
     QCoreApplication::processEvents();
     QCOMPARE(scene.journal->events, QStringList());
 }

@@ -2,6 +2,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -79,9 +80,10 @@ bool Plan::isFaultless() const
 
 QString Plan::dueOutcome() const
 {
-    const bool outcomeStays =
-        units.empty() || units.front().periodMs == 0 ||
-        units.front().repeatsOutcome; // else a machine that is slow may let it pass unread
+    // Else a slow machine may let it pass unread, or hear one deck only in a tick.
+    const bool outcomeStays = std::all_of(units.begin(), units.end(), [this](const auto& unit) {
+        return unit.repeatsOutcome || (unit.periodMs == 0 && !isPair());
+    });
     if (user != "steady" || !isFaultless() || image.isEmpty() || !outcomeStays)
         return {};
     if (units.size() == 1 && findUnitModel(units.front().type)->pairMessage != nullptr)
