@@ -91,6 +91,19 @@ Outcome connectAndDownload(Program& program, const QString& message)
     return acceptOffer(program);
 }
 
+Outcome awaitStream(Program& program)
+{
+    return program.waitFor("the transfer under way", [](const View& view) {
+        return view.text("labelTransfer") == "Transfer: in progress" && view.value("progressBarTransfer") > 0;
+    });
+}
+
+Outcome awaitInstallation(Program& program)
+{
+    return program.waitFor("the installation",
+                           [](const View& view) { return view.value("progressBarUpdate") > 0; });
+}
+
 Outcome seeFinished(Program& program, std::chrono::milliseconds limit)
 {
     STEP(program.waitForBox(finishedBox(), limit));

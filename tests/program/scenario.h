@@ -38,6 +38,11 @@ Outcome acceptOffer(Program& program, const QString& version = "2.3");
 Outcome declineOffer(Program& program);
 /// Connect, the offer, Yes, the download.
 Outcome connectAndDownload(Program& program, const QString& message);
+/// The transfer under way, the installation under way: behind the press of Update Device.
+/// @{
+Outcome awaitStream(Program& program);
+Outcome awaitInstallation(Program& program);
+/// @}
 /// The finished installation as it is shown, its box, Ok, and the program's end.
 Outcome seeFinished(Program& program, std::chrono::milliseconds limit = Program::usualLimit);
 

@@ -34,16 +34,13 @@ Outcome pressUpdate(Program& program)
 Outcome streamImage(Program& program)
 {
     STEP(pressUpdate(program));
-    return program.waitFor("the transfer under way", [](const View& view) {
-        return view.text("labelTransfer") == "Transfer: in progress" && view.value("progressBarTransfer") > 0;
-    });
+    return scenario::awaitStream(program);
 }
 
 Outcome install(Program& program)
 {
     STEP(pressUpdate(program));
-    return program.waitFor("the installation",
-                           [](const View& view) { return view.value("progressBarUpdate") > 0; });
+    return scenario::awaitInstallation(program);
 }
 
 } // namespace

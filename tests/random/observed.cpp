@@ -3,7 +3,7 @@
 // state of the run                                  Connect  Update  Download log  Stop
 // no unit open                                      must     no      no            no
 // unit open, no image yet                           no       no      by key        no
-// unit open, image there                            no       must    by key        no
+// unit open, image there                            no       may     by key        no
 // Update pressed, until the end                     no       no      no            no
 // Download log pressed, until the log's end         no       no      no            may
 // Stop pressed, or the closing box of the log up    no       may     no            no

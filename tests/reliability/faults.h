@@ -11,6 +11,9 @@ struct FaultRow
     std::vector<Scenario> cells;
 };
 
+/// More writes than any journey makes: all fail from then on (virtualbus::failNextWrites).
+inline constexpr int allWrites = 1000000000;
+
 /// Every fault that is tried, in the order of the document.
 [[nodiscard]] std::vector<FaultRow> allFaults();
 

@@ -79,15 +79,18 @@ bool asked(const RawServer& server, const char* path)
 
 } // namespace
 
+QByteArray catalogueOf(const QByteArray& stem, const QByteArray& version)
+{
+    return "MainVer=11\nMainChangeLog=http://vendor.example/main.txt\nMacMainBin=http://vendor.example/"
+           "main.zip\n" +
+           stem + "Ver=" + version + '\n' + stem + "Bin=http://vendor.example" + imagePath + '\n' + stem +
+           "ChangeLog=http://vendor.example" + changeLogPath + '\n';
+}
+
 Journey::Journey(Scenario plan) : scenario(std::move(plan)), mainWindow(findWindow())
 {
     qputenv("http_proxy", server.address({}).toUtf8());
-    const QByteArray version = scenario.fetchesLog ? "23" : "27";
-    server.setAnswer(cataloguePath, heldBack("MainVer=11\nMainChangeLog=http://vendor.example/main.txt\n"
-                                             "MacMainBin=http://vendor.example/main.zip\nHB4Ver=" +
-                                             version +
-                                             "\nHB4Bin=http://vendor.example/HB4.sb\n"
-                                             "HB4ChangeLog=http://vendor.example/HB4.txt\n"));
+    server.setAnswer(cataloguePath, heldBack(catalogueOf("HB4", scenario.fetchesLog ? "23" : "27")));
     server.setAnswer(changeLogPath, heldBack("All is better now."));
     server.setAnswer(imagePath, heldBack(newImage()));
     for (auto answer = scenario.answers.begin(); answer != scenario.answers.end(); ++answer)

@@ -92,6 +92,9 @@ private:
     bool concluded = false;
 };
 
+/// A catalogue with this version for the units of one key stem.
+[[nodiscard]] QByteArray catalogueOf(const QByteArray& stem, const QByteArray& version);
+
 inline constexpr auto cataloguePath = "/wp-content/uploads/versions.txt";
 inline constexpr auto changeLogPath = "/HB4.txt";
 inline constexpr auto imagePath = "/HB4.sb";

@@ -13,10 +13,7 @@ Scenario pairTo(Phase phase)
 {
     Scenario scenario = roadTo(phase);
     scenario.units = {goodUnit(UNIT_TRK300_LEFT), goodUnit(UNIT_TRK300_RIGHT)};
-    scenario.answers[cataloguePath] = ok("MainVer=11\nMainChangeLog=http://vendor.example/main.txt\n"
-                                         "MacMainBin=http://vendor.example/main.zip\nPLT70Ver=27\n"
-                                         "PLT70Bin=http://vendor.example/HB4.sb\n"
-                                         "PLT70ChangeLog=http://vendor.example/HB4.txt\n");
+    scenario.answers[cataloguePath] = ok(catalogueOf("PLT70", "27"));
     return scenario;
 }
 
@@ -43,7 +40,6 @@ Scenario withFault(Phase phase, int deck, Fault fault, int argument = 0)
 
 Scenario writesFailInTheStream(int deck)
 {
-    constexpr int allWrites = 1000000000;
     Scenario scenario = pairTo(Phase::stream);
     scenario.fault = [deck](Journey&) { virtualbus::failNextWrites(deck, allWrites); };
     return scenario;

@@ -21,10 +21,7 @@ struct Asked
 std::vector<Asked> allRequests()
 {
     return {
-        {Phase::catalogue, cataloguePath,
-         "MainVer=11\nMainChangeLog=http://vendor.example/main.txt\nMacMainBin=http://vendor.example/"
-         "main.zip\n"
-         "HB4Ver=27\nHB4Bin=http://vendor.example/HB4.sb\nHB4ChangeLog=http://vendor.example/HB4.txt\n"},
+        {Phase::catalogue, cataloguePath, catalogueOf("HB4", "27")},
         {Phase::changeLog, changeLogPath, "All is better now."},
         {Phase::download, imagePath, newImage()},
     };

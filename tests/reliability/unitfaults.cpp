@@ -9,7 +9,6 @@ namespace {
 constexpr int headerWaitReplies = 300; ///< 1 ms each
 constexpr int packetInTheStream = 60;
 constexpr int partInTheLog = 60;
-constexpr int allWrites = 1000000000;
 
 std::vector<std::uint8_t> logOfTheUnit()
 {
@@ -86,10 +85,8 @@ std::vector<FaultRow> logFaults()
         log("sends three parts more than announced", Phase::logParts, Fault::TooManyParts, 3),
         log("announces 0 parts and sends a log", Phase::logParts, Fault::ZeroParts),
         log("says that its last part holds 255 bytes", Phase::logParts, Fault::OverlongLastPart, 255),
-        {"unit",
-         "answers with unknown replies before the first part",
-         elsewhere,
-         {withFault(Phase::logParts, Fault::UnknownReplies, 1000)}},
+        log("answers with unknown replies before the first part", Phase::logParts, Fault::UnknownReplies,
+            1000),
     };
 }
 

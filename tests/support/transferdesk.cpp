@@ -86,14 +86,6 @@ QString TransferDesk::phase() const
         .arg(window->packetNumber);
 }
 
-QByteArray imageOf(int size)
-{
-    QByteArray image(size, '\0');
-    for (int i = 0; i < size; ++i)
-        image[i] = static_cast<char>(i % 251 + 1);
-    return image;
-}
-
 std::vector<Bytes> packetsOf(ReportLayout layout, const QByteArray& image)
 {
     std::vector<Bytes> packets;

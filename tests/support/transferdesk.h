@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/scriptedunit.h"
+#include "support/testimage.h"
 #include "support/testwindow.h"
 
 /// A window with its unit, or pair of decks, open as after a press of Connect, driven tick by tick.
@@ -36,9 +37,6 @@ public:
 private:
     std::size_t callsBefore = 0;
 };
-
-/// Bytes that are never zero and differ from packet to packet.
-[[nodiscard]] QByteArray imageOf(int size);
 
 /// The packets that carry an image: full ones, then the final one. 65 bytes each.
 [[nodiscard]] std::vector<Bytes> packetsOf(ReportLayout layout, const QByteArray& image);

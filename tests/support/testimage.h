@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QByteArray>
+
+/// Bytes that are never zero and differ from packet to packet.
+[[nodiscard]] inline QByteArray imageOf(int size)
+{
+    QByteArray image(size, '\0');
+    for (int i = 0; i < size; ++i)
+        image[i] = static_cast<char>(i % 251 + 1);
+    return image;
+}
