@@ -14,6 +14,7 @@ jobs=$(nproc)
 lowestRatio=0.95
 
 build() {
+    cmake -S . -B build && cmake --build build -j "$jobs"
     cmake -G Ninja -S . -B "$hidraw" -DTALVEX_HIDAPI=hidraw
     cmake --build "$hidraw" -j "$jobs" --target talvex-updater
     cmake -G Ninja -S . -B "$tests" -DTALVEX_TESTS=ON -DTALVEX_USB_TESTS=ON -DTALVEX_WERROR=ON \

@@ -87,6 +87,8 @@ private slots:
     void vanishesByItself_data();
     void vanishesByItself();
     void hangsInMidTransfer();
+    void closedInMidWork_data();
+    void closedInMidWork();
 
 private:
     Outcome begin(Program& program, PluggedUnits& units, const QString& more, int imageSize = shortImage);
@@ -181,6 +183,30 @@ void tst_usbunplug::hangsInMidTransfer()
     }
     MUST(program.closeWindow());
     MUST(program.waitForExit(0, 30s));
+}
+
+void tst_usbunplug::closedInMidWork_data()
+{
+    QTest::addColumn<QString>("more"); // options of the unit
+    QTest::addColumn<State>("reach");
+    QTest::addColumn<int>("imageSize");
+    QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
+    QTest::newRow("during the installation") << ",install-ms=60000" << State(install) << shortImage;
+}
+
+/// The unit stays plugged in, and the system has it again.
+void tst_usbunplug::closedInMidWork()
+{
+    QFETCH(QString, more);
+    QFETCH(State, reach);
+    QFETCH(int, imageSize);
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, more, imageSize));
+    MUST(reach(program));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0));
+    MUST(units.seeGivenBack());
 }
 
 QTEST_GUILESS_MAIN(tst_usbunplug)
