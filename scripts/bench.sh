@@ -96,9 +96,8 @@ sizes() {
 }
 
 installMissing "${buildPackages[@]}" "${benchPackages[@]}"
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTALVEX_BENCH=ON \
-    -DCMAKE_CXX_COMPILER_LAUNCHER=ccache > "$work/configure" || { cat "$work/configure"; exit 1; }
-cmake --build "$build" -j2
+CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset bench > "$work/configure" || { cat "$work/configure"; exit 1; }
+cmake --build --preset bench -j "$(nproc)"
 mkdir "$work/run"
 cp "$build/bin/talvex-updater" "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
 openScreen

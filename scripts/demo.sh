@@ -63,9 +63,9 @@ runAndWait() {
 }
 
 buildAll() {
-    cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
-        -DTALVEX_TESTS=ON > "$work/configure.log" || { cat "$work/configure.log"; return 1; }
-    cmake --build "$build" --target talvex-updater virtualhid talvex-demo-driver
+    CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset demo > "$work/configure.log" ||
+        { cat "$work/configure.log"; return 1; }
+    cmake --build --preset demo
 }
 
 # Becomes the program.

@@ -7,19 +7,16 @@ cd "$(dirname "$(realpath "$0")")/.."
 source scripts/lib/packages.sh
 
 guestPackages=(busybox-static cpio kmod libhidapi-dev linux-image-amd64 qemu-system-x86 systemd udev x11-utils)
-tests=build-usb
-hidraw=build-hidraw
+tests=build-test
 guests=$tests/tests/usb/guests
+junit=$PWD/artifacts/test/junit
 jobs=$(nproc)
 lowestRatio=0.95
 
 build() {
     cmake -S . -B build && cmake --build build -j "$jobs"
-    cmake -G Ninja -S . -B "$hidraw" -DTALVEX_HIDAPI=hidraw
-    cmake --build "$hidraw" -j "$jobs" --target talvex-updater
-    cmake -G Ninja -S . -B "$tests" -DTALVEX_TESTS=ON -DTALVEX_USB_TESTS=ON -DTALVEX_WERROR=ON \
-        -DTALVEX_HIDRAW_PROGRAM="$PWD/$hidraw/bin/talvex-updater"
-    cmake --build "$tests" -j "$jobs" --target usb-tests
+    cmake --preset hidraw && cmake --build --preset hidraw -j "$jobs"
+    cmake --preset test && cmake --build "$tests" -j "$jobs" --target usb-tests
 }
 
 # Reports a second that the program reached, next to a loop that does nothing but write, paced by the same timer.
@@ -42,7 +39,7 @@ build
 SECONDS=0
 result=0
 rm -rf "$guests" # what an earlier run has left must not speak for this one
-ctest --test-dir "$tests" -L usb --no-tests=error --output-on-failure -j 2 || result=$?
+ctest --test-dir "$tests" -L usb --no-tests=error --output-on-failure --output-junit "$junit/usb.xml" -j 2 || result=$?
 printRates || result=1
 echo "USB tests: $SECONDS s"
 exit "$result"

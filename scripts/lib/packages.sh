@@ -21,7 +21,7 @@ keepServerQuiet() {
 }
 
 # installMissing PACKAGE...: installs those that are not there yet, as root or by sudo. Returns 1, having said what
-# to do, where that is not possible.
+# to do, where that is not possible, or not wanted (TALVEX_NO_INSTALL is set).
 installMissing() {
     local missing=() asRoot=() package
     if ! command -v apt-get > /dev/null; then
@@ -33,6 +33,10 @@ installMissing() {
     done
     if [ ${#missing[@]} -eq 0 ]; then
         return 0
+    fi
+    if [ -n "${TALVEX_NO_INSTALL:-}" ]; then
+        echo "Packages are missing. As root: apt-get install ${missing[*]}" >&2
+        return 1
     fi
     echo "Installing: ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then

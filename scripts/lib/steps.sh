@@ -1,0 +1,117 @@
+# shellcheck shell=bash
+# The steps of scripts/test.sh, one function each: step_<name>, with - for _. Sourced, not run, from the project's
+# folder. Every build folder is a preset's (CMakePresets.json).
+# shellcheck disable=SC2034  # the lists are for the script that sources this
+# shellcheck source=scripts/lib/packages.sh
+source scripts/lib/packages.sh
+
+usualSteps=(shipped format scripts tests code in-process program threads fuzz usb)
+longSteps=(sanitized-program)
+quickSteps=(shipped format quick-in-process quick-program)
+
+jobs=$(nproc)
+junit=$PWD/artifacts/test/junit
+export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+export UBSAN_OPTIONS=print_stacktrace=1
+# Busy tests count for three of these, the others for one (tests/CMakeLists.txt).
+testJobs=$((3 * jobs))
+
+# build PRESET: configures and builds what the preset is for; once in a run is enough.
+declare -A built=()
+build() {
+    if [ -n "${built[$1]:-}" ]; then
+        return 0
+    fi
+    cmake --preset "$1" > /dev/null && cmake --build --preset "$1" -j "$jobs" && built[$1]=yes
+}
+
+# runTests STEP FOLDER ARGUMENT...: the tests of a build folder that ctest chooses by the arguments.
+runTests() {
+    ctest --test-dir "$2" --no-tests=error --output-on-failure --output-junit "$junit/$1.xml" -j "$testJobs" "${@:3}"
+}
+
+# sources PATTERN...: what git knows or would add.
+sources() {
+    git ls-files --cached --others --exclude-standard -- "$@"
+}
+
+step_packages() {
+    installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
+}
+
+step_shipped() {
+    cmake -S . -B build && cmake --build build -j "$jobs" && built[shipped]=yes
+}
+
+step_format() {
+    sources '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
+}
+
+step_scripts() {
+    sources '*.sh' .ci/run | xargs shellcheck -x
+}
+
+step_tests() {
+    build asan && build hidraw && build test
+}
+
+step_code() {
+    local report=$junit/../tidy.log
+    build asan || return
+    if ! sources {app,base,log,net,ui,unit,update}/'*.cpp' |
+        xargs run-clang-tidy -quiet -p build-asan -j "$jobs" > "$report" 2>&1; then
+        grep -E 'warning:|error:' -A 4 "$report" || cat "$report"
+        return 1
+    fi
+}
+
+step_in_process() {
+    build asan && runTests in-process build-asan -L in-process
+}
+
+step_quick_in_process() {
+    build asan && runTests quick-in-process build-asan -L in-process -LE busy
+}
+
+step_program() {
+    build shipped && build test && runTests program build-test -L program
+}
+
+step_quick_program() {
+    build shipped && build test && runTests quick-program build-test -L program -L quick
+}
+
+# The whole program with the sanitizers, its virtual library preloaded behind the sanitizers' own. Leaks are looked for
+# where no plugin of a screen adds its own: by tst_reliability, which runs the program from its main().
+step_sanitized_program() {
+    build test && build asan && cmake --build build-asan -j "$jobs" --target talvex-updater &&
+        ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0 TALVEX_TEST_PROGRAM=$PWD/build-asan/bin/talvex-updater \
+            runTests sanitized-program build-test -L program -E '^(program.shipped|reliability.memcheck)$'
+}
+
+# The two threads of a log download, where no queue of Qt's lies between them (Debian's Qt is not instrumented).
+step_threads() {
+    build tsan &&
+        TSAN_OPTIONS="suppressions=$PWD/tests/support/tsan.supp halt_on_error=1" QT_QPA_PLATFORM=offscreen \
+            build-tsan/tests/log/tst_logfailures.dir/tst_logfailures stopOnAnotherThread &&
+        TSAN_OPTIONS="suppressions=$PWD/tests/support/tsan.supp halt_on_error=1" \
+            build-tsan/tests/virtualunit/tst_virtualhid.dir/tst_virtualhid
+}
+
+step_fuzz() {
+    scripts/fuzz.sh 1
+}
+
+step_usb() {
+    scripts/usb-test.sh
+}
+
+# Which lines of the product the in-process tests reach.
+step_coverage() {
+    installMissing gcovr && build coverage &&
+        find build-coverage -name '*.gcda' -delete &&
+        runTests coverage build-coverage -L in-process &&
+        gcovr --root . --object-directory build-coverage --filter '(app|base|log|net|ui|unit|update)/' \
+            --exclude '.*/build-.*' --txt "$junit/../coverage.txt" --print-summary &&
+        cat "$junit/../coverage.txt"
+}
