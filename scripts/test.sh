@@ -18,17 +18,43 @@ Also: coverage. What a step needs is built first. Results for tools are kept in 
 END
 }
 
-results=()
+work=$(mktemp -d)
+cleanUp() {
+    local group
+    for group in $(jobs -p); do
+        kill -- "-$group" 2> /dev/null || true
+    done
+    rm -rf "$work"
+}
+trap cleanUp EXIT
+table=$work/table
 failed=0
 
-# run STEP: one step; a line of its result for the table.
+# run STEP: one step; a line of its result for the table. Returns 1 if it failed.
 run() {
     local step=$1 result=good
     echo "== $step"
     SECONDS=0
-    "step_${step//-/_}" || { result=FAILED && failed=1; }
+    "step_${step//-/_}" || result=FAILED
     echo "== $step: $result, $SECONDS s"
-    results+=("$(printf '%-18s %-8s %6d s' "$step" "$result" "$SECONDS")")
+    printf '%-18s %-8s %6d s\n' "$step" "$result" "$SECONDS" >> "$table"
+    [ "$result" = good ]
+}
+
+# runBeside STEP...: each beside the others, as most of their tests wait; what it says is shown once it has ended.
+runBeside() {
+    local step pids=()
+    set -m # a process group each, to end them by
+    for step in "$@"; do
+        run "$step" > "$work/$step" 2>&1 &
+        pids+=($!)
+    done
+    set +m
+    for step in "$@"; do
+        wait "${pids[0]}" || failed=1
+        pids=("${pids[@]:1}")
+        cat "$work/$step"
+    done
 }
 
 steps=()
@@ -40,11 +66,13 @@ for argument in "$@"; do
         --help) usage && exit 0 ;;
         quick) steps+=("${quickSteps[@]}") && leftOut="all but the quick loop" ;;
         *)
-            if ! declare -F "step_${argument//-/_}" > /dev/null; then
-                echo "scripts/test.sh: there is no step '$argument'" >&2
-                usage >&2
-                exit 2
-            fi
+            for step in ${argument//+/ }; do
+                if ! declare -F "step_${step//-/_}" > /dev/null; then
+                    echo "scripts/test.sh: there is no step '$step'" >&2
+                    usage >&2
+                    exit 2
+                fi
+            done
             steps+=("$argument") && leftOut="all but what was asked for"
             ;;
     esac
@@ -55,15 +83,21 @@ fi
 
 mkdir -p "$junit"
 began=$(date +%s)
-run packages
-if [ "$failed" -eq 0 ]; then
-    for step in "${steps[@]}"; do
-        run "$step"
-    done
-fi
+run packages || exit 1
+for step in "${steps[@]}"; do
+    IFS=+ read -ra beside <<< "$step"
+    if [ ${#beside[@]} -gt 1 ]; then
+        runBeside "${beside[@]}"
+    else
+        run "$step" || failed=1
+    fi
+    if [ "$failed" -ne 0 ] && [ "$step" = tests ]; then
+        break # there is nothing to run
+    fi
+done
 
 echo
-printf '%s\n' "${results[@]}"
+cat "$table"
 printf '%-27s %6d s\n' "in all" $(($(date +%s) - began))
 if [ -n "$leftOut" ]; then
     echo "Left out: $leftOut."

@@ -5,7 +5,8 @@
 # shellcheck source=scripts/lib/packages.sh
 source scripts/lib/packages.sh
 
-usualSteps=(shipped format scripts tests code in-process program threads fuzz usb)
+# Steps joined by + run beside each other, once what they need has been built.
+usualSteps=(shipped format scripts tests in-process+program+code threads fuzz usb)
 longSteps=(sanitized-program)
 quickSteps=(shipped format quick-in-process quick-program)
 
