@@ -19,14 +19,19 @@ build() {
     cmake --preset test && cmake --build "$tests" -j "$jobs" --target usb-tests
 }
 
-# Reports a second that the program reached, next to a loop that does nothing but write, paced by the same timer.
-# Returns 1 if there is not a line for each update that is to be measured.
+# Reports a second that the program reached, next to a loop that does nothing but write, paced by the same timer; and
+# those of a pair of decks, each of which gets all of them, next to a single deck's. Returns 1 if there is not a line
+# for each update that is to be measured.
 printRates() {
     printf '%-8s %-8s %10s %10s %8s\n' flavour unit program/s loop/s ratio
     awk -v bar="$lowestRatio" -v updates=6 '
-        { print }
+        { print; rate[$1, $2] = $3; flavours[$1] }
         $5 < bar { low = low "SLOW: " $1 " " $2 ": " $5 " of the bare loop, less than " bar "\n" }
         END {
+            for (flavour in flavours)
+                if (rate[flavour, "plt70"] > 0)
+                    printf "%-8s pair (trk300) for one (plt70): %.3f\n", flavour,
+                        rate[flavour, "trk300"] / rate[flavour, "plt70"]
             printf "%s", low
             if (NR != updates) print "MISSING: " NR " rates instead of " updates
             exit NR != updates
