@@ -1,6 +1,7 @@
 #include "app/logmessageoutput.h"
 
-#include <QDateTime>
+#include "base/timestamp.h"
+
 #include <QFile>
 #include <QMutex>
 #include <QMutexLocker>
@@ -15,13 +16,13 @@ void logMessageOutput(QtMsgType /*type*/, const char* message)
     static QTextStream stream;
     const QMutexLocker locker(&lock);
     if (!file.isOpen()) {
-        file.setFileName(QDateTime::currentDateTime().toString("yyyy-MM-dd_hh_mm_ss") + ".log");
+        file.setFileName(timestamp::forFileName(QDateTime::currentDateTime()) + ".log");
         if (file.open(QIODevice::WriteOnly | QIODevice::Append))
             stream.setDevice(&file);
     }
     stream.setCodec("UTF-8"); // here: setDevice() sets it back
     if (message != nullptr && file.isOpen()) {
-        stream << QDateTime::currentDateTime().toString("yyyy-MM-dd_hh:mm:ss") << ' ' << ": "
+        stream << timestamp::forLine(QDateTime::currentDateTime()) << ' ' << ": "
                << QString::fromLocal8Bit(message) << Qt::endl;
     }
     std::cout << message << std::endl; // meant so, also for null: the stream then fails

@@ -1,11 +1,11 @@
 #include "log/logdownloader.h"
 
+#include "base/timestamp.h"
 #include "log/logprotocol.h"
 #include "unit/hidio.h"
 #include "unit/percent.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QThread>
 #include <QTimer>
 
@@ -29,7 +29,7 @@ bool isProgramEnding()
 LogDownloader::LogDownloader(hid_device* unit, QObject* /*parent*/) : device(unit)
 {
     logFile.setFileName(QCoreApplication::applicationDirPath() + "/" +
-                        QDateTime::currentDateTime().toString("yyyy-MM-dd_hh_mm_ss") + "_log.enc");
+                        timestamp::forFileName(QDateTime::currentDateTime()) + "_log.enc");
     if (!logFile.open(QIODevice::WriteOnly | QIODevice::Truncate))
         qErrnoWarning("LogDownloader::LogDownloader");
 }

@@ -1,5 +1,7 @@
 #include "app/logmessageoutput.h"
 
+#include "support/easternlocales.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -95,6 +97,8 @@ private slots:
     void fileOfTheSameSecondGoesOn();
     void laterSecondSameFile();
     void lineStamp();
+    void digits_data();
+    void digits();
     void everyTypeIsWrittenAndNoneEndsTheProcess();
     void nullMessage();
     void nullMessageFirst();
@@ -104,7 +108,7 @@ private slots:
     void twoThreads();
 
 private:
-    void speak(const QString& speech);
+    void speak(const QString& speech, const QByteArray& locale = "C");
     [[nodiscard]] QStringList texts() const;
 
     std::unique_ptr<QTemporaryDir> folder;
@@ -119,8 +123,9 @@ void TestLogMessageOutput::init()
     folder = std::make_unique<QTemporaryDir>();
 }
 
-void TestLogMessageOutput::speak(const QString& speech)
+void TestLogMessageOutput::speak(const QString& speech, const QByteArray& locale)
 {
+    qputenv("LC_ALL", locale); // for the process; this one has taken its own
     QProcess process;
     process.setWorkingDirectory(folder->path());
     start = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
@@ -197,6 +202,23 @@ void TestLogMessageOutput::lineStamp()
         const QDateTime stamped = QDateTime::fromString(match.captured(1), "yyyy-MM-dd_hh:mm:ss");
         QVERIFY(stamped >= start && stamped <= QDateTime::currentDateTime());
     }
+}
+
+void TestLogMessageOutput::digits_data()
+{
+    QTest::addColumn<QByteArray>("locale");
+    for (const QByteArray& locale : easternLocales())
+        QTest::newRow(locale) << locale;
+}
+
+/// 0 to 9, in the name and in the lines.
+void TestLogMessageOutput::digits()
+{
+    QFETCH(QByteArray, locale);
+    speak("two messages", locale);
+    const QRegularExpression digitsOnly("^[-_:0-9]{19}( : first| : second|\\.log)$");
+    for (const QString& text : {files.value(0), QString(lines.value(0)), QString(lines.value(1))})
+        QVERIFY2(digitsOnly.match(text).hasMatch(), qPrintable(text));
 }
 
 void TestLogMessageOutput::everyTypeIsWrittenAndNoneEndsTheProcess()

@@ -1,0 +1,60 @@
+// The shipped program where the user's language writes numbers with other digits than 0 to 9.
+
+#include "program.h"
+#include "scenario.h"
+#include "support/easternlocales.h"
+#include "updateserver.h"
+
+#include <QtTest>
+
+class tst_languages : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void digits_data();
+    void digits();
+
+private:
+    Desktop desktop;
+    UpdateServer server;
+};
+
+void tst_languages::initTestCase()
+{
+    MUST(desktop.start());
+    MUST(server.start());
+    MUST(
+        publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(6000), scenario::changeLog));
+}
+
+void tst_languages::digits_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const QByteArray& locale : easternLocales())
+        QTest::newRow(locale) << QString(locale);
+}
+
+void tst_languages::digits()
+{
+    QFETCH(QString, locale);
+    Program program(desktop);
+    program.setVariable("LC_ALL", locale);
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    const QStringList logs = QDir(program.ownPath(".")).entryList({"*.enc"}, QDir::Files);
+    QCOMPARE(logs.size(), 1);
+    const QRegularExpression name("^[0-9]{4}-[0-9]{2}-[0-9]{2}_[0-9]{2}_[0-9]{2}_[0-9]{2}_log\\.enc$");
+    QVERIFY2(name.match(logs.first()).hasMatch(), qPrintable(logs.first()));
+    MUST(program.waitForText("progressBarUpdate", "0%"));
+    MUST(scenario::connectAndDownload(program, "HB4 connected")); // the offer's versions are among its texts
+    MUST(program.waitForText("progressBarTransfer", "100%"));
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0));
+    QCOMPARE(program.errorOutput(), QString());
+}
+
+QTEST_GUILESS_MAIN(tst_languages)
+
+#include "tst_languages.moc"
