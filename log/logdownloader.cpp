@@ -1,6 +1,6 @@
 #include "log/logdownloader.h"
 
-#include "base/timestamp.h"
+#include "log/logfilename.h"
 #include "log/logprotocol.h"
 #include "unit/hidio.h"
 #include "unit/percent.h"
@@ -28,10 +28,22 @@ bool isProgramEnding()
 
 LogDownloader::LogDownloader(hid_device* unit, QObject* /*parent*/) : device(unit)
 {
-    logFile.setFileName(QCoreApplication::applicationDirPath() + "/" +
-                        timestamp::forFileName(QDateTime::currentDateTime()) + "_log.enc");
-    if (!logFile.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (!claimFile(QDateTime::currentDateTime()))
         qErrnoWarning("LogDownloader::LogDownloader");
+}
+
+/// Opens a file that was not there: another program may have started in the same second, or the clock was set
+/// back, and a log that was pulled then must stay. False if no name could be had.
+bool LogDownloader::claimFile(const QDateTime& start)
+{
+    const QString folder = QCoreApplication::applicationDirPath() + "/";
+    for (int attempt = 1; attempt <= logfilename::mostAttempts; ++attempt) {
+        const QString name = folder + logfilename::at(start, attempt);
+        logFile.setFileName(name);
+        if (QFile(name).open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return logFile.open(QIODevice::WriteOnly | QIODevice::Truncate); // nobody else's from now on
+    }
+    return false;
 }
 
 void LogDownloader::setDevice(hid_device* unit, UnitType type)

@@ -3,6 +3,7 @@
 #include "unit/report.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QFile>
 #include <QObject>
 
@@ -23,7 +24,8 @@ class LogDownloader : public QObject
 
 public:
     /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move
-    /// to its thread. Creates its output file, empty, at once: at every start of the program (meant so).
+    /// to its thread. Creates its output file, empty, at once: at every start of the program (meant so). A
+    /// file that is there already is never touched (logfilename.h).
     LogDownloader(hid_device* device, QObject* parent);
 
     /// The unit to pull from; not owned.
@@ -52,6 +54,7 @@ public slots:
     void process();
 
 private:
+    [[nodiscard]] bool claimFile(const QDateTime& start);
     [[nodiscard]] bool write(const report::Output& output);
     [[nodiscard]] bool readHeader();
     [[nodiscard]] bool takePart();

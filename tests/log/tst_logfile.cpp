@@ -1,0 +1,163 @@
+#include "log/logdownloader.h"
+#include "log/logfilename.h"
+#include "support/easternlocales.h"
+
+#include <QDir>
+#include <QtTest>
+
+#include <optional>
+
+namespace {
+
+const QDateTime moment(QDate(2016, 3, 1), QTime(14, 5, 9));
+
+QString pathOf(const QString& name)
+{
+    return QCoreApplication::applicationDirPath() + '/' + name;
+}
+
+void place(const QString& name, const QByteArray& content)
+{
+    QFile file(pathOf(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+QList<int> upTo(int last)
+{
+    QList<int> numbers;
+    for (int number = 1; number <= last; ++number)
+        numbers += number;
+    return numbers;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(QList<int>)
+
+/// The file that a start of the program creates for the unit's log.
+class TestLogFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void name_data();
+    void name();
+    void firstFreeName_data();
+    void firstFreeName();
+    void noFreeName();
+    void namesTakenByOtherThings();
+    void startsOfOneSecond();
+
+private:
+    /// The number of the name that a start takes; nothing: none.
+    static std::optional<int> claim(LogDownloader& downloader);
+};
+
+void TestLogFile::cleanup()
+{
+    QDir folder(QCoreApplication::applicationDirPath());
+    const QStringList logs = folder.entryList({"*_log.enc"}, QDir::AllEntries | QDir::System | QDir::Hidden);
+    for (const QString& log : logs)
+        if (!folder.remove(log))
+            folder.rmdir(log);
+}
+
+std::optional<int> TestLogFile::claim(LogDownloader& downloader)
+{
+    downloader.logFile.close();
+    if (!downloader.claimFile(moment))
+        return std::nullopt;
+    for (const int number : upTo(logfilename::mostAttempts))
+        if (downloader.logFile.fileName() == pathOf(logfilename::at(moment, number)))
+            return number;
+    return 0;
+}
+
+void TestLogFile::name_data()
+{
+    QTest::addColumn<int>("attempt");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("first") << 1 << "2016-03-01_14_05_09_log.enc";
+    QTest::newRow("second") << 2 << "2016-03-01_14_05_09-2_log.enc";
+    QTest::newRow("third") << 3 << "2016-03-01_14_05_09-3_log.enc";
+    QTest::newRow("tenth") << 10 << "2016-03-01_14_05_09-10_log.enc";
+    QTest::newRow("last") << 99 << "2016-03-01_14_05_09-99_log.enc";
+}
+
+void TestLogFile::name()
+{
+    QFETCH(int, attempt);
+    QTEST(logfilename::at(moment, attempt), "name");
+    const QLocale before;
+    QLocale::setDefault(QLocale(QString::fromLatin1(easternLocales().first())));
+    const QString elsewhere = logfilename::at(moment, attempt);
+    QLocale::setDefault(before);
+    QTEST(elsewhere, "name");
+}
+
+void TestLogFile::firstFreeName_data()
+{
+    QTest::addColumn<QList<int>>("taken");
+    QTest::addColumn<int>("claimed");
+    QTest::newRow("none taken") << QList<int>{} << 1;
+    QTest::newRow("one taken") << upTo(1) << 2;
+    QTest::newRow("two taken") << upTo(2) << 3;
+    QTest::newRow("a gap") << QList<int>{1, 3} << 2;
+    QTest::newRow("the first is free again") << QList<int>{2, 3} << 1;
+    QTest::newRow("the last is free") << upTo(98) << 99;
+}
+
+void TestLogFile::firstFreeName()
+{
+    QFETCH(QList<int>, taken);
+    QFETCH(int, claimed);
+    for (const int number : qAsConst(taken))
+        place(logfilename::at(moment, number), "a log");
+    LogDownloader downloader(nullptr, nullptr);
+    QCOMPARE(claim(downloader), std::optional(claimed));
+    QVERIFY(downloader.logFile.isOpen());
+    QCOMPARE(QFileInfo(downloader.logFile.fileName()).size(), qint64{0});
+    for (const int number : qAsConst(taken)) {
+        QFile file(pathOf(logfilename::at(moment, number)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("a log"));
+    }
+}
+
+/// As when the file cannot be opened. An empty one is another program's too.
+void TestLogFile::noFreeName()
+{
+    for (const int number : upTo(logfilename::mostAttempts))
+        place(logfilename::at(moment, number), number % 2 == 0 ? "a log" : "");
+    LogDownloader downloader(nullptr, nullptr);
+    QCOMPARE(claim(downloader), std::nullopt);
+    QVERIFY(!downloader.logFile.isOpen());
+    QVERIFY(!QFile::exists(pathOf(logfilename::at(moment, logfilename::mostAttempts + 1))));
+    QCOMPARE(QFileInfo(pathOf(logfilename::at(moment, 2))).size(), qint64{5});
+}
+
+void TestLogFile::namesTakenByOtherThings()
+{
+    QVERIFY(QDir().mkdir(pathOf(logfilename::at(moment, 1))));
+    QVERIFY(QFile::link("nowhere", pathOf(logfilename::at(moment, 2))));
+    LogDownloader downloader(nullptr, nullptr);
+    QCOMPARE(claim(downloader), std::optional(3));
+    QVERIFY(!QFile::exists(pathOf("nowhere")));
+}
+
+void TestLogFile::startsOfOneSecond()
+{
+    std::vector<std::unique_ptr<LogDownloader>> starts;
+    QSet<QString> names;
+    for (int start = 1; start <= 5; ++start) {
+        starts.push_back(std::make_unique<LogDownloader>(nullptr, nullptr));
+        names.insert(starts.back()->logFile.fileName());
+        QVERIFY(starts.back()->logFile.isOpen());
+    }
+    QCOMPARE(names.size(), 5);
+}
+
+QTEST_GUILESS_MAIN(TestLogFile)
+#include "tst_logfile.moc"
