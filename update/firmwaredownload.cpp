@@ -1,5 +1,6 @@
 #include "net/updatechecker.h"
 #include "update/imagestore.h"
+#include "update/openeraddress.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -80,7 +81,7 @@ void UpdateChecker::storeFirmware()
 
 void UpdateChecker::onNeedDownloadNewMainFirmware()
 {
-    if (!QProcess::startDetached(opener, {mainBinUrl}))
+    if (!QProcess::startDetached(opener, {openerAddress(mainBinUrl)}))
         qErrnoWarning("Can't start %s", opener);
     emit startDownloadMainUpdate();
 }

@@ -37,6 +37,7 @@ private slots:
 
     void unitIsUpToDate();
     void declinedOfferChangesNothing();
+    void updaterOfferIsHandedToTheBrowser_data();
     void updaterOfferIsHandedToTheBrowser();
     void updaterOfferDeclined();
     void missingOnTheServer_data();
@@ -46,7 +47,7 @@ private slots:
     void announcedSize();
 
 private:
-    Outcome publishUpdater();
+    Outcome publishUpdater(const QByteArray& path = "/bin/updater.zip");
 
     Desktop desktop;
     UpdateServer server;
@@ -61,14 +62,14 @@ void tst_offers::initTestCase()
 }
 
 /// A catalogue with a newer updater, and a newer firmware that must not be offered before it.
-Outcome tst_offers::publishUpdater()
+Outcome tst_offers::publishUpdater(const QByteArray& path)
 {
     STEP(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
     STEP(server.publish("/logs/updater.txt", "New window."));
     QByteArray catalogue =
         catalogueOf("HB4", scenario::offeredVersion, QString("http://%1/bin/HB4.sb").arg(updateHost),
                     QString("http://%1/logs/HB4.txt").arg(updateHost));
-    catalogue.replace("MainVer=11", "MainVer=12");
+    catalogue.replace("MainVer=11", "MainVer=12").replace("/bin/updater.zip", path);
     return server.publish(cataloguePath, catalogue);
 }
 
@@ -104,9 +105,20 @@ void tst_offers::declinedOfferChangesNothing()
     MUST(program.waitForExit(0, endLimit));
 }
 
+void tst_offers::updaterOfferIsHandedToTheBrowser_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("handedOver");
+    QTest::newRow("plain") << QByteArray("/bin/updater.zip") << QByteArray("/bin/updater.zip");
+    QTest::newRow("letters beyond ASCII") << QByteArray("/\u0414\u0430 \u66F4\u65B0.zip?a=b&c")
+                                          << QByteArray("/%D0%94%D0%B0 %E6%9B%B4%E6%96%B0.zip?a=b&c");
+}
+
 void tst_offers::updaterOfferIsHandedToTheBrowser()
 {
-    MUST(publishUpdater());
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, handedOver);
+    MUST(publishUpdater(path));
     Program program(desktop);
     MUST(placeFakeOpener(program));
     program.putFirstInPath(program.scratchPath(""));
@@ -122,7 +134,7 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
     QFile file(noted);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString(file.readAll()), QString("1\nhttp://%1/bin/updater.zip\n").arg(updateHost));
+    QCOMPARE(QString(file.readAll()), QString("1\nhttp://%1%2\n").arg(updateHost, QString(handedOver)));
     MUST(program.answer("Ok"));
     MUST(program.waitForExit(0, endLimit));
 }

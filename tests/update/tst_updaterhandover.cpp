@@ -1,4 +1,5 @@
 #include "net/scene.h"
+#include "update/openeraddress.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,6 +12,9 @@ class TestUpdaterHandover : public QObject
 
 private slots:
     void init() { scene.reset(); }
+    void address_data();
+    void address();
+    void openerGetsTheAddress_data();
     void openerGetsTheAddress();
     void openerIsMissing();
 
@@ -18,10 +22,47 @@ private:
     Scene scene;
 };
 
+void TestUpdaterHandover::address_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("handedOver");
+    const auto row = [](const char* name, const char* address, const char* handedOver) {
+        QTest::newRow(name) << QString::fromUtf8(address) << QString(handedOver);
+    };
+    row("empty", "", "");
+    row("two bytes a letter", "http://h\u00F6st/\u0414\u0430", "http://h%C3%B6st/%D0%94%D0%B0");
+    row("three bytes a letter", "/\u66F4\u65B0.zip", "/%E6%9B%B4%E6%96%B0.zip");
+    row("four bytes a letter", "/\U0001F3A7", "/%F0%9F%8E%A7");
+    row("first and last beyond ASCII", "\u0080\U0010FFFF", "%C2%80%F4%8F%BF%BF");
+    row("encoded already", "/%C3%B6 %zz %", "/%C3%B6 %zz %");
+    QString ascii;
+    for (char16_t character = 1; character <= 0x7F; ++character)
+        ascii += QChar(character);
+    QTest::newRow("all of ASCII") << ascii << ascii;
+}
+
+void TestUpdaterHandover::address()
+{
+    QFETCH(QString, address);
+    QTEST(openerAddress(address), "handedOver");
+}
+
+void TestUpdaterHandover::openerGetsTheAddress_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("handedOver");
+    const QString plain = "http://update-server/bin/updater.zip?a=b c&d";
+    QTest::newRow("plain") << plain << plain;
+    QTest::newRow("letters beyond the local encoding")
+        << QString::fromUtf8("http://update-server/\u66F4\u65B0.zip")
+        << "http://update-server/%E6%9B%B4%E6%96%B0.zip";
+}
+
 void TestUpdaterHandover::openerGetsTheAddress()
 {
+    QFETCH(QString, address);
+    QFETCH(QString, handedOver);
     const QTemporaryDir folder;
-    const QString address = "http://update-server/bin/updater.zip?a=b c&d";
     QFile opener(folder.filePath("xdg-open"));
     QVERIFY(opener.open(QIODevice::WriteOnly));
     opener.write(
@@ -37,7 +78,7 @@ void TestUpdaterHandover::openerGetsTheAddress()
     QFile opened(folder.filePath("opened"));
     QTRY_VERIFY(opened.exists());
     QVERIFY(opened.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(opened.readAll()), "1|" + address + '|');
+    QCOMPARE(QString::fromUtf8(opened.readAll()), "1|" + handedOver + '|');
     QVERIFY(!scene.checker->isBusy());
 }
 
