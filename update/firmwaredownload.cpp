@@ -16,11 +16,18 @@ constexpr auto opener = "explorer";
 constexpr auto opener = "xdg-open";
 #endif
 
+/// True for any content encoding but "identity", which is none.
+bool isEncoded(const QNetworkReply& answer)
+{
+    const char* const header = "Content-Encoding";
+    return answer.hasRawHeader(header) && answer.rawHeader(header).trimmed().toLower() != "identity";
+}
+
 /// A compressed image cut short shows no error, and a captive portal's page must never become firmware.
 bool isNoImage(const QNetworkReply& answer)
 {
     const QString type = answer.header(QNetworkRequest::ContentTypeHeader).toString();
-    return answer.hasRawHeader("Content-Encoding") || type.startsWith("text/html", Qt::CaseInsensitive);
+    return isEncoded(answer) || type.startsWith("text/html", Qt::CaseInsensitive);
 }
 
 } // namespace

@@ -104,6 +104,9 @@ void TestFirmwareDownload::answer_data()
     QTest::newRow("as an image of some kind")
         << ok(image, {"Content-Type: application/octet-stream"}) << image;
     QTest::newRow("as plain text") << ok(image, {"Content-Type: text/plain"}) << image;
+    QTest::newRow("an encoding that is none") << ok(image, {"Content-Encoding: identity"}) << image;
+    QTest::newRow("none, in capital letters") << ok(image, {"CONTENT-ENCODING: Identity"}) << image;
+    QTest::newRow("none, between blanks") << ok(image, {"Content-Encoding: \t identity \t "}) << image;
     QTest::newRow("nothing in it") << ok("") << QByteArray("");
 }
 
@@ -126,6 +129,10 @@ void TestFirmwareDownload::noImage_data()
     QTest::newRow("compressed, cut short")
         << Answer{{httpHead({"HTTP/1.1 200 OK", "Content-Encoding: gzip", "Connection: close"}) +
                    packed.left(packed.size() / 2)}};
+    QTest::newRow("compressed behind none") << ok(packed, {"Content-Encoding: identity, gzip"});
+    QTest::newRow("an encoding without a name") << ok(image, {"Content-Encoding: "});
+    QTest::newRow("none, cut short") << Answer{
+        {"HTTP/1.1 200 OK\r\nContent-Encoding: identity\r\nContent-Length: 99\r\n\r\nhalf"}};
     QTest::newRow("a page of a captive portal") << ok(page, {"Content-Type: text/html"});
     QTest::newRow("a page, with its character set") << ok(page, {"Content-Type: text/html; charset=utf-8"});
     QTest::newRow("a page, in capital letters") << ok(page, {"CONTENT-TYPE: Text/HTML"});
