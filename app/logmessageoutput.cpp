@@ -25,5 +25,9 @@ void logMessageOutput(QtMsgType /*type*/, const char* message)
         stream << timestamp::forLine(QDateTime::currentDateTime()) << ' ' << ": "
                << QString::fromLocal8Bit(message) << Qt::endl;
     }
-    std::cout << message << std::endl; // meant so, also for null: the stream then fails
+    if (message != nullptr)
+        std::cout << message;
+    else
+        std::cout.setstate(std::ios_base::badbit); // meant so: later echoes are lost
+    std::cout << std::endl;
 }
