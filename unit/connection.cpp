@@ -11,10 +11,10 @@ constexpr std::array unitProductNames{
     L"HB2",    L"HB4", L"PLT-70", L"PLT-65", L"TRK-300 L", L"TRK-300 R", L"TRK-900 L", L"TRK-900 R", L"PANEL",
     L"PANEL4", L"HBX", L"DSK-10", L"DSK-9",  L"DSK-6",     L"DSK-5",     L"LMB-1",     L"LMB-2"};
 
-/// A record may come without product string (a unit that this user must not open, for example).
+/// A record may come without product string (a unit that this user must not open, for example) or path.
 bool isAcceptable(const hid_device_info& record)
 {
-    return record.product_string != nullptr &&
+    return record.product_string != nullptr && record.path != nullptr &&
            std::find(unitProductNames.begin(), unitProductNames.end(),
                      std::wstring_view(record.product_string)) != unitProductNames.end();
 }

@@ -18,11 +18,24 @@ std::shared_ptr<ScriptedUnit> ScriptedUnit::plugIn(UnitType type)
 
 std::shared_ptr<ScriptedUnit> ScriptedUnit::plugIn(UnitType type, std::optional<std::string> product)
 {
+    virtualbus::DeviceRecord record;
+    record.product = std::move(product);
+    return attach(type, record);
+}
+
+std::shared_ptr<ScriptedUnit> ScriptedUnit::plugInWithoutPath(UnitType type)
+{
+    virtualbus::DeviceRecord record;
+    record.product = std::string(virtualunit::identityOf(type).product);
+    record.hasPath = false;
+    return attach(type, record);
+}
+
+std::shared_ptr<ScriptedUnit> ScriptedUnit::attach(UnitType type, virtualbus::DeviceRecord record)
+{
     auto unit = std::make_shared<ScriptedUnit>();
     unit->layout = findUnitModel(type)->layout;
-    virtualbus::DeviceRecord record;
     record.productId = findUnitModel(type)->productId;
-    record.product = std::move(product);
     unit->number = virtualbus::attach(record, unit);
     return unit;
 }

@@ -23,6 +23,9 @@ public:
     [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugIn(UnitType type,
                                                               std::optional<std::string> product);
 
+    /// The same, listed without a path to open it by.
+    [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugInWithoutPath(UnitType type);
+
     /// Queues an input report of 0 to 64 bytes. What is said before the unit is opened waits for the opening.
     void say(const Bytes& report);
     void sayStatus(std::uint8_t status) { say(statusReport(layout, status)); }
@@ -38,5 +41,7 @@ public:
     ReportLayout layout{};
 
 private:
+    [[nodiscard]] static std::shared_ptr<ScriptedUnit> attach(UnitType type, virtualbus::DeviceRecord record);
+
     std::deque<Bytes> reports; ///< touched under the bus's lock
 };

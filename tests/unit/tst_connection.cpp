@@ -47,6 +47,8 @@ private slots:
     void foreignName_data();
     void foreignName();
     void noProductString();
+    void noPath_data();
+    void noPath();
     void skippedRecordsPrecedeTheTakenOne();
     void firstOfTwoInOneList();
     void lowerModelWins();
@@ -153,6 +155,24 @@ void TestConnection::noProductString()
     pressConnect(window);
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
+}
+
+void TestConnection::noPath_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("a single unit") << int{UNIT_HB4};
+    QTest::newRow("a deck") << int{UNIT_TRK300_LEFT};
+}
+
+void TestConnection::noPath()
+{
+    QFETCH(int, type);
+    TestWindow window;
+    (void)ScriptedUnit::plugInWithoutPath(static_cast<UnitType>(type));
+    pressConnect(window);
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
+    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
+    QVERIFY(!window->firstDeckSeen);
 }
 
 void TestConnection::skippedRecordsPrecedeTheTakenOne()

@@ -18,6 +18,7 @@ struct DeviceRecord
 {
     std::uint16_t vendorId = unitVendorId;
     std::uint16_t productId = 0;
+    bool hasPath = true; ///< false: NULL in the record too, so that nothing can open it
     std::optional<std::string> product;
     std::optional<std::string> serial = "0001";
     std::optional<std::string> manufacturer = "Talvex";

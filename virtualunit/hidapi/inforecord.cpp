@@ -22,7 +22,7 @@ hid_device_info* makeInfo(const Slot& slot)
     auto* info = static_cast<hid_device_info*>(std::calloc(1, sizeof(hid_device_info)));
     if (info == nullptr)
         std::abort();
-    info->path = strdup(slot.path().c_str());
+    info->path = slot.record.hasPath ? strdup(slot.path().c_str()) : nullptr;
     info->vendor_id = slot.record.vendorId;
     info->product_id = slot.record.productId;
     info->serial_number = newWideText(slot.record.serial);
