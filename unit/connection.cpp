@@ -1,22 +1,16 @@
 #include "ui/mainwindow.h"
+#include "unit/seenrecord.h"
 
 #include <QMessageBox>
 
-#include <algorithm>
-
 namespace {
 
-/// The HID product strings that make a device acceptable, whatever its product ID is (meant so).
-constexpr std::array unitProductNames{
-    L"HB2",    L"HB4", L"PLT-70", L"PLT-65", L"TRK-300 L", L"TRK-300 R", L"TRK-900 L", L"TRK-900 R", L"PANEL",
-    L"PANEL4", L"HBX", L"DSK-10", L"DSK-9",  L"DSK-6",     L"DSK-5",     L"LMB-1",     L"LMB-2"};
-
-/// A record may come without product string (a unit that this user must not open, for example) or path.
-bool isAcceptable(const hid_device_info& record)
+/// False, with a line in the diagnostics where one helps, for a record that is no unit that can be opened.
+bool isUsable(const hid_device_info& record)
 {
-    return record.product_string != nullptr && record.path != nullptr &&
-           std::find(unitProductNames.begin(), unitProductNames.end(),
-                     std::wstring_view(record.product_string)) != unitProductNames.end();
+    if (const auto line = seenrecord::lineForSkipped(record.product_id, record.product_string, record.path))
+        qWarning("%s", qUtf8Printable(*line));
+    return seenrecord::kindOf(record.product_string, record.path) == seenrecord::Kind::unit;
 }
 
 bool isDeck(const UnitModel& model)
@@ -56,7 +50,7 @@ bool MainWindow::searchModel(const UnitModel& model, int& result)
 
     hid_device_info* taken = nullptr;
     for (hid_device_info* record = list.get(); record != nullptr && taken == nullptr; record = record->next) {
-        if (!isAcceptable(*record))
+        if (!isUsable(*record))
             continue;
         if (!isDeck(model)) {
             taken = record;
@@ -88,4 +82,5 @@ void MainWindow::rememberFirstDeck(const hid_device_info& record)
     pendingDeckPath = record.path;
     *pendingDeckInfo = hid_device_info{};
     pendingDeckInfo->path = pendingDeckPath.data();
+    pendingDeckInfo->product_id = record.product_id;
 }

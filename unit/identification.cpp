@@ -1,12 +1,22 @@
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
+#include "unit/seenrecord.h"
 
 #include <QMessageBox>
 
 namespace {
 
 constexpr int firstReportMs = 1000;
+
+/// Opens what `record` lists; nullptr, with a line in the diagnostics, if that fails.
+hid_device* openUnit(const hid_device_info& record)
+{
+    hid_device* const opened = hid_open_path(record.path);
+    if (opened == nullptr)
+        qWarning("%s", qUtf8Printable(seenrecord::lineForUnopened(record.product_id)));
+    return opened;
+}
 
 } // namespace
 
@@ -18,7 +28,7 @@ void MainWindow::findDevice(hid_device_info* record, int& result)
         findPair(record, result);
         return;
     }
-    device = record != nullptr ? hid_open_path(record->path) : nullptr;
+    device = record != nullptr ? openUnit(*record) : nullptr;
     result = device != nullptr ? 0 : 1;
     if (device == nullptr)
         return;
@@ -34,11 +44,11 @@ void MainWindow::findDevice(hid_device_info* record, int& result)
 
 void MainWindow::findPair(hid_device_info* record, int& result)
 {
-    hid_device* const opened = record != nullptr ? hid_open_path(record->path) : nullptr;
+    hid_device* const opened = record != nullptr ? openUnit(*record) : nullptr;
     if (record != nullptr)
         device = opened;
     // Meant so: a second deck that opens makes up for a first one that did not.
-    secondDevice = pendingDeckInfo->path != nullptr ? hid_open_path(pendingDeckInfo->path) : nullptr;
+    secondDevice = pendingDeckInfo->path != nullptr ? openUnit(*pendingDeckInfo) : nullptr;
     if (secondDevice == nullptr) {
         result = 1;
         if (opened != nullptr)

@@ -1,0 +1,183 @@
+#include "support/boxlines.h"
+#include "support/logcapture.h"
+#include "support/scriptedunit.h"
+#include "support/testwindow.h"
+#include "unit/seenrecord.h"
+
+#include <QtTest>
+
+#include <functional>
+
+namespace {
+
+constexpr std::uint16_t hb4 = 0x0A21;
+
+void plugInClosed(UnitType type)
+{
+    const auto unit = ScriptedUnit::plugIn(type);
+    unit->say(Bytes(64, 0));
+    virtualbus::failOpens(unit->number, true);
+}
+
+void plugInGood(UnitType type)
+{
+    ScriptedUnit::plugIn(type)->say(Bytes(64, 0));
+}
+
+QString foreignLine(std::uint16_t productId, const wchar_t* product)
+{
+    return seenrecord::lineForSkipped(productId, product, "path").value_or("");
+}
+
+struct Row
+{
+    const char* name;
+    std::function<void()> plugIn;
+    QStringList lines; ///< of one press
+    int openings;      ///< tried in one press
+};
+
+/// What was said, without Qt's own remark about boxes where there is no screen.
+QStringList linesOf(const LogCapture& log)
+{
+    QStringList lines = log.lines();
+    lines.removeAll("This plugin does not support propagateSizeHints()");
+    return lines;
+}
+
+const QString namelessHb4 = foreignLine(hb4, nullptr);
+
+const std::vector<Row>& failures()
+{
+    static const std::vector<Row> all{
+        {"nothing there", [] {}, {}, 0},
+        {"no strings", [] { (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt); }, {namelessHb4}, 0},
+        {"a foreign name",
+         [] { (void)ScriptedUnit::plugIn(UNIT_PLT65, "Keyboard"); },
+         {foreignLine(0x2C01, L"Keyboard")},
+         0},
+        {"a unit that does not open",
+         [] { plugInClosed(UNIT_LMB2); },
+         {seenrecord::lineForUnopened(0x0D02)},
+         1},
+        {"no path", [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4); }, {}, 0},
+        {"a deck without path", [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_TRK300_LEFT); }, {}, 0},
+        {"a deck without strings",
+         [] { (void)ScriptedUnit::plugIn(UNIT_TRK300_LEFT, std::nullopt); },
+         {foreignLine(0x2A41, nullptr)},
+         0},
+        {"one of each",
+         [] {
+             (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
+             plugInClosed(UNIT_HB2);
+             (void)ScriptedUnit::plugIn(UNIT_HBX, "Mouse");
+         },
+         {namelessHb4, seenrecord::lineForUnopened(0x0A22), foreignLine(0x0A1F, L"Mouse")},
+         1},
+        {"two alike",
+         [] {
+             (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
+             (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
+         },
+         {namelessHb4, namelessHb4},
+         0},
+        {"a pair that does not open",
+         [] {
+             plugInClosed(UNIT_TRK300_LEFT);
+             plugInClosed(UNIT_TRK300_RIGHT);
+         },
+         {seenrecord::lineForUnopened(0x2A40), seenrecord::lineForUnopened(0x2A41)},
+         2},
+        {"a pair whose first deck does not open",
+         [] {
+             plugInClosed(UNIT_TRK900_LEFT);
+             plugInGood(UNIT_TRK900_RIGHT);
+         },
+         {seenrecord::lineForUnopened(0x2B55)},
+         2},
+    };
+    return all;
+}
+
+} // namespace
+
+/// What the diagnostics say when Connect finds a unit that it cannot have. The box stays the same.
+class TestConnectionDiagnostics : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { placeServiceFile(); }
+
+    void notFound_data();
+    void notFound();
+    void connectedAllTheSame_data();
+    void connectedAllTheSame();
+
+private:
+    static void press(TestWindow& window)
+    {
+        QTest::mouseClick(&window.button("connect_button"), Qt::LeftButton);
+    }
+};
+
+void TestConnectionDiagnostics::notFound_data()
+{
+    QTest::addColumn<int>("index");
+    for (int index = 0; index < static_cast<int>(failures().size()); ++index)
+        QTest::newRow(failures()[static_cast<std::size_t>(index)].name) << index;
+}
+
+/// The same lines at each press, from the records alone: nothing more is asked of the HID library.
+void TestConnectionDiagnostics::notFound()
+{
+    QFETCH(int, index);
+    const Row& row = failures()[static_cast<std::size_t>(index)];
+    TestWindow window;
+    row.plugIn();
+    const LogCapture log;
+    press(window);
+    QCOMPARE(linesOf(log), row.lines);
+    press(window);
+    QCOMPARE(linesOf(log), row.lines + row.lines);
+    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, boxline::notFound}));
+    std::size_t others = 0;
+    for (const virtualbus::Call& call : virtualbus::calls())
+        if (call.function != "hid_enumerate" && call.function != "hid_free_enumeration" &&
+            call.function != "hid_open_path" && call.function != "hid_close")
+            ++others;
+    QCOMPARE(others, std::size_t{0});
+    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), static_cast<std::size_t>(2 * row.openings));
+    QCOMPARE(virtualbus::openHandles(), 0);
+}
+
+void TestConnectionDiagnostics::connectedAllTheSame_data()
+{
+    QTest::addColumn<int>("others");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("alone") << 0 << QStringList{};
+    QTest::newRow("behind a record without strings") << 1 << QStringList{namelessHb4};
+    QTest::newRow("behind a record without path") << 2 << QStringList{};
+    QTest::newRow("behind a unit that does not open") << 3 << QStringList{seenrecord::lineForUnopened(hb4)};
+}
+
+void TestConnectionDiagnostics::connectedAllTheSame()
+{
+    QFETCH(int, others);
+    QFETCH(QStringList, lines);
+    TestWindow window;
+    plugInGood(UNIT_PLT65);
+    if (others == 1)
+        (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
+    else if (others == 2)
+        (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4);
+    else if (others == 3)
+        plugInClosed(UNIT_HB4);
+    const LogCapture log;
+    press(window);
+    QCOMPARE(linesOf(log), lines);
+    QCOMPARE(window.boxes.lines(), QStringList{informationBox("PLT65 connected")});
+}
+
+QTEST_MAIN(TestConnectionDiagnostics)
+#include "tst_connectiondiagnostics.moc"

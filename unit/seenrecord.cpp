@@ -1,0 +1,71 @@
+#include "unit/seenrecord.h"
+
+#include "unit/unittype.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace seenrecord {
+
+namespace {
+
+/// The HID product strings that make a device acceptable, whatever its product ID is (meant so).
+constexpr std::array unitProductNames{
+    L"HB2",    L"HB4", L"PLT-70", L"PLT-65", L"TRK-300 L", L"TRK-300 R", L"TRK-900 L", L"TRK-900 R", L"PANEL",
+    L"PANEL4", L"HBX", L"DSK-10", L"DSK-9",  L"DSK-6",     L"DSK-5",     L"LMB-1",     L"LMB-2"};
+
+#ifdef Q_OS_LINUX
+constexpr auto remedy =
+    " The udev rule 70-talvex-updater.rules gives permission; after installing it, plug the unit in "
+    "again.";
+#else
+constexpr auto remedy = "";
+#endif
+
+/// As lsusb and device managers show it: 3a5d:0a21.
+QString ids(std::uint16_t productId)
+{
+    return QString::asprintf("%04x:%04x", unitVendorId, productId);
+}
+
+QString printable(const wchar_t* product)
+{
+    QString text = QString::fromWCharArray(product);
+    std::replace_if(
+        text.begin(), text.end(), [](QChar character) { return !character.isPrint(); }, '?');
+    return text;
+}
+
+} // namespace
+
+Kind kindOf(const wchar_t* product, const char* path)
+{
+    if (product == nullptr)
+        return Kind::nameless;
+    if (std::find(unitProductNames.begin(), unitProductNames.end(), std::wstring_view(product)) ==
+        unitProductNames.end())
+        return Kind::foreign;
+    return path == nullptr ? Kind::pathless : Kind::unit;
+}
+
+std::optional<QString> lineForSkipped(std::uint16_t productId, const wchar_t* product, const char* path)
+{
+    switch (kindOf(product, path)) {
+    case Kind::nameless:
+        return QString("The name of device %1 cannot be read: this user seems to have no permission.%2")
+            .arg(ids(productId), remedy);
+    case Kind::foreign:
+        return QString("Device %1 calls itself \"%2\", which is no unit's name: skipped.")
+            .arg(ids(productId), printable(product));
+    default:
+        return std::nullopt;
+    }
+}
+
+QString lineForUnopened(std::uint16_t productId)
+{
+    return QString("Unit %1 cannot be opened: this user has no permission, or another program has it open.%2")
+        .arg(ids(productId), remedy);
+}
+
+} // namespace seenrecord

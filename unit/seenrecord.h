@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+/// What the search for a unit makes of the records that the HID library lists under a unit's IDs, and what
+/// the diagnostics say of a unit that is there but cannot be had. Words for whoever helps its user: the
+/// window says only that no unit was found.
+namespace seenrecord {
+
+/// How a record looks before anything is opened.
+enum class Kind {
+    unit,     ///< may be opened
+    nameless, ///< no product string: in the libusb flavour a unit that this user may not open
+    foreign,  ///< a product string that no unit has
+    pathless, ///< a unit's product string, but nothing to open it by
+};
+
+/// `product` and `path` are the record's own fields; nullptr where it has none.
+[[nodiscard]] Kind kindOf(const wchar_t* product, const char* path);
+
+/// The line for a record that the search skips, without a line end; nothing where there is nothing to say.
+/// The device writes `product`: what cannot be printed becomes "?".
+[[nodiscard]] std::optional<QString> lineForSkipped(std::uint16_t productId, const wchar_t* product,
+                                                    const char* path);
+
+/// The line for a unit whose opening failed.
+[[nodiscard]] QString lineForUnopened(std::uint16_t productId);
+
+} // namespace seenrecord
