@@ -156,15 +156,21 @@ void tst_faults::transfer()
 void tst_faults::unitThatCannotBeUsed_data()
 {
     QTest::addColumn<QString>("unit");
-    QTest::newRow("cannot be opened") << "hb4,fault=cannot-open";
-    QTest::newRow("is not permitted") << "hb4,fault=no-permission";
-    QTest::newRow("has a trailing blank in its name") << "hb4,product=HB4 ";
-    QTest::newRow("has an unknown name") << "plt65,product=Keyboard";
+    QTest::addColumn<QString>("line"); // how it begins, on standard error, once for each press
+    QTest::newRow("cannot be opened") << "hb4,fault=cannot-open"
+                                      << "Unit 3a5d:0a21 cannot be opened";
+    QTest::newRow("is not permitted") << "hb4,fault=no-permission"
+                                      << "The name of device 3a5d:0a21 cannot be read";
+    QTest::newRow("has a trailing blank in its name") << "hb4,product=HB4 "
+                                                      << "Device 3a5d:0a21 calls itself \"HB4 \"";
+    QTest::newRow("has an unknown name") << "plt65,product=Keyboard"
+                                         << "Device 3a5d:2c01 calls itself \"Keyboard\"";
 }
 
 void tst_faults::unitThatCannotBeUsed()
 {
     QFETCH(QString, unit);
+    QFETCH(QString, line);
     Program program(desktop);
     MUST(startWithUnit(program, {unit}));
     const View before = program.look();
@@ -177,6 +183,10 @@ void tst_faults::unitThatCannotBeUsed()
     QCOMPARE(program.look().describe(), before.describe());
     MUST(program.closeWindow());
     MUST(program.waitForExit(0, 3s));
+    const QStringList said = program.errorOutput().split('\n');
+    QCOMPARE(said.size(), 2);
+    for (const QString& one : said)
+        QVERIFY2(one.startsWith(line), qPrintable(one));
 }
 
 void tst_faults::loneDeckBlocksConnect()

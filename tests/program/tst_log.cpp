@@ -62,6 +62,7 @@ private slots:
     void keysOfferNothing_data();
     void keysOfferNothing();
     void keysOfferNothingWhileTheServerIsAsked();
+    void earlierLogsStay();
 
 private:
     Outcome begin(Program& program, const QString& model, const QString& message, const QString& fault = {});
@@ -244,6 +245,27 @@ void tst_log::keysOfferNothingWhileTheServerIsAsked()
     MUST(program.staysAway("the log button", offersLog, 400ms));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0, endLimit));
+}
+
+/// Logs of every second in which the program may start: its own gets another name.
+void tst_log::earlierLogsStay()
+{
+    constexpr int seconds = 300;
+    Program program(desktop);
+    QStringList earlier;
+    const QDateTime now = QDateTime::currentDateTime();
+    for (int second = 0; second < seconds; ++second) {
+        earlier += now.addSecs(second).toString("yyyy-MM-dd_hh_mm_ss") + "_log.enc";
+        MUST(program.placeFile(earlier.last(), "pulled before"));
+    }
+    MUST(program.start());
+    MUST(program.closeWindow());
+    MUST(program.waitForExit(0, endLimit));
+    for (const QString& name : qAsConst(earlier))
+        QCOMPARE(program.fileContent(name), std::optional(QByteArray("pulled before")));
+    const QStringList all = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    QCOMPARE(all.size(), seconds + 1);
+    QCOMPARE(all.filter(QRegularExpression("^[-0-9]{10}(_[0-9]{2}){3}-2_log\\.enc$")).size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_log)
