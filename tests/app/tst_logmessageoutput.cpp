@@ -34,7 +34,8 @@ void untilTheNextSecond()
 {
     const QDateTime start = QDateTime::currentDateTime();
     while (QDateTime::currentDateTime().toString("ss") == start.toString("ss"))
-        QThread::msleep(5);
+        QThread::msleep(
+            5); // the file's name has a second of the clock in it: nothing but time brings the next one
 }
 
 /// The sink keeps its file to the process's end, so each of these runs in a process and a folder of its own.
@@ -130,7 +131,7 @@ void TestLogMessageOutput::speak(const QString& speech, const QByteArray& locale
     process.setWorkingDirectory(folder->path());
     start = QDateTime::fromSecsSinceEpoch(QDateTime::currentSecsSinceEpoch());
     process.start(QCoreApplication::applicationFilePath(), {"--speech", speech});
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(limits::hangMs()));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
     echo = process.readAllStandardOutput();

@@ -61,6 +61,13 @@ public:
         return commands;
     }
 
+    /// Until the worker has done all that it was asked for until now.
+    void awaitWorker()
+    {
+        QMetaObject::invokeMethod(
+            downloader.get(), [] {}, Qt::BlockingQueuedConnection);
+    }
+
     std::shared_ptr<ReplyingUnit> unit;
     std::unique_ptr<LogDownloader> downloader = std::make_unique<LogDownloader>(nullptr, nullptr);
     QThread worker;

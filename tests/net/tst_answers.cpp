@@ -123,7 +123,7 @@ void TestAnswers::nobodyListens()
     qputenv("http_proxy", closed.address({}).toUtf8());
     closed.stopListening();
     scene.ask(request, closed);
-    const bool refused = QTest::qWaitFor([this] { return scene.rests(2); });
+    const bool refused = QTest::qWaitFor([this] { return scene.rests(2); }, limits::hangMs());
     qputenv("http_proxy", proxy);
     QVERIFY(refused);
     QCOMPARE(scene.journal->events, scene.networkError(request));

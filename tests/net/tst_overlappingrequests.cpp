@@ -1,5 +1,6 @@
 #include "net/scene.h"
 #include "support/evidence.h"
+#include "support/ticks.h"
 
 #include <QFile>
 #include <QTimer>
@@ -133,7 +134,7 @@ void TestOverlappingRequests::checkDuringADownload()
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 2);
     QTRY_COMPARE(scene.server.bytesSent(), image.size() - 500 + answer.size());
-    QTest::qWait(50); // the catalogue's bytes may be anywhere now: nothing that shows outside tells
+    passTicks(50); // the catalogue's bytes may be anywhere now: nothing that shows outside tells
     scene.server.goOn();
     QTRY_VERIFY(!download->isRunning());
     QVERIFY2(!QFile::remove(stored), "a broken image was stored");

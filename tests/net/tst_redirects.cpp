@@ -28,7 +28,8 @@ std::optional<QSslConfiguration> selfSigned()
     QFile keyFile(key);
     QProcess openssl;
     openssl.start("openssl", arguments);
-    if (!openssl.waitForFinished() || openssl.exitCode() != 0 || !keyFile.open(QIODevice::ReadOnly))
+    if (!openssl.waitForFinished(limits::hangMs()) || openssl.exitCode() != 0 ||
+        !keyFile.open(QIODevice::ReadOnly))
         return std::nullopt;
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
     tls.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int silenceLimitMs = 30000;
+constexpr int silenceLimitMs = 30000; ///< the program's; no test waits for it
 
 /// As if the time were over.
 void letFire(QTimer* timer)

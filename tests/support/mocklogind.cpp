@@ -1,5 +1,7 @@
 #include "support/mocklogind.h"
 
+#include "support/limits.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -10,7 +12,6 @@
 
 namespace {
 
-constexpr int startMs = 20000;
 constexpr auto watcher = "mocklogind";
 
 } // namespace
@@ -20,15 +21,15 @@ MockLogind::MockLogind()
     const QString address = "unix:path=" + busPath();
     bus.start("dbus-daemon",
               {"--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address});
-    if (!bus.waitForStarted() || !bus.waitForReadyRead(startMs))
+    if (!bus.waitForStarted(limits::hangMs()) || !bus.waitForReadyRead(limits::hangMs()))
         return;
     logind.start("/usr/bin/python3", {"-m", "dbusmock", "--system", "--template", "logind"});
-    if (!logind.waitForStarted())
+    if (!logind.waitForStarted(limits::hangMs()))
         return;
     const QDBusConnection connection = QDBusConnection::connectToBus(QDBusConnection::SystemBus, watcher);
     ready = QTest::qWaitFor(
         [&] { return connection.interface()->isServiceRegistered("org.freedesktop.login1").value(); },
-        startMs);
+        limits::hangMs());
 }
 
 MockLogind::~MockLogind()
@@ -36,7 +37,7 @@ MockLogind::~MockLogind()
     QDBusConnection::disconnectFromBus(watcher);
     for (QProcess* process : {&logind, &bus}) {
         process->kill();
-        process->waitForFinished();
+        process->waitForFinished(limits::hangMs());
     }
     QFile::remove(busPath());
 }

@@ -2,11 +2,13 @@
 
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
+#include "support/limits.h"
 #include "update/sleepinhibitor.h"
 #include "update/transferstate.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -101,7 +103,7 @@ void expectDiagnostic(const QString& beginning)
     QTest::ignoreMessage(QtCriticalMsg, line); // qErrnoWarning's type, whatever its name says
 }
 
-bool quits(const std::function<void()>& act, int limitMs)
+bool quits(const std::function<void()>& act)
 {
     bool late = false;
     QTimer limit;
@@ -110,7 +112,26 @@ bool quits(const std::function<void()>& act, int limitMs)
         late = true; // a box that this ends may itself be followed by a quit
         QCoreApplication::exit(1);
     });
-    limit.start(limitMs);
+    limit.start(limits::hang());
     QTimer::singleShot(0, qApp, act);
     return QCoreApplication::exec() == 0 && !late;
+}
+
+bool runsOn(const std::function<void()>& act, const std::function<bool()>& isReached)
+{
+    constexpr int ticksBeyond = 30; // a quit that is to come would have come in them
+    int ticks = 0;
+    const QDeadlineTimer limit(limits::hang());
+    QTimer beat;
+    QObject::connect(&beat, &QTimer::timeout, [&] {
+        if (ticks > 0 || isReached())
+            ++ticks;
+        if (ticks >= ticksBeyond || limit.hasExpired())
+            QCoreApplication::exit(1);
+    });
+    beat.start(1);
+    QTimer::singleShot(0, qApp, act);
+    QCoreApplication::exec(); // its exit code tells nothing: a box that the exit ends may be followed by a
+                              // quit
+    return ticks >= ticksBeyond;
 }

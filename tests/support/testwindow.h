@@ -56,6 +56,9 @@ void placeServiceFile(const QByteArray& image = "image");
 /// that follows in it does not count.
 void expectDiagnostic(const QString& beginning);
 
-/// Runs the program's event loop, with `act` in it. True if the program quits, with exit code 0, within
-/// `limitMs`.
-[[nodiscard]] bool quits(const std::function<void()>& act, int limitMs = 5000);
+/// Runs the program's event loop, with `act` in it. True if the program quits, with exit code 0.
+[[nodiscard]] bool quits(const std::function<void()>& act);
+
+/// Runs the program's event loop, with `act` in it, until `isReached` holds, and some ticks of 1 ms more.
+/// True if the program has not quit by then.
+[[nodiscard]] bool runsOn(const std::function<void()>& act, const std::function<bool()>& isReached);

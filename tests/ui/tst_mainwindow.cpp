@@ -261,7 +261,7 @@ void TestMainWindow::leavesWhatLivesToTheEnd()
     QVERIFY(worker->isRunning());
     QCOMPARE(virtualbus::callsOf("hid_close").size(), std::size_t{0});
     worker->quit();
-    QVERIFY(worker->wait(5000));
+    QVERIFY(worker->wait(QDeadlineTimer(limits::hang())));
     delete downloader;
     delete worker;
     delete checker;

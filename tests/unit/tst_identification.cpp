@@ -2,8 +2,8 @@
 #include "net/updatechecker.h"
 #include "support/scriptedunit.h"
 #include "support/testwindow.h"
+#include "support/ticks.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -121,10 +121,9 @@ void TestIdentification::silentUnit()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     window->currentVersion = 7;
-    QElapsedTimer waited;
-    waited.start();
     QCOMPARE(find(window, UNIT_HB4, unit->path()), 0);
-    QVERIFY2(waited.elapsed() >= 1000, qPrintable(QString::number(waited.elapsed())));
+    QCOMPARE(callLines().filter("hid_read_timeout"),
+             QStringList{"hid_read_timeout handle=1 length=64 timeout=1000 result=0"});
     QCOMPARE(int{window->currentVersion}, 0);
     QCOMPARE(window->updateChecker->curVersion, QString("0"));
     QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB4 connected")});
@@ -223,7 +222,7 @@ void TestIdentification::typeWithoutModel()
     unit->say(firstReport(1, 2));
     const QSignalSpy checked(window->updateChecker, SIGNAL(newUpdateFileDownloaded(bool)));
     QCOMPARE(find(window, static_cast<UnitType>(17), unit->path()), 0);
-    QTest::qWait(20); // a box would have been seen by now
+    passTicks(20); // a box would have been seen by now
     QCOMPARE(window.boxes.lines(), QStringList{});
     QCOMPARE(int{window->currentVersion}, 2);
     QCOMPARE(checked.count(), 1);

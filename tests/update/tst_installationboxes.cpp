@@ -1,4 +1,5 @@
 #include "support/boxlines.h"
+#include "support/ticks.h"
 #include "support/transferdesk.h"
 
 #include <QDeadlineTimer>
@@ -11,7 +12,6 @@ using Script = std::function<void()>;
 namespace {
 
 constexpr int mostBoxes = 16;
-constexpr int patienceMs = 5000;
 
 /// The transfer's own timer follows the installation; boxes stay until a script dismisses them. A box holds
 /// up whatever ran on the GUI thread before it, so scripts run beside it, on a thread of their own, as a user
@@ -41,7 +41,7 @@ public:
         user->start();
         const bool quit = QCoreApplication::exec() == 0;
         while (!user->isFinished())
-            QTest::qWait(1); // what the script still asks of the GUI thread is answered
+            passTicks(1); // what the script still asks of the GUI thread is answered
         return quit;
     }
 
@@ -96,9 +96,9 @@ private:
 
     void awaitOnGui(const std::function<bool()>& condition)
     {
-        const QDeadlineTimer deadline(patienceMs);
+        const QDeadlineTimer deadline(limits::hang());
         while (!onGui(condition) && !deadline.hasExpired())
-            QThread::msleep(1);
+            QThread::msleep(1); // between two looks
     }
 
     [[nodiscard]] int reportsRead() const { return calls().filter("result=64").size(); }

@@ -141,7 +141,8 @@ void TestOffer::box()
 {
     QFETCH(bool, isUpdater);
     OfferDesk desk;
-    QVERIFY(QTest::qWaitForWindowActive(&*desk.window)); // an active window could become the box's parent
+    QVERIFY(QTest::qWaitForWindowActive(&*desk.window,
+                                        limits::hangMs())); // an active window could become the box's parent
     pressNo(desk.window.boxes);
     if (isUpdater)
         desk.window->onFindMainNewVersion("12", "line 1\nline 2");

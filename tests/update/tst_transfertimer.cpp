@@ -1,17 +1,16 @@
 #include "support/boxlines.h"
+#include "support/ticks.h"
 #include "support/transferdesk.h"
 #include "update/transferstate.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
 
 using Trouble = std::function<void(TransferDesk&)>;
 
 namespace {
-
-constexpr int aWhileMs = 30; ///< some thirty ticks, if there were any
 
 void timeOut(TransferDesk& desk)
 {
@@ -60,8 +59,9 @@ private:
     static bool isTicking(const TransferDesk& desk)
     {
         const int before = desk.calls().size();
-        QTest::qWait(aWhileMs);
-        return desk.calls().size() > before;
+        const auto hasTicked = [&] { return desk.calls().size() > before; };
+        passTicks(30, hasTicked);
+        return hasTicked();
     }
 };
 
@@ -93,11 +93,9 @@ void TestTransferTimer::imageUnderTheTimer()
     desk.window->updateDevice();
     QTRY_COMPARE(desk.writes().size(), std::size_t{1});
     desk.unit->sayStatus(0x95);
-    QElapsedTimer stream;
-    stream.start();
+    const QSignalSpy ticks(transferTimer, &QTimer::timeout);
     QTRY_COMPARE(desk.window->applyingPhase, 1);
-    QVERIFY2(stream.elapsed() >= 90,
-             qPrintable(QString::number(stream.elapsed()))); // a packet a tick, 101 in all
+    QVERIFY2(ticks.size() >= 101, qPrintable(QString::number(ticks.size()))); // a packet a tick
     std::vector<Bytes> written = desk.writes();
     written.erase(written.begin());
     QVERIFY(written == packetsOf(layoutB, image));

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <future>
 #include <thread>
 
 namespace {
@@ -28,14 +29,17 @@ void use(const hid_device_info& info)
 void leaveAReader(const hid_device_info& info)
 {
     hid_device* device = hid_open_path(info.path);
-    std::thread([device] {
+    std::promise<void> reading;
+    std::thread([device, &reading] {
         unsigned char report[64];
         hid_read(device, report, sizeof report); // the first report
         std::printf("reading\n");
+        reading.set_value();
         hid_read(device, report, sizeof report);
         std::printf("got a report that nobody sent\n");
     }).detach();
-    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // nothing tells when a read has blocked
+    reading.get_future().wait();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // nothing tells when the read has blocked
 }
 
 } // namespace

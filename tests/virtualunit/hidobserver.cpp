@@ -3,9 +3,11 @@
 
 #include "host.h"
 #include "loghost.h"
+#include "support/limits.h"
 
 #include <hidapi.h>
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QThread>
 
@@ -48,6 +50,13 @@ int write(const Unit& unit, const host::Bytes& report)
 int read(const Unit& unit, Buffer& report, int limitMs)
 {
     return hid_read_timeout(unit.get(), report.data(), report.size(), limitMs);
+}
+
+/// Gives a unit time for reports that cannot be awaited, as they must not be read: on a real bus it sends
+/// them while this waits.
+void leaveTime(int ms)
+{
+    QThread::msleep(static_cast<unsigned long>(limits::lengthened(ms)));
 }
 
 const wchar_t* shown(const wchar_t* text)
@@ -118,9 +127,9 @@ void queue()
 {
     const Unit unit = openFirst();
     write(unit, host::request(host::older, host::digestOf("")));
-    QThread::msleep(1500);
+    leaveTime(1500);
     write(unit, host::logRequest(host::older));
-    QThread::msleep(200);
+    leaveTime(200);
     Buffer report{};
     int kept = 0;
     unsigned oldest = 0;
@@ -133,18 +142,20 @@ void unplug()
 {
     const Unit unit = openFirst();
     const std::string path = units()->path;
-    QThread::msleep(200);
+    leaveTime(200);
     write(unit, host::report({{1, 0x80}}));
     std::printf("the last write %d\n", write(unit, host::report({{1, 0x80}})));
-    for (int tries = 0; tries < 500 && units(); ++tries)
-        QThread::msleep(10);
+    const QDeadlineTimer limit(limits::hang());
+    while (units() && !limit.hasExpired())
+        QThread::msleep(10); // between two looks
     std::printf("listed %d, opened %d\n", units() != nullptr, Unit(hid_open_path(path.c_str())) != nullptr);
     std::printf("write %d\n", write(unit, host::report({{1, 0x80}})));
     Buffer report{};
     int kept = 0;
-    while (kept < 100 && read(unit, report, 1000) == 64)
+    while (kept < 100 && read(unit, report, limits::hangMs()) == 64)
         ++kept;
-    std::printf("%s, then %d\n", kept > 0 ? "reports from before" : "nothing", read(unit, report, 1000));
+    std::printf("%s, then %d\n", kept > 0 ? "reports from before" : "nothing",
+                read(unit, report, limits::hangMs()));
     std::printf("read without limit %d\n", hid_read(unit.get(), report.data(), report.size()));
     std::array<wchar_t, 16> text{};
     std::printf("serial %d\n", hid_get_serial_number_string(unit.get(), text.data(), text.size()));
@@ -160,9 +171,9 @@ void takesNothing()
         passed.start();
         result = write(unit, host::report({}));
     }
-    std::printf("write %d after %lld s\n", result, static_cast<long long>(passed.elapsed() / 1000));
+    std::printf("write %d, %s\n", result, passed.elapsed() >= 1000 ? "a second later" : "too early");
     Buffer report{};
-    std::printf("read %d\n", read(unit, report, 2000));
+    std::printf("read %d\n", read(unit, report, limits::hangMs()));
 }
 
 /// Units of one model, told apart by their versions.
@@ -172,7 +183,7 @@ void twins()
     for (const hid_device_info* info = list.get(); info != nullptr; info = info->next) {
         const Unit unit(hid_open_path(info->path));
         Buffer report{};
-        const int result = read(unit, report, 2000);
+        const int result = read(unit, report, limits::hangMs());
         std::printf("read %d, version %d\n", result, report[63]);
     }
 }

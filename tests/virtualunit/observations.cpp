@@ -41,7 +41,7 @@ std::vector<Observation> allObservations()
         {"unit that takes nothing",
          "takes-nothing",
          {"hb4,fault=takes-nothing"},
-         {"write -1 after 1 s", "read 64"}},
+         {"write -1, a second later", "read 64"}},
     };
 }
 

@@ -16,10 +16,11 @@ public:
                                             virtualbus::Milliseconds) override
     {
         written.emplace_back(bytes.begin(), bytes.end());
-        return {};
+        return receipt;
     }
     std::optional<std::vector<std::uint8_t>> takeInput(virtualbus::Milliseconds) override
     {
+        ++asks;
         if (input.empty())
             return std::nullopt;
         const std::vector<std::uint8_t> report = input.front();
@@ -29,5 +30,16 @@ public:
 
     std::deque<std::vector<std::uint8_t>> input;
     std::vector<std::vector<std::uint8_t>> written;
+    virtualunit::VirtualUnit::Receipt receipt; ///< of every write
     int closings = 0;
+    int asks = 0; ///< for input
+
+    /// A call of another thread has come here and waits for something to change: it keeps the bus's lock till
+    /// then.
+    [[nodiscard]] bool keepsSomebodyWaiting() const
+    {
+        bool keeps = false;
+        virtualbus::change([&] { keeps = asks > 0 || !written.empty(); });
+        return keeps;
+    }
 };

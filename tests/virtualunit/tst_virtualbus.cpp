@@ -194,11 +194,12 @@ void TestVirtualBus::clearLeavesHandlesUnplugged()
 
 void TestVirtualBus::clearWakesABlockedRead()
 {
-    virtualbus::attach({}, std::make_shared<ScriptedDevice>());
+    const auto script = std::make_shared<ScriptedDevice>();
+    virtualbus::attach({}, script);
     hid_device* device = hid_open_path("virtual:1");
     int result = 99;
     std::thread reader([&] { result = hid_read(device, bytes, 64); });
-    QTest::qWait(20);
+    QTRY_VERIFY(script->keepsSomebodyWaiting());
     virtualbus::clear();
     reader.join();
     QCOMPARE(result, -1);

@@ -35,7 +35,7 @@ void TestVirtualLibrary::likeTheRealOne()
     QProcess observer;
     observer.setProcessEnvironment(environment);
     observer.start(TALVEX_HID_OBSERVER, {observation.scene});
-    QVERIFY2(observer.waitForFinished(), qPrintable(observer.errorString()));
+    QVERIFY2(observer.waitForFinished(limits::hangMs()), qPrintable(observer.errorString()));
     QCOMPARE(QString::fromUtf8(observer.readAllStandardError()), QString());
     QCOMPARE(QString::fromUtf8(observer.readAllStandardOutput()).split('\n'),
              observation.expected + QStringList{""});

@@ -37,7 +37,7 @@ TestVirtualPreload::Run TestVirtualPreload::run(const QString& units, const QStr
     QProcess client;
     client.setProcessEnvironment(environment);
     client.start(TALVEX_HID_CLIENT, arguments);
-    if (!client.waitForFinished(20000))
+    if (!client.waitForFinished(limits::hangMs()))
         return {};
     return {client.readAllStandardOutput(), client.readAllStandardError(), client.exitCode()};
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+// Included into every QtTest program by the build, in front of all else: Qt's own macros wait for 5 s.
+
+#include "limits.h"
+
+#include <QtTest>
+
+#undef QTRY_VERIFY
+#define QTRY_VERIFY(expression)                                                                              \
+    do {                                                                                                     \
+        (void)QTest::qWaitFor([&] { return static_cast<bool>(expression); }, limits::hangMs());              \
+        QVERIFY(expression);                                                                                 \
+    } while (false)
+
+#undef QTRY_COMPARE
+#define QTRY_COMPARE(actual, expected)                                                                       \
+    do {                                                                                                     \
+        (void)QTest::qWaitFor([&] { return (actual) == (expected); }, limits::hangMs());                     \
+        QCOMPARE(actual, expected);                                                                          \
+    } while (false)
