@@ -1,5 +1,7 @@
 #include "childprocess.h"
 
+#include "support/limits.h"
+
 #include <csignal>
 #include <sys/prctl.h>
 
@@ -8,15 +10,15 @@ ChildProcess::~ChildProcess()
     end();
 }
 
-void ChildProcess::end(int graceMs)
+void ChildProcess::end()
 {
     if (state() == NotRunning)
         return;
     terminate();
-    if (waitForFinished(graceMs))
+    if (waitForFinished(limits::hangMs()))
         return;
     kill();
-    waitForFinished(graceMs);
+    waitForFinished(limits::hangMs());
 }
 
 void ChildProcess::setupChildProcess()

@@ -9,8 +9,8 @@ public:
     using QProcess::QProcess;
     ~ChildProcess() override;
 
-    /// Asks it to end, and after graceMs ms ends it. Returns once it is gone.
-    void end(int graceMs = 2000);
+    /// Asks it to end, and ends it if it does not. Returns once it is gone.
+    void end();
 
 protected:
     void setupChildProcess() override;

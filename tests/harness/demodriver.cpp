@@ -17,12 +17,7 @@
 
 #include <cstdio>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto downloadLimit = 60s;
-constexpr auto transferLimit = 600s; // 10 MB take about three minutes
 
 class Demo
 {
@@ -64,15 +59,12 @@ Outcome Demo::keepPicture(const QString& stage)
 /// Pictures a box once it is painted: when two looks at the screen see the same.
 Outcome Demo::keepPictureOfBox(const QString& stage)
 {
-    constexpr auto paintLimit = 2s;
     QImage before = desktop.screen().picture();
-    const bool still = waitUntil(
-        [&] {
-            QImage now = desktop.screen().picture();
-            before.swap(now);
-            return now == before && desktop.screen().originOf(program.look().boxWindow()).has_value();
-        },
-        paintLimit);
+    const bool still = waitUntil([&] {
+        QImage now = desktop.screen().picture();
+        before.swap(now);
+        return now == before && desktop.screen().originOf(program.look().boxWindow()).has_value();
+    });
     return still ? keepPicture(stage) : Outcome("the screen does not come to rest: " + stage);
 }
 
@@ -91,9 +83,8 @@ Outcome Demo::update(const QString& proxy, const QString& unit)
     STEP(keepPicture("started"));
     STEP(seeConnection());
     STEP(program.answer("Yes"));
-    STEP(program.waitFor(
-        "the stored image", [](const View& view) { return view.enabled("updateDeviceButton"); },
-        downloadLimit));
+    STEP(program.waitFor("the stored image",
+                         [](const View& view) { return view.enabled("updateDeviceButton"); }));
     STEP(keepPicture("downloaded"));
     STEP(seeTransfer());
     STEP(seeInstallation());
@@ -120,7 +111,7 @@ Outcome Demo::seeTransfer()
             return view.text("labelTransfer") == "Transfer: in progress" &&
                    view.value("progressBarTransfer") >= percent;
         };
-        STEP(program.waitFor(QString("the transfer at %1 %").arg(percent), reached, transferLimit));
+        STEP(program.waitFor(QString("the transfer at %1 %").arg(percent), reached));
         STEP(keepPicture(QString("transfer-%1-percent").arg(percent)));
     }
     return {};
@@ -132,9 +123,9 @@ Outcome Demo::seeInstallation()
         return view.text("labelUpdate").startsWith("Update: in progress") &&
                view.value("progressBarUpdate") >= 10;
     };
-    STEP(program.waitFor("the installation", installing, transferLimit));
+    STEP(program.waitFor("the installation", installing));
     STEP(keepPicture("installing"));
-    STEP(program.waitForText("labelUpdate", "Update: finished", 60s));
+    STEP(program.waitForText("labelUpdate", "Update: finished"));
     STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
     STEP(keepPictureOfBox("finished"));
     return program.answer("Ok");
@@ -165,10 +156,9 @@ Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& 
         const int percent = view.value("progressBarTransfer"); // at first still that of the catalogue
         return view.enabled("stopDownloadingFile") && percent >= 50 && percent < 90;
     };
-    STEP(program.waitFor("half of the log", halfWay, transferLimit));
+    STEP(program.waitFor("half of the log", halfWay));
     STEP(keepPicture("log-50-percent"));
-    STEP(program.waitFor(
-        "the last box", [](const View& view) { return view.box().has_value(); }, downloadLimit));
+    STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
     STEP(keepPictureOfBox("log-complete"));
     STEP(program.answer("Ok"));
     STEP(program.waitForExit(0));

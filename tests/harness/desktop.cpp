@@ -2,14 +2,6 @@
 
 #include "waiting.h"
 
-using namespace std::chrono_literals;
-
-namespace {
-
-constexpr auto startLimit = 20s;
-
-} // namespace
-
 Outcome Desktop::start()
 {
     displayName = qEnvironmentVariable("TALVEX_TEST_DISPLAY");
@@ -26,12 +18,10 @@ Outcome Desktop::startServer()
     server.setProcessChannelMode(QProcess::SeparateChannels);
     server.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"});
     QByteArray number;
-    const bool told = waitUntil(
-        [&] {
-            number += server.readAllStandardOutput();
-            return number.endsWith('\n') || server.state() == QProcess::NotRunning;
-        },
-        startLimit);
+    const bool told = waitUntil([&] {
+        number += server.readAllStandardOutput();
+        return number.endsWith('\n') || server.state() == QProcess::NotRunning;
+    });
     if (!told || !number.endsWith('\n'))
         return Outcome("Xvfb did not start: " + server.readAllStandardError() + server.errorString());
     displayName = ":" + number.trimmed();
@@ -46,7 +36,7 @@ Outcome Desktop::startWindowManager()
     windowManager.setStandardOutputFile(QProcess::nullDevice());
     windowManager.setStandardErrorFile(QProcess::nullDevice());
     windowManager.start("openbox", {"--sm-disable"});
-    if (!waitUntil([&] { return xscreen.hasWindowManager(); }, startLimit))
+    if (!waitUntil([&] { return xscreen.hasWindowManager(); }))
         return Outcome("openbox did not start: " + windowManager.errorString());
     return {};
 }

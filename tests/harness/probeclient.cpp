@@ -1,6 +1,7 @@
 #include "probeclient.h"
 
-#include <QElapsedTimer>
+#include "support/limits.h"
+
 #include <QJsonDocument>
 
 bool ProbeClient::open(const QString& path)
@@ -8,17 +9,15 @@ bool ProbeClient::open(const QString& path)
     if (socket.state() == QLocalSocket::ConnectedState)
         return true;
     socket.connectToServer(path);
-    return socket.waitForConnected(100);
+    return socket.waitForConnected(limits::hangMs()); // refused at once where nobody listens
 }
 
-QJsonDocument ProbeClient::ask(const QByteArray& request, int limitMs)
+QJsonDocument ProbeClient::ask(const QByteArray& request)
 {
-    QElapsedTimer passed;
-    passed.start();
     socket.write(request + '\n');
     QByteArray answer;
-    while (!answer.endsWith('\n') && !passed.hasExpired(limitMs)) {
-        if (socket.bytesAvailable() == 0 && !socket.waitForReadyRead(limitMs))
+    while (!answer.endsWith('\n')) {
+        if (socket.bytesAvailable() == 0 && !socket.waitForReadyRead(limits::hangMs()))
             return {};
         answer += socket.readLine();
     }

@@ -12,8 +12,8 @@ public:
     /// Connects to the probe's socket; false: nobody listens there (yet).
     [[nodiscard]] bool open(const QString& path);
 
-    /// The answer to one request, or a null document when the program does not answer within limitMs ms.
-    [[nodiscard]] QJsonDocument ask(const QByteArray& request, int limitMs = 5000);
+    /// The answer to one request, or a null document when the program does not answer.
+    [[nodiscard]] QJsonDocument ask(const QByteArray& request);
 
     /// An empty view: no answer.
     [[nodiscard]] View look() { return View(ask("snapshot").object()); }

@@ -1,11 +1,13 @@
 #include "program.h"
 
+#include "processtime.h"
 #include "waiting.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -95,8 +97,7 @@ Outcome Program::start()
     process.setWorkingDirectory(base.filePath("work"));
     process.start(ownPath("talvex-updater"), QStringList());
     const bool listens = waitUntil(
-        [&] { return process.state() == QProcess::NotRunning || probe.open(base.filePath("probe")); },
-        usualLimit);
+        [&] { return process.state() == QProcess::NotRunning || probe.open(base.filePath("probe")); });
     if (!listens || !isRunning())
         return failed("the program did not start: " + process.errorString());
     return waitFor("the main window", [](const View& view) { return view.window()["exposed"].toBool(); });
@@ -120,26 +121,28 @@ Outcome Program::failed(const QString& what)
                    errorOutput() + stored);
 }
 
-Outcome Program::waitFor(const QString& what, const std::function<bool(const View&)>& condition,
-                         Milliseconds limit)
+Outcome Program::waitFor(const QString& what, const std::function<bool(const View&)>& condition)
 {
-    const bool met = waitUntil(
-        [&] {
-            const View now = look();
-            if (!now.isEmpty())
-                last = now;
-            return !isRunning() || (!now.isEmpty() && condition(now));
-        },
-        limit);
+    bool met = false;
+    bool changes = true;
+    const auto isMet = [&] {
+        const View now = look();
+        if (!now.isEmpty()) {
+            changes = changes || !(now == last);
+            last = now;
+        }
+        return !isRunning() || (!now.isEmpty() && condition(now));
+    };
+    while (!met && std::exchange(changes, false))
+        met = waitUntil(isMet);
     if (!isRunning())
         return failed("the program ended while this was awaited: " + what);
-    return met ? Outcome() : failed("not seen within " + QString::number(limit.count()) + " ms: " + what);
+    return met ? Outcome() : failed("not seen, and nothing changes any more: " + what);
 }
 
-Outcome Program::waitForBox(const BoxText& expected, Milliseconds limit)
+Outcome Program::waitForBox(const BoxText& expected)
 {
-    STEP(waitFor(
-        "a box", [](const View& view) { return view.box().has_value(); }, limit));
+    STEP(waitFor("a box", [](const View& view) { return view.box().has_value(); }));
     if (last.box() == expected)
         return {};
     return failed(
@@ -153,16 +156,16 @@ Outcome Program::waitForNoBox()
     return waitFor("no box", [](const View& view) { return view.boxCount() == 0; });
 }
 
-Outcome Program::waitForText(const QString& name, const QString& text, Milliseconds limit)
+Outcome Program::waitForText(const QString& name, const QString& text)
 {
-    return waitFor(
-        name + " reading \"" + text + '"', [&](const View& view) { return view.text(name) == text; }, limit);
+    return waitFor(name + " reading \"" + text + '"',
+                   [&](const View& view) { return view.text(name) == text; });
 }
 
-Outcome Program::waitForExit(int code, Milliseconds limit)
+Outcome Program::waitForExit(int code)
 {
-    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }, limit))
-        return failed("still running after " + QString::number(limit.count()) + " ms");
+    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
+        return failed("the program does not end");
     if (process.exitStatus() != QProcess::NormalExit)
         return failed("the program crashed");
     if (process.exitCode() != code)
@@ -170,20 +173,33 @@ Outcome Program::waitForExit(int code, Milliseconds limit)
     return {};
 }
 
-Outcome Program::staysAway(const QString& what, const std::function<bool(const View&)>& unwanted,
-                           Milliseconds time)
+Outcome Program::waitForPromptExit(int code)
 {
-    bool seen = false;
-    const bool stopped = waitUntil(
-        [&] {
-            last = look();
-            seen = unwanted(last);
-            return seen || !isRunning();
-        },
-        time);
-    if (!stopped)
-        return {};
-    return failed(seen ? "not expected: " + what : "the program ended");
+    constexpr std::chrono::seconds longest{3};
+    const std::chrono::milliseconds workedBefore = processorTime(process.processId());
+    std::chrono::milliseconds slept{0};
+    bool isLate = false;
+    const auto isOver = [&] {
+        if (isAsleep(process.processId()))
+            slept += pauseBetweenLooks();
+        isLate = slept + processorTime(process.processId()) - workedBefore > longest;
+        return isLate || process.state() == QProcess::NotRunning;
+    };
+    return waitUntil(isOver) && isLate ? failed("the program does not end within 3 s of its own time")
+                                       : waitForExit(code);
+}
+
+Outcome Program::staysAway(const QString& what, const std::function<bool(const View&)>& unwanted, int looks)
+{
+    for (int look = 0; look < looks; ++look) {
+        last = this->look();
+        if (!isRunning())
+            return failed("the program ended");
+        if (unwanted(last))
+            return failed("not expected: " + what);
+        letOthersRun();
+    }
+    return {};
 }
 
 Outcome Program::click(const QString& what, const std::function<std::optional<Target>(const View&)>& find)
@@ -217,7 +233,7 @@ Outcome Program::answer(const QString& button)
         box = view.boxWindow();
         return view.targetOfButton(button);
     }));
-    if (waitUntil([&] { return !isRunning() || look().boxWindow() != box; }, usualLimit))
+    if (waitUntil([&] { return !isRunning() || look().boxWindow() != box; }))
         return {};
     return failed("the box stayed open after " + button);
 }

@@ -9,11 +9,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-using namespace std::chrono_literals;
-
 namespace {
 
-constexpr auto startLimit = 20s;
 constexpr int mostPortsTried = 5;
 
 /// A port that was free a moment ago; 0: there is none.
@@ -28,7 +25,7 @@ bool listens(quint16 port)
     QTcpSocket caller;
     caller.setProxy(QNetworkProxy::NoProxy);
     caller.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    return caller.waitForConnected(200);
+    return caller.waitForConnected(limits::hangMs());
 }
 
 } // namespace
@@ -50,8 +47,7 @@ Outcome UpdateServer::startOn(quint16 candidate)
 {
     process.start(TALVEX_SERVE_SCRIPT,
                   {base.filePath("root"), QString::number(candidate), base.filePath("run")});
-    const bool up =
-        waitUntil([&] { return process.state() == QProcess::NotRunning || listens(candidate); }, startLimit);
+    const bool up = waitUntil([&] { return process.state() == QProcess::NotRunning || listens(candidate); });
     if (!up || process.state() == QProcess::NotRunning)
         return Outcome("the update server did not start: " + process.errorString() +
                        process.readAllStandardError());

@@ -23,8 +23,7 @@ public:
     /// The value for http_proxy that leads every plain HTTP request here.
     [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(port); }
 
-    /// Makes these bytes the answer for a path ("/bin/HB4.sb"). What lies below "/slow/" is handed out
-    /// slowly.
+    /// Makes these bytes the answer for a path ("/bin/HB4.sb").
     Outcome publish(const QString& path, const QByteArray& bytes);
     void withdraw(const QString& path) { QFile::remove(base.filePath("root") + path); }
 

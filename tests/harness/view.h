@@ -42,6 +42,7 @@ public:
     View() = default;
     explicit View(QJsonObject told) : all(std::move(told)) {}
 
+    bool operator==(const View&) const = default;
     [[nodiscard]] bool isEmpty() const { return all.isEmpty(); }
 
     /// The main window's own fields; an empty object while it is not shown.

@@ -1,26 +1,37 @@
 #pragma once
 
+#include "support/limits.h"
+
 #include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include <chrono>
 
-/// Asks again and again, with the event loop served in between, until the condition holds or the limit is
-/// over. Returns whether it held.
-template<typename Condition>
-[[nodiscard]] bool waitUntil(Condition condition, std::chrono::milliseconds limit)
+/// The pause between two looks. Asking takes the processor's time: TALVEX_TEST_PAUSE_MS asks for a longer one
+/// where that is an emulated one.
+[[nodiscard]] inline std::chrono::milliseconds pauseBetweenLooks()
 {
-    // Asking takes the processor's time: where it is an emulated one there are to be longer pauses.
     static const int wanted = qEnvironmentVariableIntValue("TALVEX_TEST_PAUSE_MS");
-    const unsigned long pauseMs = wanted > 0 ? static_cast<unsigned long>(wanted) : 4;
-    QElapsedTimer passed;
-    passed.start();
+    return std::chrono::milliseconds(wanted > 0 ? wanted : 4);
+}
+
+/// Serves the event loop and lets others run.
+inline void letOthersRun()
+{
+    QCoreApplication::processEvents();
+    QThread::msleep(static_cast<unsigned long>(pauseBetweenLooks().count()));
+}
+
+/// Asks again and again, with the event loop served in between, until the condition holds. Returns whether it
+/// did: it gives up where everything hangs.
+template<typename Condition> [[nodiscard]] bool waitUntil(Condition condition)
+{
+    const QDeadlineTimer limit(limits::hang());
     while (!condition()) {
-        if (passed.hasExpired(limit.count()))
+        if (limit.hasExpired())
             return false;
-        QCoreApplication::processEvents();
-        QThread::msleep(pauseMs);
+        letOthersRun();
     }
     return true;
 }

@@ -3,8 +3,6 @@
 #include "program.h"
 #include "updateserver.h"
 
-#include <chrono>
-
 /// The steps of an update that several tests share. The unit is at version 2.3, the server offers 2.8.
 namespace scenario {
 
@@ -44,7 +42,7 @@ Outcome awaitStream(Program& program);
 Outcome awaitInstallation(Program& program);
 /// @}
 /// The finished installation as it is shown, its box, Ok, and the program's end.
-Outcome seeFinished(Program& program, std::chrono::milliseconds limit = Program::usualLimit);
+Outcome seeFinished(Program& program);
 
 /// The box that ends a successful update.
 [[nodiscard]] BoxText finishedBox();

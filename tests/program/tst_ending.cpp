@@ -1,17 +1,17 @@
-// The ways out of the program: in every state it ends within 3 s, with exit code 0.
+// The ways out of the program: in every state it ends at once, with exit code 0, whatever it was waiting for.
 
 #include "program.h"
 #include "scenario.h"
 #include "updateserver.h"
 
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
-
-using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto endLimit = 3s;
+constexpr int smallSize = 6000;
+constexpr int longOnItsWay = 6'000'000; ///< a hundred seconds at least: nobody misses it
 
 constexpr const char* silentInstallation = ",fault=silent-installation";
 
@@ -21,6 +21,25 @@ class SilentServer : public QTcpServer
 public:
     SilentServer() { listen(QHostAddress::LocalHost); }
     [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(serverPort()); }
+};
+
+/// A server that sends the first half of an image, to whoever asks for anything, and then falls silent.
+class HalfServer : public QTcpServer
+{
+public:
+    HalfServer()
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket* const client = nextPendingConnection();
+            connect(client, &QTcpSocket::readyRead, client, [client] {
+                client->readAll();
+                client->write("HTTP/1.1 200 OK\r\nContent-Length: 2000000\r\n\r\n" +
+                              QByteArray(1'000'000, 'i'));
+            });
+        });
+    }
+    [[nodiscard]] QString address() const { return QString("http://127.0.0.1:%1/HB4.sb").arg(serverPort()); }
 };
 
 using State = Outcome (*)(Program&);
@@ -79,26 +98,30 @@ void tst_ending::windowClosed_data()
 {
     QTest::addColumn<QString>("more"); // options of the unit
     QTest::addColumn<State>("reach");
-    QTest::newRow("right after the start") << "" << State([](Program&) { return Outcome(); });
-    QTest::newRow("after a declined offer") << "" << State(scenario::declineOffer);
-    QTest::newRow("with an image to send")
-        << ""
-        << State([](Program& program) { return scenario::connectAndDownload(program, "HB4 connected"); });
-    QTest::newRow("while the unit does not answer") << ",fault=never-answers" << State(pressUpdate);
-    QTest::newRow("in the middle of the transfer") << "" << State(streamImage);
-    QTest::newRow("during the installation") << silentInstallation << State(install);
+    QTest::addColumn<int>("size"); // of the image
+    QTest::newRow("right after the start") << "" << State([](Program&) { return Outcome(); }) << smallSize;
+    QTest::newRow("after a declined offer") << "" << State(scenario::declineOffer) << smallSize;
+    QTest::newRow("with an image to send") << "" << State([](Program& program) {
+        return scenario::connectAndDownload(program, "HB4 connected");
+    }) << smallSize;
+    QTest::newRow("while the unit does not answer")
+        << ",fault=never-answers" << State(pressUpdate) << smallSize;
+    QTest::newRow("in the middle of the transfer") << "" << State(streamImage) << longOnItsWay;
+    QTest::newRow("during the installation") << silentInstallation << State(install) << smallSize;
 }
 
 void tst_ending::windowClosed()
 {
     QFETCH(QString, more);
     QFETCH(State, reach);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    QFETCH(int, size);
+    const QByteArray sent = scenario::image(size);
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, sent, scenario::changeLog));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy(), more));
     MUST(reach(program));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     const QStringList journal = scenario::journal(program);
     QCOMPARE(journal.isEmpty() ? QString("closed") : journal.last(),
              QString("closed")); // the unit is given back
@@ -112,7 +135,7 @@ void tst_ending::closedWhileTheServerIsSilent()
     MUST(scenario::connectUnit(program, "HB4 connected"));
     MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_ending::closedWhileTheHostIsLookedUp()
@@ -126,15 +149,14 @@ void tst_ending::closedWhileTheHostIsLookedUp()
     const QString noted = program.scratchPath("looked-up");
     MUST(program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); }));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_ending::closedWhileTheImageArrives()
 {
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
-    MUST(server.publish("/slow/HB4.sb", scenario::image(3'000'000)));
-    MUST(server.publish(cataloguePath, catalogueOf("HB4", scenario::offeredVersion,
-                                                   QString("http://%1/slow/HB4.sb").arg(updateHost),
+    HalfServer half;
+    MUST(server.publish(cataloguePath, catalogueOf("HB4", scenario::offeredVersion, half.address(),
                                                    QString("http://%1/logs/HB4.txt").arg(updateHost))));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
@@ -143,11 +165,11 @@ void tst_ending::closedWhileTheImageArrives()
     MUST(program.answer("Yes"));
     MUST(program.waitFor("the download under way", [](const View& view) {
         return view.text("labelTransfer") == "Transfer: download new version" &&
-               view.value("progressBarTransfer") > 0 && view.value("progressBarTransfer") < 50;
+               view.value("progressBarTransfer") > 0;
     }));
     QVERIFY(!program.look().enabled("updateDeviceButton"));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QVERIFY(!program.fileContent("updater.sb"));
 }
 
@@ -178,11 +200,10 @@ void tst_ending::boxClosed()
 
     // The window behind a box cannot be closed before the box is.
     MUST(program.closeWindow());
-    MUST(program.staysAway(
-        "no box", [](const View& view) { return view.boxCount() == 0; }, 200ms));
+    MUST(program.staysAway("no box", [](const View& view) { return view.boxCount() == 0; }));
     MUST(program.closeBox());
     if (ends) {
-        MUST(program.waitForExit(0, endLimit));
+        MUST(program.waitForPromptExit(0));
         return;
     }
     if (!connects) { // the check that follows the connection opens the next one
@@ -193,7 +214,7 @@ void tst_ending::boxClosed()
     }
     MUST(program.waitForNoBox());
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 QTEST_GUILESS_MAIN(tst_ending)

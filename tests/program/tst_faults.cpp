@@ -7,9 +7,10 @@
 #include <QCryptographicHash>
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
+
+/// Looks at a program that follows an installation: each waits for a poll of 100 ms.
+constexpr int somePolls = 6;
 
 constexpr int imageSize = 6000;
 const QString advice = "Check the connections between PC and the unit and to try the update again.";
@@ -142,7 +143,7 @@ void tst_faults::transfer()
         MUST(program.answer("Ok"));
     }
     MUST(program.waitFor("the window afterwards", shown));
-    MUST(program.staysAway("another box", boxOpen, 400ms));
+    MUST(program.staysAway("another box", boxOpen, somePolls));
     QVERIFY2(shown(program.look()), qPrintable(program.look().describe()));
 
     const bool requested = journal.value(0) != "unplugged" && !journal.isEmpty();
@@ -150,7 +151,7 @@ void tst_faults::transfer()
         QStringList{"opened"} + (requested ? QStringList{requestLine} : QStringList()) + journal;
     QCOMPARE(scenario::journal(program), expected);
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_faults::unitThatCannotBeUsed_data()
@@ -182,7 +183,7 @@ void tst_faults::unitThatCannotBeUsed()
     }
     QCOMPARE(program.look().describe(), before.describe());
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
     const QStringList said = program.errorOutput().split('\n');
     QCOMPARE(said.size(), 2);
     for (const QString& one : said)
@@ -200,10 +201,10 @@ void tst_faults::loneDeckBlocksConnect()
 
     MUST(program.press("connect_button"));
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("a box after the second press", boxOpen, 400ms));
+    MUST(program.staysAway("a box after the second press", boxOpen));
     QVERIFY(program.look().enabled("connect_button"));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_faults::unitThatSendsNoVersion()
@@ -232,37 +233,38 @@ void tst_faults::silentInstallationStopsAt99()
     MUST(program.waitFor("the bar at its start", creepingAt(2)));
     QVERIFY(shows(program.look(), "labelTransfer", "progressBarTransfer", completed));
     // A step every second poll, and a poll waits 100 ms: about 20 s.
-    MUST(program.waitFor("the bar at 99", creepingAt(99), 60s));
+    MUST(program.waitFor("the bar at 99", creepingAt(99)));
     const auto elsewhere = [&](const View& view) { return !creepingAt(99)(view) || view.boxCount() != 0; };
-    MUST(program.staysAway("anything else than 99 %", elsewhere, 600ms));
+    MUST(program.staysAway("anything else than 99 %", elsewhere, somePolls));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_faults::repeatedComplaintOpensFurtherBoxes()
 {
     constexpr int mostBoxes = 16;
     Program program(desktop);
-    const QString fault = ",fault=wrong-digest,repeats-outcome=yes";
+    const QString fault = ",fault=wrong-digest,repeats-outcome=yes,period-ms=40";
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
     MUST(scenario::connectAndDownload(program, "HB4 connected"));
     MUST(program.press("updateDeviceButton"));
     MUST(program.waitFor("a pile of boxes", [](const View& view) { return view.boxCount() == mostBoxes; }));
     MUST(program.staysAway(
-        "more boxes", [](const View& view) { return view.boxCount() > mostBoxes; }, 400ms));
+        "more boxes", [](const View& view) { return view.boxCount() > mostBoxes; }, somePolls));
     MUST(program.waitForBox(errorBox("Transfer failed. Wrong md5.\n" + advice)));
 }
 
 void tst_faults::repeatedSuccessEndsTheProgram()
 {
     Program program(desktop);
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",repeats-outcome=yes")}));
+    MUST(
+        startWithUnit(program, {scenario::unitOptions(program, "hb4", ",repeats-outcome=yes,period-ms=40")}));
     MUST(scenario::connectAndDownload(program, "HB4 connected"));
     MUST(program.press("updateDeviceButton"));
     MUST(program.waitFor("a second box", [](const View& view) { return view.boxCount() > 1; }));
     MUST(program.waitForBox(scenario::finishedBox()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_faults::imageThatCannotBeSent_data()
@@ -285,10 +287,10 @@ void tst_faults::imageThatCannotBeSent()
     MUST(program.waitForBox(errorBox("File updater is not found.\nCheck the HD free space and try again.")));
     MUST(program.answer("Ok"));
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("another box", boxOpen, 400ms));
+    MUST(program.staysAway("another box", boxOpen));
     QCOMPARE(scenario::journal(program), QStringList{"opened"});
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 3s));
+    MUST(program.waitForPromptExit(0));
 }
 
 QTEST_GUILESS_MAIN(tst_faults)

@@ -8,11 +8,8 @@
 #include <QTcpServer>
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
-constexpr auto endLimit = 3s;
 constexpr int logSize = 30'000; ///< 477 parts
 
 Outcome pressLogKeys(Program& program)
@@ -116,7 +113,7 @@ void tst_log::everyKindOfLayout()
     QVERIFY(!view.enabled("stopDownloadingFile"));
     QVERIFY(view.enabled("updateDeviceButton"));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QCOMPARE(storedLog(program), std::optional(log));
     QCOMPARE(complaints(program), QStringList());
     QCOMPARE(program.errorOutput(), QString());
@@ -128,7 +125,7 @@ void tst_log::refusedLog()
     MUST(begin(program, "hb4", "HB4 connected", ",fault=no-log"));
     MUST(program.waitForBox(completeBox()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QCOMPARE(storedLog(program), std::optional(QByteArray("")));
     QCOMPARE(complaints(program), QStringList());
 }
@@ -152,7 +149,7 @@ void tst_log::oddLog()
     MUST(begin(program, "hb4", "HB4 connected", QString(",fault=") + QTest::currentDataTag()));
     MUST(program.waitForBox(completeBox()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     const QByteArray stored = storedLog(program).value_or("no file");
     QVERIFY(stored.startsWith(log.left(logSize / 63 * 63)));
     QCOMPARE(stored == log, whole);
@@ -179,12 +176,11 @@ void tst_log::stoppedLog()
                !view.enabled("updateDeviceButton");
     };
     MUST(program.waitFor("the download at its halt", stands));
-    MUST(program.staysAway(
-        "an end by itself", [&](const View& view) { return !stands(view); }, 400ms));
+    MUST(program.staysAway("an end by itself", [&](const View& view) { return !stands(view); }));
     MUST(program.press("stopDownloadingFile"));
     MUST(program.waitForBox(completeBox()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QCOMPARE(storedLog(program), std::optional(log.left(stored)));
 }
 
@@ -193,7 +189,7 @@ void tst_log::closedInMidLog()
     Program program(desktop);
     MUST(begin(program, "hb4", "HB4 connected", ",fault=header-never-comes"));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_log::keysOfferNothing_data()
@@ -227,9 +223,9 @@ void tst_log::keysOfferNothing()
                              [](const View& view) { return !view.enabled("updateDeviceButton"); }));
     }
     MUST(pressLogKeys(program));
-    MUST(program.staysAway("the log button", offersLog, 400ms));
+    MUST(program.staysAway("the log button", offersLog));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 /// An image that arrives in mid log would enable Update Device.
@@ -242,9 +238,9 @@ void tst_log::keysOfferNothingWhileTheServerIsAsked()
     MUST(scenario::connectUnit(program, "HB4 connected"));
     MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
     MUST(pressLogKeys(program));
-    MUST(program.staysAway("the log button", offersLog, 400ms));
+    MUST(program.staysAway("the log button", offersLog));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 /// Logs of every second in which the program may start: its own gets another name.

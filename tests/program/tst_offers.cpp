@@ -6,11 +6,7 @@
 
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto endLimit = 3s;
 
 /// A command that notes down what it was called with.
 Outcome placeFakeOpener(const Program& program)
@@ -84,7 +80,7 @@ void tst_offers::unitIsUpToDate()
     MUST(program.waitForNoBox());
     QVERIFY(!program.look().enabled("updateDeviceButton"));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offers::declinedOfferChangesNothing()
@@ -102,7 +98,7 @@ void tst_offers::declinedOfferChangesNothing()
     QCOMPARE(server.requests().size(), 2); // the catalogue and the change log
     QVERIFY(!program.fileContent("updater.sb"));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offers::updaterOfferIsHandedToTheBrowser_data()
@@ -136,7 +132,7 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(QString(file.readAll()), QString("1\nhttp://%1%2\n").arg(updateHost, QString(handedOver)));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offers::updaterOfferDeclined()
@@ -148,10 +144,10 @@ void tst_offers::updaterOfferDeclined()
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::declineOffer(program));
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("another offer", boxOpen, 400ms));
+    MUST(program.staysAway("another offer", boxOpen));
     QVERIFY(!QFile::exists(program.scratchPath("opened")));
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offers::missingOnTheServer_data()
@@ -178,7 +174,7 @@ void tst_offers::missingOnTheServer()
     }
     MUST(program.waitForBox(scenario::networkProblemBox()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QVERIFY(!program.fileContent("updater.sb"));
 }
 
@@ -196,7 +192,7 @@ void tst_offers::imageThatCannotBeSaved()
         errorBox("Error saving firmware to disk.\nCheck the HD, connections between PC and the "
                  "unit and to try the update again.")));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     QVERIFY(!program.fileContent("updater.sb")); // an older image must never be taken for the new one
 }
 
@@ -223,8 +219,7 @@ void tst_offers::announcedSize()
     MUST(program.answer("Yes"));
     if (isReported) {
         MUST(program.waitForBox(scenario::networkProblemBox()));
-        MUST(program.staysAway(
-            "a second box", [](const View& view) { return view.boxCount() != 1; }, 400ms));
+        MUST(program.staysAway("a second box", [](const View& view) { return view.boxCount() != 1; }));
         MUST(program.answer("Ok"));
     } else {
         MUST(program.waitFor("the image",
@@ -232,7 +227,7 @@ void tst_offers::announcedSize()
         QVERIFY(program.fileContent("updater.sb") == large); // not compared aloud
         MUST(program.closeWindow());
     }
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 QTEST_GUILESS_MAIN(tst_offers)

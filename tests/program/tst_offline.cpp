@@ -5,14 +5,6 @@
 
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
-namespace {
-
-constexpr auto endLimit = 3s;
-
-} // namespace
-
 class tst_offline : public QObject
 {
     Q_OBJECT
@@ -43,7 +35,7 @@ void tst_offline::noServer()
     QVERIFY2(program.errorOutput().contains("Error by download info file"),
              qPrintable(program.errorOutput()));
     MUST(program.answer("Ok"));
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offline::localImageIsInstalledWithoutServer()

@@ -6,8 +6,6 @@
 
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 struct Model
@@ -167,8 +165,7 @@ void tst_road::secondRunKeepsTheFirstImage()
 
 void tst_road::largeImage()
 {
-    // 100000 packets at not quite one a millisecond
-    constexpr auto transferLimit = 400s;
+    // 100000 packets, not quite one a millisecond: the bar is on its way for so long that nobody misses it.
     const QByteArray image = scenario::image(6'000'000);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
 
@@ -184,8 +181,8 @@ void tst_road::largeImage()
         return percent > 2 && percent < 100 && view.enabled("progressBarTransfer") &&
                view.enabled("labelTransfer");
     };
-    MUST(program.waitFor("the bar on its way", underWay, transferLimit));
-    MUST(scenario::seeFinished(program, transferLimit));
+    MUST(program.waitFor("the bar on its way", underWay));
+    MUST(scenario::seeFinished(program));
     QVERIFY(scenario::receivedImage(program) == image);
     QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
 }

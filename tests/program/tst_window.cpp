@@ -177,10 +177,9 @@ void tst_window::buttonRow()
 
 void tst_window::onlyConnectResponds()
 {
-    using namespace std::chrono_literals;
     MUST(program->clickOn("updateDeviceButton"));
     const auto boxOpen = [](const View& now) { return now.boxCount() != 0; };
-    MUST(program->staysAway("a box after Update Device", boxOpen, 300ms));
+    MUST(program->staysAway("a box after Update Device", boxOpen));
     QVERIFY(!program->look().targetOfWidget("downloadLogFile")); // not to be seen, so not to be clicked
     QVERIFY(!program->look().targetOfWidget("stopDownloadingFile"));
     MUST(program->press("connect_button"));

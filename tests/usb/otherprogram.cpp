@@ -2,12 +2,7 @@
 
 #include "waiting.h"
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto openLimit = 10s;
-constexpr int longestPaceMs = 120'000;
 
 QString clientOf(const QString& flavour)
 {
@@ -20,12 +15,10 @@ Outcome OtherProgram::hold(const QString& flavour)
 {
     process.start(clientOf(flavour), {"hold"});
     QByteArray told;
-    const bool opened = waitUntil(
-        [&] {
-            told += process.readAllStandardOutput();
-            return told == "opened\n" || process.state() == QProcess::NotRunning;
-        },
-        openLimit);
+    const bool opened = waitUntil([&] {
+        told += process.readAllStandardOutput();
+        return told == "opened\n" || process.state() == QProcess::NotRunning;
+    });
     return opened && told == "opened\n" ? Outcome() : Outcome("the other program has no unit: " + told);
 }
 
@@ -34,7 +27,7 @@ Outcome OtherProgram::letGo()
     if (process.state() == QProcess::NotRunning)
         return {};
     process.closeWriteChannel();
-    const bool ended = waitUntil([&] { return process.state() == QProcess::NotRunning; }, openLimit);
+    const bool ended = waitUntil([&] { return process.state() == QProcess::NotRunning; });
     return ended && process.exitCode() == 0 ? Outcome() : Outcome("the other program did not let go");
 }
 
@@ -42,7 +35,7 @@ double OtherProgram::pacedRate(const QString& flavour, int reports)
 {
     QProcess writer;
     writer.start(clientOf(flavour), {"pace", QString::number(reports)});
-    if (!writer.waitForFinished(longestPaceMs) || writer.exitCode() != 0)
+    if (!writer.waitForFinished(limits::hangMs()) || writer.exitCode() != 0)
         return 0;
     return reports * 1000.0 / writer.readAllStandardOutput().trimmed().toDouble();
 }

@@ -1,19 +1,18 @@
 #include "pluggedunits.h"
 
+#include "processtime.h"
 #include "waiting.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
-using namespace std::chrono_literals;
-
 namespace {
 
-constexpr auto plugLimit = 10s;
 constexpr const char* vendor = ":00003A5D:"; // as in HID_ID=0003:00003A5D:00000A21
 
 bool canBeOpened(const QString& node)
@@ -22,18 +21,6 @@ bool canBeOpened(const QString& node)
     if (opened >= 0)
         ::close(opened);
     return opened >= 0;
-}
-
-/// User and system time of a process in clock ticks; negative: there is no such process.
-long processorTicks(qint64 process)
-{
-    QFile file(QString("/proc/%1/stat").arg(process));
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    const QByteArray all = file.readAll();
-    const QList<QByteArray> fields =
-        all.mid(all.lastIndexOf(')') + 2).split(' '); // from field 3, the state, on
-    return fields.value(11).toLong() + fields.value(12).toLong();
 }
 
 } // namespace
@@ -49,8 +36,8 @@ Outcome PluggedUnits::plugIn(const QStringList& units, const QString& more)
     gadget.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     gadget.start(TALVEX_GADGET, {units.join(more + ';') + more});
     count = units.size();
-    const bool seen = waitUntil(
-        [&] { return nodes().size() == count || gadget.state() == QProcess::NotRunning; }, plugLimit);
+    const bool seen =
+        waitUntil([&] { return nodes().size() == count || gadget.state() == QProcess::NotRunning; });
     if (gadget.state() == QProcess::NotRunning)
         return Outcome("the gadget ended with " + QString::number(gadget.exitCode()) + ' ' +
                        gadget.errorString());
@@ -82,8 +69,7 @@ Outcome PluggedUnits::unplug()
     if (gadget.exitStatus() != QProcess::NormalExit || gadget.exitCode() != 0)
         return Outcome("the gadget ended with " + QString::number(gadget.exitCode()));
     count = 0;
-    return waitUntil([] { return nodes().isEmpty(); }, plugLimit) ? Outcome()
-                                                                  : Outcome("the system kept the units");
+    return waitUntil([] { return nodes().isEmpty(); }) ? Outcome() : Outcome("the system kept the units");
 }
 
 void PluggedUnits::freeze()
@@ -98,8 +84,7 @@ Outcome PluggedUnits::seeGivenBack() const
         const QStringList found = nodes();
         return found.size() == count && std::all_of(found.begin(), found.end(), canBeOpened);
     };
-    return waitUntil(allBack, plugLimit) ? Outcome()
-                                         : Outcome("not given back; the system has " + nodes().join(' '));
+    return waitUntil(allBack) ? Outcome() : Outcome("not given back; the system has " + nodes().join(' '));
 }
 
 QStringList PluggedUnits::nodes()
@@ -126,9 +111,11 @@ void useRealBus(Program& program)
 int processorLoad(Program& program)
 {
     const qint64 process = program.process.processId();
-    const long before = processorTicks(process);
-    QThread::sleep(1);
-    return static_cast<int>((processorTicks(process) - before) * 100 / sysconf(_SC_CLK_TCK));
+    QElapsedTimer passed;
+    passed.start();
+    const std::chrono::milliseconds before = processorTime(process);
+    QThread::sleep(1); // a share is one of some time, however long this one becomes
+    return static_cast<int>((processorTime(process) - before).count() * 100 / passed.elapsed());
 }
 
 QString flavour()

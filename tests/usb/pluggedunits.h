@@ -14,7 +14,7 @@ public:
     /// An emulated computer may be busy elsewhere for a while, and the HID library keeps 32 reports only (the
     /// other flavour 63, and then the oldest): with the usual 8 ms between reports, one that is told once
     /// would get lost.
-    static constexpr const char* unhurried = ",period-ms=100";
+    static constexpr const char* unhurried = ",period-ms=200";
 
     /// Plugs in units, each described as for talvex-gadget and then by `more`, and waits until the system's
     /// HID driver has them.

@@ -9,11 +9,7 @@
 
 #include <csignal>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto limit = 10s;
 
 QStringList foldersIn(const QString& path)
 {
@@ -77,16 +73,16 @@ void tst_usbgadget::endsAtASignal()
     QFETCH(int, signal);
     ChildProcess gadget;
     gadget.start(TALVEX_GADGET, {"trk300-left;trk300-right"});
-    QVERIFY(waitUntil([] { return PluggedUnits::nodes().size() == 2; }, limit));
+    QVERIFY(waitUntil([] { return PluggedUnits::nodes().size() == 2; }));
     QCOMPARE(devicesMade().size(), 2);
     QCOMPARE(portsInUse().size(), 2);
     ::kill(static_cast<pid_t>(gadget.processId()), signal);
-    QVERIFY(waitUntil([&] { return gadget.state() == QProcess::NotRunning; }, limit));
+    QVERIFY(waitUntil([&] { return gadget.state() == QProcess::NotRunning; }));
     QCOMPARE(gadget.exitStatus(), QProcess::NormalExit);
     QCOMPARE(gadget.exitCode(), 0);
     QCOMPARE(devicesMade(), QStringList());
     QCOMPARE(portsInUse(), QStringList());
-    QVERIFY(waitUntil(nothingIsLeft, limit)); // the system notices a little later
+    QVERIFY(waitUntil(nothingIsLeft)); // the system notices a little later
 }
 
 void tst_usbgadget::endsAfterItsUnitVanished()
@@ -97,7 +93,7 @@ void tst_usbgadget::endsAfterItsUnitVanished()
     QVERIFY(node.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     node.write(QByteArray(65, '\0'));
     node.close();
-    QVERIFY(waitUntil([] { return PluggedUnits::nodes().isEmpty(); }, limit));
+    QVERIFY(waitUntil([] { return PluggedUnits::nodes().isEmpty(); }));
     QCOMPARE(devicesMade().size(), 1); // unplugged, not yet removed
     MUST(units.unplug());
     QVERIFY(nothingIsLeft());
@@ -126,7 +122,7 @@ void tst_usbgadget::refuses()
     QFETCH(QString, message);
     ChildProcess gadget;
     gadget.start(TALVEX_GADGET, arguments);
-    QVERIFY(waitUntil([&] { return gadget.state() == QProcess::NotRunning; }, limit));
+    QVERIFY(waitUntil([&] { return gadget.state() == QProcess::NotRunning; }));
     QCOMPARE(QString::fromUtf8(gadget.readAllStandardError()), message);
     QCOMPARE(gadget.exitCode(), exitCode);
     QVERIFY(nothingIsLeft());

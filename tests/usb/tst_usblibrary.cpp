@@ -18,7 +18,7 @@ Run run(const QString& command, const QStringList& arguments)
 {
     QProcess process;
     process.start(command, arguments);
-    if (!process.waitForFinished())
+    if (!process.waitForFinished(limits::hangMs()))
         return {{}, process.errorString()};
     return {QString::fromUtf8(process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
             QString::fromUtf8(process.readAllStandardError()), process.exitCode()};

@@ -7,8 +7,6 @@
 
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 BoxText notFoundBox()

@@ -8,8 +8,6 @@
 
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 /// A program that spins takes the whole processor; one whose polls fail at once takes a part of it.
@@ -18,7 +16,8 @@ constexpr int highestLoad = 75;
 constexpr int mostLooks = 5;
 
 constexpr int shortImage = 6000;
-constexpr int longImage = 600'000; ///< on its way for many seconds
+constexpr int longImage = 6'000'000; ///< on its way for more than a minute
+constexpr const char* longInstallation = ",install-ms=3600000";
 
 using State = Outcome (*)(Program&);
 
@@ -65,8 +64,7 @@ Outcome awaitLogHeader(Program& program)
 /// Nothing is said of it, and the window can be closed.
 Outcome seeQuietEnd(Program& program)
 {
-    STEP(program.staysAway(
-        "a box", [](const View& view) { return view.boxCount() != 0; }, 400ms));
+    STEP(program.staysAway("a box", [](const View& view) { return view.boxCount() != 0; }));
     STEP(program.closeWindow());
     return program.waitForExit(0);
 }
@@ -117,7 +115,7 @@ void tst_usbunplug::unplugged_data()
     QTest::newRow("idle") << "" << State(connectOnly) << shortImage;
     QTest::newRow("while an answer is awaited") << ",fault=never-answers" << State(awaitAnswer) << shortImage;
     QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
-    QTest::newRow("during the installation") << ",install-ms=60000" << State(install) << shortImage;
+    QTest::newRow("during the installation") << longInstallation << State(install) << shortImage;
     QTest::newRow("while a log header is awaited")
         << ",fault=header-never-comes" << State(awaitLogHeader) << shortImage;
 }
@@ -166,23 +164,18 @@ void tst_usbunplug::vanishesByItself()
 
 void tst_usbunplug::hangsInMidTransfer()
 {
-    // Each step writes, and once more after a failure: so long does the HID library wait for a unit.
-    constexpr auto longestStep = 2200ms;
     const bool answersBetweenWrites = flavour() == "libusb"; // hidraw: 5.1 s a write
     Program program(desktop);
     PluggedUnits units;
     MUST(begin(program, units, "", longImage));
     MUST(streamImage(program));
     units.freeze();
-    QTest::qWait(static_cast<int>(longestStep.count())); // the kernel takes a few more
-    for (int looks = 0; answersBetweenWrites && looks < 3; ++looks) {
-        QElapsedTimer passed;
-        passed.start();
+    // The kernel takes a few more reports, and nothing tells when it has enough of them.
+    QTest::qWait(limits::lengthened(2200));
+    for (int looks = 0; answersBetweenWrites && looks < 3; ++looks)
         QVERIFY(program.look().enabled("progressBarTransfer"));
-        QVERIFY2(passed.elapsed() < 2 * longestStep.count(), qPrintable(QString::number(passed.elapsed())));
-    }
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, 30s));
+    MUST(program.waitForExit(0));
 }
 
 void tst_usbunplug::closedInMidWork_data()
@@ -191,7 +184,7 @@ void tst_usbunplug::closedInMidWork_data()
     QTest::addColumn<State>("reach");
     QTest::addColumn<int>("imageSize");
     QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
-    QTest::newRow("during the installation") << ",install-ms=60000" << State(install) << shortImage;
+    QTest::newRow("during the installation") << longInstallation << State(install) << shortImage;
 }
 
 /// The unit stays plugged in, and the system has it again.

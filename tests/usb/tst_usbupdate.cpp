@@ -9,14 +9,11 @@
 #include <QCryptographicHash>
 #include <QtTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 constexpr int wholeSize = 1'000'000;
 constexpr int wholeReports = wholeSize / 60 + 1;
 constexpr int bareReports = 3000;
-constexpr auto transferLimit = 180s;
 constexpr int smallSize = 6000;
 const QString advice = "Check the connections between PC and the unit and to try the update again.";
 
@@ -24,9 +21,8 @@ const QString advice = "Check the connections between PC and the unit and to try
 bool seesFile(const QString& path)
 {
     constexpr unsigned long pauseMs = 200;
-    QElapsedTimer passed;
-    passed.start();
-    while (!QFile::exists(path) && !passed.hasExpired(std::chrono::milliseconds(transferLimit).count()))
+    const QDeadlineTimer limit(limits::hang());
+    while (!QFile::exists(path) && !limit.hasExpired())
         QThread::msleep(pauseMs);
     return QFile::exists(path);
 }
@@ -39,7 +35,7 @@ double reportsPerSecond(const Program& program, const QString& label)
     const QFileInfo journal(program.scratchPath(label + ".journal"));
     const QFileInfo image(program.scratchPath(label + ".image"));
     const auto accepted = [&] { return scenario::journal(program, label).contains("accepted"); };
-    if (!waitUntil(accepted, Program::usualLimit))
+    if (!waitUntil(accepted))
         return 0;
     const QDateTime begin = journal.lastModified();
     if (!seesFile(image.filePath()))
@@ -119,7 +115,7 @@ void tst_usbupdate::wholeUpdate()
     MUST(scenario::connectAndDownload(program, message));
     MUST(program.press("updateDeviceButton"));
     const double rate = reportsPerSecond(program, models.first());
-    MUST(scenario::seeFinished(program, transferLimit));
+    MUST(scenario::seeFinished(program));
     MUST(units.seeGivenBack());
 
     for (const QString& model : models) {
@@ -185,8 +181,7 @@ void tst_usbupdate::otherAnswers()
     const QStringList soFar = QStringList{"opened", "request digest=" + digest} + journal;
     QTRY_COMPARE(scenario::journal(program), soFar);
     MUST(program.waitForText("labelTransfer", transfer));
-    MUST(program.staysAway(
-        "another box", [](const View& view) { return view.boxCount() != 0; }, 400ms));
+    MUST(program.staysAway("another box", [](const View& view) { return view.boxCount() != 0; }));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0));
     MUST(units.seeGivenBack());

@@ -23,16 +23,8 @@ sitDown() {
 plugInFor() {
     talvex-gadget "hb4,version=23,period-ms=100,journal=$1/unit.journal,image=$1/unit.image" > "$1/plugged" &
     gadgetPid=$!
-    local tried
-    for ((tried = 0; tried < 100; ++tried)); do
-        if compgen -G '/sys/bus/hid/devices/0003:3A5D:*/hidraw/hidraw*' > /dev/null; then
-            udevadm settle
-            return 0
-        fi
-        sleep 0.1
-    done
-    echo "the unit did not come up" >&2
-    return 1
+    await compgen -G '/sys/bus/hid/devices/0003:3A5D:*/hidraw/hidraw*' || return 1
+    settle
 }
 
 # unitNodes: the device files of the units that are plugged in, for the HID driver and for direct use of the bus.
@@ -46,22 +38,19 @@ unitNodes() {
     done
 }
 
-# awaitAccess COMMAND...: waits a while until whoever COMMAND makes of this user may use the units; the device
-# manager may take its time.
+# awaitAccess COMMAND...: waits until whoever COMMAND makes of this user may use the units; the device manager may take
+# its time.
 awaitAccess() {
-    local node tried
+    local node
     for node in $(unitNodes); do
-        for ((tried = 0; tried < 50; ++tried)); do
-            "$@" test -r "$node" -a -w "$node" && break
-            sleep 0.1
-        done
+        await "$@" test -r "$node" -a -w "$node" || true # the test will say what that means
     done
 }
 
 pullOut() {
     kill "$gadgetPid"
     wait "$gadgetPid"
-    udevadm settle
+    settle
 }
 
 # testAccess RULE RUNNER: RUNNER is called with the name and the function of a test, and then a command to run it by.

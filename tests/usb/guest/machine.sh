@@ -1,6 +1,22 @@
 # shellcheck shell=bash
 # Makes the guest a computer with a USB bus of its own, two USB device ports on it, and a screen. Sourced, not run.
 
+# await COMMAND...: tries until it succeeds; returns 1 where it never does, after hangLimit s.
+await() {
+    local end=$((SECONDS + ${hangLimit:?}))
+    until "$@" > /dev/null 2>&1; do
+        if ((SECONDS >= end)); then
+            echo "never succeeded: $*" >&2
+            return 1
+        fi
+        sleep 0.1 # between two looks
+    done
+}
+
+settle() {
+    udevadm settle --timeout="${hangLimit:?}"
+}
+
 prepareMachine() {
     export PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 HOME=/root TMPDIR=/run/tests
     mkdir -p /dev/shm "$TMPDIR"
@@ -13,23 +29,20 @@ prepareMachine() {
     modprobe -a libcomposite usb_f_hid usbhid hid-generic
     modprobe dummy_hcd num=2 is_high_speed=1
     mount -t configfs configfs /sys/kernel/config
-    udevadm settle
+    settle
+}
+
+hasWindowManager() {
+    xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'
 }
 
 # startScreen: a screen with a window manager, for all that is started from now on.
 startScreen() {
-    local number tried
+    local number
     mkfifo "$TMPDIR/display"
     Xvfb -displayfd 9 -screen 0 1024x768x24 -nolisten tcp -noreset -ac -extension GLX 9> "$TMPDIR/display" &
     read -r number < "$TMPDIR/display"
     export DISPLAY=:$number TALVEX_TEST_DISPLAY=:$number
     openbox --sm-disable > /dev/null 2>&1 &
-    for ((tried = 0; tried < 300; ++tried)); do
-        if xprop -root _NET_SUPPORTING_WM_CHECK 2> /dev/null | grep -q 'window id'; then
-            return 0
-        fi
-        sleep 0.1
-    done
-    echo "no window manager" >&2
-    return 1
+    await hasWindowManager
 }

@@ -1,13 +1,18 @@
 #!/bin/bash
-# run-tests.sh BUILD PROGRAM FLAVOUR TEST...
+# run-tests.sh BUILD PROGRAM FLAVOUR HANG_LIMIT TEST...
 # In the guest: runs tests on its USB bus, then those of access. BUILD is the build tree with the tests, PROGRAM the
-# updater to be tested, FLAVOUR the one of the HID library that PROGRAM uses. Each test's results become a file in
-# /run/guest-out/results. Returns 0 once all have run, whatever they found.
+# updater to be tested, FLAVOUR the one of the HID library that PROGRAM uses, HANG_LIMIT how long a wait may take on a
+# real processor, in s. Each test's results become a file in /run/guest-out/results. Returns 0 once all have run,
+# whatever they found.
 set -euo pipefail
 
 build=$1
 export TALVEX_TEST_PROGRAM=$2 TALVEX_TEST_FLAVOUR=$3
-shift 3
+# An emulated processor takes ten times as long for all it does, and its host may be busy.
+export TALVEX_TEST_PATIENCE=4
+hangLimit=$(($4 * TALVEX_TEST_PATIENCE))
+export QTEST_FUNCTION_TIMEOUT=$((3 * hangLimit))000 # the same for a row of a test
+shift 4
 here=$(dirname "$(realpath "$0")")
 # shellcheck source-path=SCRIPTDIR
 source "$here/machine.sh"
