@@ -256,7 +256,7 @@ void tst_log::earlierLogsStay()
     }
     MUST(program.start());
     MUST(program.closeWindow());
-    MUST(program.waitForExit(0, endLimit));
+    MUST(program.waitForPromptExit(0));
     for (const QString& name : qAsConst(earlier))
         QCOMPARE(program.fileContent(name), std::optional(QByteArray("pulled before")));
     const QStringList all = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
