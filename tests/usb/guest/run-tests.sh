@@ -11,7 +11,6 @@ export TALVEX_TEST_PROGRAM=$2 TALVEX_TEST_FLAVOUR=$3
 # An emulated processor takes ten times as long for all it does, and its host may be busy.
 export TALVEX_TEST_PATIENCE=4
 hangLimit=$(($4 * TALVEX_TEST_PATIENCE))
-export QTEST_FUNCTION_TIMEOUT=$((3 * hangLimit))000 # the same for a row of a test
 shift 4
 here=$(dirname "$(realpath "$0")")
 # shellcheck source-path=SCRIPTDIR
