@@ -1,16 +1,19 @@
 #!/usr/bin/env python3
-"""Makes docs/reliability.md of what the tests saw.
+"""Prints docs/reliability.md from the tables of tests/reliability.
 
-usage: reliability.py DIRECTORY [--check]
+usage: reliability.py JOURNEY [--check]
 
-DIRECTORY holds the files that the tests wrote (TALVEX_RELIABILITY=DIRECTORY, tests/support/evidence.h). With --check
-nothing is written: exit code 1 if the document says anything else.
+JOURNEY is talvex-journey of any build with tests; it is only asked for its list, no journey is made. With --check
+nothing is written: exit code 1 if the document says anything else. Either way every other test that a table names must
+be there.
 """
 
 import pathlib
+import subprocess
 import sys
 
-DOCUMENT = pathlib.Path(__file__).resolve().parent.parent / "docs" / "reliability.md"
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+DOCUMENT = ROOT / "docs" / "reliability.md"
 PHASES = ["search", "identification", "catalogue", "change log", "download", "store", "request", "stream",
           "installation", "log header", "log parts", "quit"]
 GROUPS = {
@@ -23,29 +26,39 @@ GROUPS = {
 }
 HEAD = """# What happens when something fails
 
-Made by `scripts/reliability.py` of what the tests saw; do not edit (`scripts/test.sh` compares).
+Printed by `scripts/reliability.py` from the tables of `tests/reliability`; do not edit (`reliability.document` compares).
 
 Each row is something that fails, each column the phase in which it does; an update runs from `search` to
 `installation`, a log from `search` and `identification` to `log header` and `log parts`. The number in a cell is the
 outcome, told below the tables; `·` is a phase in which the fault cannot occur, and the last column says why. A cell is
-shown by the row of `tst_reliability` with the names of group, fault and phase, unless its outcome names another test.
-Those rows run the program from its own `main`, in a process of its own, against the virtual unit and real sockets;
-whatever fails, they also demand: no crash, no hang, the end within 3 s with exit code 0, and an image that is whole
-on disk.
+asserted by the row of `tst_reliability` with the names of group, fault and phase, unless its outcome names another
+test. Those rows run the program from its own `main`, in a process of its own, against the virtual unit and real
+sockets; whatever fails, they also demand: no crash, no hang, the end within 3 s with exit code 0, an image that is
+whole on disk, and a unit that has nothing to complain of.
 """
 
 
-def read(directory):
-    """The faults in their order with their reasons, and the cells: (group, fault, phase) -> (outcome, test)."""
+def read(journey):
+    """The faults in their order with their reasons, and the cells: (group, fault, phase) -> (outcome, other test)."""
     rows, cells = {}, {}
-    for path in sorted(directory.iterdir(), key=lambda path: (path.name != "tst_reliability", path.name)):
-        for line in path.read_text(encoding="utf-8").splitlines():
-            kind, group, fault, *rest = line.split("\t")
-            if kind == "row":
-                rows[group, fault] = rest[0]
-            else:
-                cells[group, fault, rest[0]] = (rest[1], rest[2])
+    listed = subprocess.run([journey, "--list"], check=True, capture_output=True, text=True, encoding="utf-8").stdout
+    for line in listed.splitlines():
+        kind, group, fault, *rest = line.split("\t")
+        if kind == "row":
+            rows[group, fault] = rest[0]
+        else:
+            cells[group, fault, rest[0]] = (rest[1], rest[2] if kind == "shown" else "")
     return rows, cells
+
+
+def missing_tests(cells):
+    """The other tests that no source file has."""
+    missing = []
+    for test in sorted({test for _, test in cells.values() if test}):
+        program, function = test.split("::")
+        if not any(f"{function}()" in path.read_text(encoding="utf-8") for path in ROOT.glob(f"tests/*/{program}.cpp")):
+            missing.append(test)
+    return missing
 
 
 def numbered(rows, cells):
@@ -77,7 +90,7 @@ def document(rows, cells):
         parts.append(f"## {GROUPS[group]}\n\n{table(group, rows, cells, numbers)}\n")
     outcomes = []
     for (outcome, test), number in numbers.items():
-        shown = "" if test == "tst_reliability::cell" else f" (`{test}`)"
+        shown = f" (`{test}`)" if test else ""
         outcomes.append(f"{number}. {outcome[0].upper() + outcome[1:]}.{shown}")
     parts.append("## Outcomes\n\n" + "\n".join(outcomes) + "\n")
     return "\n".join(parts)
@@ -86,16 +99,15 @@ def document(rows, cells):
 def main():
     if len(sys.argv) not in (2, 3) or sys.argv[2:] not in ([], ["--check"]):
         sys.exit(__doc__)
-    rows, cells = read(pathlib.Path(sys.argv[1]))
-    if not cells:
-        sys.exit("reliability.py: no test has left anything in " + sys.argv[1])
+    rows, cells = read(sys.argv[1])
+    missing = missing_tests(cells)
+    if missing:
+        sys.exit("reliability.py: there is no " + ", ".join(missing))
     text = document(rows, cells)
     if sys.argv[2:] != ["--check"]:
         DOCUMENT.write_text(text, encoding="utf-8")
     elif DOCUMENT.read_text(encoding="utf-8") != text:
-        seen = pathlib.Path(sys.argv[1]).parent / "reliability.md"
-        seen.write_text(text, encoding="utf-8")
-        sys.exit(f"{DOCUMENT} is not what the tests saw: {seen}")
+        sys.exit(f"{DOCUMENT} is not what the tables say: run {sys.argv[0]} {sys.argv[1]}")
 
 
 main()

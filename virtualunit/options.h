@@ -3,6 +3,7 @@
 #include "virtualunit/faults.h"
 #include "virtualunit/identity.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +32,7 @@ struct Options
     std::uint8_t lowNibble = 5;  ///< of every status byte; a host must not care
     bool repeatsOutcome = false; ///< an outcome is repeated in every report, not told once
     bool floodsLog = false;      ///< the periodic reports go on while a log is served
+    std::size_t flood = 0; ///< reports that wait for a host at any time, however fast it reads; 0: no flood
 };
 
 /// One or more units, or what is wrong with the text they were read from.

@@ -110,6 +110,13 @@ std::optional<Report> VirtualUnit::takeInput(Milliseconds now)
     return report;
 }
 
+std::optional<Report> VirtualUnit::takeFlood(std::size_t waiting)
+{
+    if (!isOpen || waiting >= options.flood)
+        return std::nullopt;
+    return statusReport();
+}
+
 Milliseconds VirtualUnit::nextEventAt() const
 {
     if (!pluggedIn)

@@ -40,6 +40,9 @@ public:
     /// The oldest input report that is due at `now` and was not taken yet, or nothing.
     [[nodiscard]] std::optional<Report> takeInput(Milliseconds now);
 
+    /// A further report for a host for which only so many are waiting, if the unit floods it, or nothing.
+    [[nodiscard]] std::optional<Report> takeFlood(std::size_t waiting);
+
     /// When takeInput() may have something next, or `never`.
     [[nodiscard]] Milliseconds nextEventAt() const;
 

@@ -1,5 +1,4 @@
 #include "net/scene.h"
-#include "support/evidence.h"
 #include "support/ticks.h"
 
 #include <QFile>
@@ -8,7 +7,6 @@
 
 namespace {
 
-const QString twoAtOnce = "answers two requests at once";
 const QString upToDate = told::signal("youHaveLastVersion");
 const QString offer = told::signal("findNewVersion", {"27", "better"});
 const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
@@ -21,7 +19,6 @@ class TestOverlappingRequests : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
     void staleLines_data();
     void staleLines();
@@ -33,11 +30,6 @@ private slots:
 private:
     Scene scene;
 };
-
-void TestOverlappingRequests::initTestCase()
-{
-    evidence::row("server", twoAtOnce, "no control begins a second request then");
-}
 
 void TestOverlappingRequests::init()
 {
@@ -108,7 +100,6 @@ void TestOverlappingRequests::secondCheckInFlight()
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
     scene.checker->checkUpdate(); // and the checker still works
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
-    evidence::cell("server", twoAtOnce, "catalogue", "whatever becomes of the two, the next check works");
 }
 
 void TestOverlappingRequests::checkDuringADownload_data()
@@ -138,7 +129,6 @@ void TestOverlappingRequests::checkDuringADownload()
     scene.server.goOn();
     QTRY_VERIFY(!download->isRunning());
     QVERIFY2(!QFile::remove(stored), "a broken image was stored");
-    evidence::cell("server", twoAtOnce, "download", "no half image is stored");
 }
 
 QTEST_GUILESS_MAIN(TestOverlappingRequests)

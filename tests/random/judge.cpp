@@ -1,7 +1,7 @@
 #include "random/judge.h"
 
 #include "random/answers.h"
-#include "random/closing.h"
+#include "support/closing.h"
 
 #include <algorithm>
 #include <array>

@@ -28,7 +28,7 @@ virtualunit::Options healthyUnit(Draw& draw, UnitType type)
     virtualunit::Options unit;
     unit.type = type;
     unit.version = static_cast<std::uint8_t>(draw.between(1, 250));
-    unit.periodMs = draw.weighted<int>({{0, 4}, {2, 1}, {8, 3}, {20, 1}});
+    unit.periodMs = draw.weighted<int>({{0, 4}, {8, 1}, {20, 3}, {40, 1}});
     unit.installMs = draw.between(0, 20);
     unit.lowNibble = static_cast<std::uint8_t>(draw.below(16));
     unit.repeatsOutcome = draw.chance(15);

@@ -4,6 +4,7 @@
 #include "random/answers.h"
 #include "random/user.h"
 #include "support/filesizelimit.h"
+#include "support/limits.h"
 
 #include <QApplication>
 #include <QDir>
@@ -13,8 +14,6 @@
 #include <optional>
 
 namespace {
-
-constexpr unsigned long workerEndMs = 10000;
 
 bool isVerbose = false;
 
@@ -104,7 +103,8 @@ void runWindow(const Plan& plan, const RawServer& server, Ending& ending)
         ending.boxes = boxes.lines();
     }
     if (!ending.last.logPressed)
-        left.worker->wait(workerEndMs); // it is not blocked: only a slow machine could keep it
+        left.worker->wait(static_cast<unsigned long>(
+            limits::hangMs())); // it is not blocked: only a slow machine could keep it
     leftovers::giveBack(left);
 }
 

@@ -1,6 +1,7 @@
 #include "random/shift.h"
 
 #include "random/judge.h"
+#include "support/limits.h"
 
 #include <QMap>
 #include <QTextStream>
@@ -15,8 +16,6 @@
 namespace shift {
 
 namespace {
-
-constexpr unsigned longestRun = 120; ///< seconds; a run gives up by itself long before
 
 struct Process
 {
@@ -68,7 +67,7 @@ template<typename Child> Process start(Child child)
 QString runApart(std::uint64_t seed, bool verbose)
 {
     const Process run = start([seed, verbose](int report) {
-        alarm(longestRun);
+        alarm(static_cast<unsigned>(limits::hangMs() / 1000)); // a run gives up by itself long before
         const Plan plan = drawPlan(seed);
         const Ending ending = runOnce(plan, verbose);
         const QStringList wrong = violations(plan, ending);

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr std::uint64_t usualRuns = 2000;
-constexpr int usualJobs = 24; // a run waits more than it computes
+constexpr std::uint64_t usualRuns = 600; ///< enough for the least shares of the outcomes
+constexpr int usualJobs = 24;            // a run waits more than it computes
 
 /// The number behind an option, or `otherwise`.
 std::uint64_t option(int argc, char** argv, const char* name, std::uint64_t otherwise)

@@ -1,7 +1,7 @@
 #include "random/user.h"
 
 #include "random/answers.h"
-#include "random/closing.h"
+#include "support/closing.h"
 #include "support/imagefiles.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
@@ -18,17 +18,10 @@ namespace {
 
 constexpr auto controls = {Control::connect, Control::update, Control::log, Control::stop};
 
-/// How long the user waits; a run that must end by itself is left as much time as a busy machine needs.
-struct Patience
-{
-    qint64 unchangedMs; ///< with nothing new to see, and so many turns
-    int unchangedTurns;
-    qint64 wholeMs;
-};
-constexpr Patience usual{300, 25, 5000};
-constexpr Patience patient{10000, 100, 40000};
-
-constexpr qint64 longestEndMs = 10000; ///< well above the program's 3 s: the machine is busy
+// How long the user waits, in turns that last so long on an idle machine: a busy one gets as many turns.
+constexpr int unchangedMs = 300; ///< with nothing new to see
+constexpr int wholeMs = 5000;
+constexpr int longestEndMs = 3000;
 
 bool isModal()
 {
@@ -51,8 +44,6 @@ User::User(const Plan& thePlan, const RawServer& theServer, MainWindow& theWindo
 
 void User::begin()
 {
-    whole.start();
-    sinceChange.start();
     QTimer::singleShot(0, this, &User::turn);
 }
 
@@ -60,6 +51,7 @@ void User::turn()
 {
     // Armed first, and anew each time: what the turn does may open a box, with an event loop of its own.
     QTimer::singleShot(plan.paceMs, this, &User::turn);
+    ++turns;
     strike();
     look();
     if (endedIt)
@@ -128,9 +120,9 @@ void User::lookAtControls()
 void User::lookForTheEnd()
 {
     const bool told = closing::count(lines) > 0 && boxes.openCount() == 0;
-    if ((told || endedIt) && !ending.isValid())
-        ending.start();
-    if (ending.isValid() && ending.elapsed() > longestEndMs) {
+    if (!told && !endedIt)
+        return;
+    if (++endingTurns > turnsIn(longestEndMs)) {
         complain("the program does not end");
         endSession();
     }
@@ -143,12 +135,16 @@ bool User::isBored()
     if (now != lastSight) {
         lastSight = now;
         turnsSinceChange = 0;
-        sinceChange.start();
     }
     const QString due = plan.dueOutcome();
-    const Patience patience = due == "finished" || due == "handed over" ? patient : usual;
-    return whole.elapsed() > patience.wholeMs ||
-           (turnsSinceChange > patience.unchangedTurns && sinceChange.elapsed() > patience.unchangedMs);
+    if (due == "finished" || due == "handed over")
+        return false; // it ends by itself
+    return turns > turnsIn(wholeMs) || turnsSinceChange > turnsIn(unchangedMs);
+}
+
+int User::turnsIn(int ms) const
+{
+    return ms / plan.paceMs;
 }
 
 /// What there is to see, save a box seen before, and the installation's bar: it creeps whatever happens.

@@ -6,7 +6,6 @@
 #include "support/rawserver.h"
 #include "ui/mainwindow.h"
 
-#include <QElapsedTimer>
 #include <QPushButton>
 
 #include <array>
@@ -35,6 +34,7 @@ private:
     void lookAtControls();
     void lookForTheEnd();
     [[nodiscard]] bool isBored();
+    [[nodiscard]] int turnsIn(int ms) const;
     [[nodiscard]] QStringList sight() const;
     void act(Plan::Act act);
     void press(Control control);
@@ -56,9 +56,8 @@ private:
     QStringList wrong;
     bool endedIt = false;
     bool imageArrived = false; ///< seen whole on the disk
-    QElapsedTimer whole;
-    QElapsedTimer ending;
     QStringList lastSight;
-    QElapsedTimer sinceChange;
+    int turns = 0; ///< so far, those behind the last one of the plan too
     int turnsSinceChange = 0;
+    int endingTurns = 0; ///< since the program ought to end
 };

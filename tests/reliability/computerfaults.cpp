@@ -3,33 +3,72 @@
 
 namespace {
 
-constexpr std::array everywhere{Phase::search,   Phase::catalogue, Phase::changeLog,    Phase::download,
-                                Phase::request,  Phase::stream,    Phase::installation, Phase::logHeader,
-                                Phase::logParts, Phase::quit};
+const ByPhase carriesOn{
+    {Phase::search, outcome::updated},       {Phase::catalogue, outcome::updated},
+    {Phase::changeLog, outcome::updated},    {Phase::download, outcome::updated},
+    {Phase::request, outcome::updated},      {Phase::stream, outcome::updated},
+    {Phase::installation, outcome::updated}, {Phase::logHeader, outcome::wholeLog},
+    {Phase::logParts, outcome::wholeLog},    {Phase::quit, outcome::updated},
+};
+const ByPhase isGone{
+    {Phase::search, outcome::goneBefore},         {Phase::catalogue, outcome::goneBefore},
+    {Phase::changeLog, outcome::goneBefore},      {Phase::download, outcome::goneBefore},
+    {Phase::request, outcome::goneInUpdate},      {Phase::stream, outcome::goneInUpdate},
+    {Phase::installation, outcome::goneInUpdate}, {Phase::logHeader, outcome::goneBeforeLog},
+    {Phase::logParts, outcome::goneInLog},        {Phase::quit, outcome::goneInUpdate},
+};
 constexpr long day = 24L * 60 * 60; ///< s
 constexpr int napMs = 700;
 
-FaultRow row(const char* name, const char* elsewhere, const std::function<void()>& fault)
+FaultRow row(const char* name, Scenario (*road)(Phase), const ByPhase& expected,
+             const std::function<void()>& fault)
 {
-    FaultRow row{"computer", name, elsewhere, {}};
-    for (const Phase phase : everywhere) {
-        row.cells.push_back(roadTo(phase));
-        row.cells.back().fault = [fault](Journey&) { fault(); };
+    FaultRow row{
+        "computer", name, "this is done at one go: before and after it are the phases beside it", {}};
+    for (const auto& [phase, outcome] : expected) {
+        row.cells.push_back({road(phase), outcome});
+        row.cells.back().scenario.fault = [fault](Journey&) { fault(); };
     }
     return row;
+}
+
+FaultRow kill()
+{
+    FaultRow kill = row("kills the program", longRoadTo, isGone, [] { computer::kill(); });
+    kill.shown = {
+        {Phase::store,
+         "before each single call that writes, syncs, removes or renames: the old image is whole on "
+         "disk under one of its two names, or the new one is",
+         "tst_imagestore::killedAtAnyCall"}};
+    return kill;
 }
 
 } // namespace
 
 std::vector<FaultRow> computerFaults()
 {
-    constexpr auto atOnce = "this is done at one go: before and after it are the phases beside it";
+    constexpr auto keptAwake = "it is kept awake until the box that tells of the end";
+    constexpr auto endsOfAnUpdate = "tst_sleepinhibitor::endsOfAnUpdate";
     return {
-        row("sleeps and wakes up", atOnce, [] { computer::suspend(napMs); }),
-        row("sets its clock back by a day", atOnce, [] { computer::setClock(-day); }),
-        row("sets its clock forward by a day", atOnce, [] { computer::setClock(day); }),
-        row("ends the session (SIGTERM)", atOnce, [] { computer::endSession(); }),
-        row("kills the program", atOnce, [] { computer::kill(); }),
+        row("sleeps and wakes up", roadTo, carriesOn, [] { computer::suspend(napMs); }),
+        row("sets its clock back by a day", roadTo, carriesOn, [] { computer::setClock(-day); }),
+        row("sets its clock forward by a day", roadTo, carriesOn, [] { computer::setClock(day); }),
+        row("ends the session (SIGTERM)", longRoadTo, isGone, [] { computer::endSession(); }),
+        kill(),
+        {"computer",
+         "is about to fall asleep by itself",
+         "only a unit being written keeps it awake",
+         {},
+         {{Phase::request, keptAwake, endsOfAnUpdate},
+          {Phase::stream, keptAwake, endsOfAnUpdate},
+          {Phase::installation, keptAwake, endsOfAnUpdate}}},
+        {"computer",
+         "has no system bus to be kept awake by",
+         "nobody asks it then",
+         {},
+         {{Phase::request,
+           "a line on standard error says so; all journeys of this document are made without one",
+           "tst_sleepinhibitor::withoutABusALineIsWritten"}}},
     };
 }
 

@@ -53,35 +53,39 @@ std::vector<FaultRow> diskFaults()
     constexpr auto written = "no file is written then";
     constexpr auto stored = "only a download that is stored uses this name";
     constexpr auto readOnce = "the image is read once, when Update Device is pressed";
+    const auto fill = [] { computer::fillDisk(10000); };
+    const auto lose = [] { QFile::remove(beside("updater.sb")); };
     return {
         {"disk",
          "is full",
          written,
-         {at(Phase::store, [] { computer::fillDisk(10000); }),
-          at(Phase::logParts, [] { computer::fillDisk(10000); })}},
+         {{at(Phase::store, fill), outcome::notSavedBackup}, {at(Phase::logParts, fill), outcome::cutLog}}},
         {"disk",
          "takes no new file (read-only directory)",
          "no file is made then; the log's is made when the program starts",
-         {at(Phase::store, [] { computer::makeDirectoryReadOnly(); }), withoutLogFile()}},
+         {{at(Phase::store, [] { computer::makeDirectoryReadOnly(); }), outcome::notSaved},
+          {withoutLogFile(), outcome::noLog}}},
         {"disk",
          "has a directory named like the download",
          stored,
-         {at(Phase::store, [] { takeName("updater.sb.upd"); })}},
+         {{at(Phase::store, [] { takeName("updater.sb.upd"); }), outcome::notSavedBackup}}},
         {"disk",
          "has a directory named like the backup",
          stored,
-         {at(Phase::store, [] { takeName("updater.sb.bkp"); })}},
+         {{at(Phase::store, [] { takeName("updater.sb.bkp"); }), outcome::notSaved}}},
         {"disk",
          "has a directory named like the image",
          "only the store and the press of Update Device use this name",
-         {at(Phase::store, [] { takeName("updater.sb"); }),
-          withoutImageAtThePress([] { takeName("updater.sb"); })}},
-        {"disk", "has lost the image", readOnce, {withoutImageAtThePress([] {
-             QFile::remove(beside("updater.sb"));
-         })}},
-        {"disk", "has an empty image", readOnce, {withoutImageAtThePress([] { resizeImage(0); })}},
-        {"disk", "has an image of more than 64 MiB", readOnce, {withoutImageAtThePress([] {
-             resizeImage(64 * 1024 * 1024 + 1);
-         })}},
+         {{at(Phase::store, [] { takeName("updater.sb"); }), outcome::updatedWithoutBackup},
+          {withoutImageAtThePress([] { takeName("updater.sb"); }), outcome::noFile}}},
+        {"disk", "has lost the image", readOnce, {{withoutImageAtThePress(lose), outcome::noFile}}},
+        {"disk",
+         "has an empty image",
+         readOnce,
+         {{withoutImageAtThePress([] { resizeImage(0); }), outcome::noFile}}},
+        {"disk",
+         "has an image of more than 64 MiB",
+         readOnce,
+         {{withoutImageAtThePress([] { resizeImage(64 * 1024 * 1024 + 1); }), outcome::noFile}}},
     };
 }

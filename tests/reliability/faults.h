@@ -1,6 +1,15 @@
 #pragma once
 
 #include "reliability/journey.h"
+#include "reliability/outcomes.h"
+
+/// A phase of a fault that another test tries, and what that test asserts.
+struct ShownElsewhere
+{
+    Phase phase;
+    const char* outcome;
+    const char* test; ///< "tst_program::function"
+};
 
 /// A fault and the phases in which it is tried.
 struct FaultRow
@@ -8,8 +17,12 @@ struct FaultRow
     const char* group; ///< who fails: "unit", "server", ...
     const char* name;
     const char* elsewhere; ///< why it cannot occur in the other phases
-    std::vector<Scenario> cells;
+    std::vector<Cell> cells;
+    std::vector<ShownElsewhere> shown = {};
 };
+
+/// What one fault comes to in the phases in which it is tried.
+using ByPhase = std::vector<std::pair<Phase, Outcome>>;
 
 /// More writes than any journey makes: all fail from then on (virtualbus::failNextWrites).
 inline constexpr int allWrites = 1000000000;
@@ -27,9 +40,13 @@ inline constexpr int allWrites = 1000000000;
 [[nodiscard]] std::vector<FaultRow> computerFaults();
 /// @}
 
-/// A good unit that takes its time, and a good road to `phase` with it. In the log's phases the unit has a
-/// log.
-/// @{
+/// A good unit, which tells everything once and at once, so that nothing it says is lost on a program that
+/// stands still for a while.
 [[nodiscard]] virtualunit::Options goodUnit(UnitType type = UNIT_HB4);
+
+/// A good road to `phase` with such a unit. In the log's phases the unit has a log.
 [[nodiscard]] Scenario roadTo(Phase phase);
-/// @}
+
+/// The same with a unit that would need an hour for what this phase awaits from it, and a long log: however
+/// late the fault comes, it is in time.
+[[nodiscard]] Scenario longRoadTo(Phase phase);

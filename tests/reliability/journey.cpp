@@ -1,22 +1,23 @@
 #include "reliability/journey.h"
 
+#include "log/logdownloader.h"
 #include "net/updatechecker.h"
+#include "support/limits.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
 namespace {
 
 constexpr int stepMs = 5;
-constexpr int usualCalmMs = 1300; ///< more than the longest pause that the program makes by itself
-constexpr int roadMs = 20000;     ///< nobody gives up on the way to the phase before that
+constexpr int fewSteps = 120; ///< to see that nothing comes behind what was expected
 constexpr int packetsBeforeTheFault = 50;
 constexpr int partsBeforeTheFault = 50;
 constexpr int partLength = 63; // bytes
@@ -44,14 +45,6 @@ bool belongsToTheRoad(const SeenBox& box)
            box.text.endsWith("has the latest software");
 }
 
-/// After how long without any change a user takes it that nothing will come.
-int calmMs()
-{
-    bool given = false;
-    const int ms = qEnvironmentVariableIntValue("TALVEX_JOURNEY_CALM_MS", &given); // for slow machines
-    return given ? ms : usualCalmMs;
-}
-
 void say(const QString& line)
 {
     std::fputs(qPrintable(line + '\n'), stdout);
@@ -65,10 +58,9 @@ qint64 logOnDisk()
     return logs.isEmpty() ? 0 : logs.first().size();
 }
 
-/// Outside the clock's own slot: it must go on while a box that this opens stands.
-void later(const std::function<void()>& act)
+QByteArray stemOf(const std::vector<virtualunit::Options>& units)
 {
-    QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection);
+    return unitModels.at(units.empty() ? UNIT_HB4 : units.front().type).catalogueStem;
 }
 
 /// The request for this path has come.
@@ -87,48 +79,89 @@ QByteArray catalogueOf(const QByteArray& stem, const QByteArray& version)
            "ChangeLog=http://vendor.example" + changeLogPath + '\n';
 }
 
-Journey::Journey(Scenario plan) : scenario(std::move(plan)), mainWindow(findWindow())
+Journey::Journey(Cell plan)
+    : scenario(std::move(plan.scenario)), expected(std::move(plan.expected)), mainWindow(findWindow())
 {
     qputenv("http_proxy", server.address({}).toUtf8());
-    server.setAnswer(cataloguePath, heldBack(catalogueOf("HB4", scenario.fetchesLog ? "23" : "27")));
+    server.setAnswer(cataloguePath,
+                     heldBack(catalogueOf(stemOf(scenario.units), scenario.fetchesLog ? "23" : "27")));
     server.setAnswer(changeLogPath, heldBack("All is better now."));
     server.setAnswer(imagePath, heldBack(newImage()));
     for (auto answer = scenario.answers.begin(); answer != scenario.answers.end(); ++answer)
         server.setAnswer(answer.key(), answer.value());
+    if (scenario.log != nullptr) {
+        const QByteArray log = scenario.log();
+        scenario.units.front().log.emplace(log.begin(), log.end());
+    }
     for (const virtualunit::Options& unit : scenario.units)
         virtualbus::attach(unit);
+    listenToTheProgram();
+    boxesOpen.setSingleShot(true);
+    clock.start(stepMs);
+}
+
+/// Some phases are over in a moment on a machine that stands still in between: they are looked for whenever
+/// the program does something, right behind it.
+void Journey::listenToTheProgram()
+{
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
         conclude();
         say("ending");
         deleteLater();
     });
     connect(&clock, &QTimer::timeout, this, [this] { step(); });
-    boxesOpen.setSingleShot(true);
-    calm.start();
-    clock.start(stepMs);
+    connect(mainWindow->findChild<QPushButton*>("downloadLogFile"), &QPushButton::pressed, this, [this] {
+        logAsked = true;
+        lookAtThePhase();
+    });
+    connect(mainWindow->logDownloader, &LogDownloader::logDownloadProgress, this,
+            [this] { lookAtThePhase(); });
 }
 
 /// One look at the program, and what a user does on it.
 void Journey::step()
 {
-    if (!reached && isAtPhase()) {
-        reached = true;
-        if (scenario.fault)
-            later([this] {
-                scenario.fault(*this);
-                faultDone = true;
-            });
-    }
+    lookAtThePhase();
     goOn();
     const QStringList seen = visible();
     if (seen != lastSeen) {
         lastSeen = seen;
-        calm.restart();
-    } else if (calm.elapsed() > (reached ? calmMs() : roadMs) && !boxesOpen.isActive()) {
+        calmSteps = 0;
+    } else if (++calmSteps > patience() && !boxesOpen.isActive()) {
         conclude();
         say("closing");
         mainWindow->close();
     }
+}
+
+void Journey::later(const std::function<void()>& act)
+{
+    QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection);
+}
+
+void Journey::lookAtThePhase()
+{
+    if (reached || !isAtPhase())
+        return;
+    reached = true;
+    if (scenario.fault)
+        later([this] {
+            scenario.fault(*this);
+            faultDone = true;
+        });
+}
+
+/// After how many steps without any change the user closes the window: a few once all has come for which
+/// there was to wait, else only when the program hangs.
+int Journey::patience() const
+{
+    if (!reached || expected.end != endword::waits)
+        return limits::hangMs() / stepMs;
+    const QStringList texts = boxTexts();
+    const bool hasCome = std::all_of(expected.boxes.begin(), expected.boxes.end(),
+                                     [&texts](const QString& box) { return texts.contains(box); }) &&
+                         (scenario.fetchesLog || unitOutcome() == expected.unit);
+    return hasCome ? fewSteps : limits::hangMs() / stepMs;
 }
 
 bool Journey::isAtPhase() const
@@ -151,7 +184,7 @@ bool Journey::isAtPhase() const
     case Phase::installation:
         return mainWindow->fakeProgressActive == 1;
     case Phase::logHeader:
-        return !virtualbus::writesTo(1).empty();
+        return logAsked;
     case Phase::logParts:
         return logOnDisk() >= partsBeforeTheFault * partLength;
     case Phase::quit:
@@ -175,33 +208,6 @@ QStringList Journey::visible() const
     return all;
 }
 
-void Journey::goOn()
-{
-    if (!reached || !scenario.fault || faultDone) // the answer that makes the phase comes behind the fault
-        server.goOn();
-    if (boxes.openCount() > 0 || boxesOpen.isActive())
-        return;
-    const auto press = [this](const char* name, bool& pressed,
-                              const std::function<void(Journey&)>& before = {}) {
-        auto* button = mainWindow->findChild<QPushButton*>(name);
-        if (pressed || !button->isEnabled() || !button->isVisible())
-            return;
-        pressed = true;
-        later([this, button, before] {
-            if (before)
-                before(*this);
-            QTest::mouseClick(button, Qt::LeftButton);
-        });
-    };
-    press("connect_button", connectPressed, scenario.beforeConnect);
-    if (!scenario.fetchesLog) {
-        press("updateDeviceButton", updatePressed, scenario.beforeUpdate);
-    } else if (connectPressed && !logPressed) {
-        later([this] { QTest::keyClick(mainWindow, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier); });
-        press("downloadLogFile", logPressed);
-    }
-}
-
 void Journey::conclude()
 {
     if (std::exchange(concluded, true))
@@ -209,14 +215,24 @@ void Journey::conclude()
     clock.stop();
     if (!reached && (scenario.fault || !isAtPhase())) // a bad answer's box may be gone before the next step
         say("phase not reached");
-    for (const SeenBox& box : boxes.seen())
-        if (!belongsToTheRoad(box))
-            say("box " + (box.text + ' ' + box.informativeText).simplified());
+    const QStringList texts = boxTexts();
+    for (const QString& text : texts)
+        say("box " + text);
     if (!scenario.fetchesLog)
         say("unit " + unitOutcome());
     for (int number = 1; number <= static_cast<int>(scenario.units.size()); ++number)
         for (const std::string& error : virtualbus::unit(number).errors)
             say("complaint " + QString::fromStdString(error));
+}
+
+QStringList Journey::boxTexts() const
+{
+    QStringList texts;
+    for (const SeenBox& box : boxes.seen())
+        if (!belongsToTheRoad(box))
+            texts += (box.text + ' ' + box.informativeText).simplified();
+    texts.removeDuplicates();
+    return texts;
 }
 
 QString Journey::unitOutcome() const
@@ -228,26 +244,7 @@ QString Journey::unitOutcome() const
     for (int number = 1; number <= static_cast<int>(scenario.units.size()); ++number)
         installed += isInstalled(number) ? 1 : 0;
     if (installed > 0)
-        return installed == static_cast<int>(scenario.units.size()) ? "updated" : "one deck updated";
-    return updatePressed ? "not updated" : "untouched";
-}
-
-void Journey::pressEverything()
-{
-    const auto buttons = mainWindow->findChildren<QPushButton*>();
-    for (QPushButton* button : buttons)
-        for (int time = 0; time < 2; ++time)
-            if (button->isVisible())
-                QTest::mouseClick(button, Qt::LeftButton);
-    QTest::keyClick(mainWindow, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
-}
-
-void Journey::leaveBoxesOpen(int ms)
-{
-    boxes.leaveOpen();
-    boxesOpen.start(ms);
-    connect(&boxesOpen, &QTimer::timeout, this, [this] {
-        calm.restart();
-        connect(&clock, &QTimer::timeout, this, [this] { boxes.dismissTop(); });
-    });
+        return installed == static_cast<int>(scenario.units.size()) ? unitword::updated
+                                                                    : unitword::oneDeckUpdated;
+    return updatePressed ? unitword::notUpdated : unitword::untouched;
 }

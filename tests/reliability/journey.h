@@ -1,12 +1,12 @@
 #pragma once
 
 #include "reliability/journeyfiles.h"
+#include "reliability/outcome.h"
 #include "support/boxes.h"
 #include "support/rawserver.h"
 #include "ui/mainwindow.h"
 #include "virtualunit/options.h"
 
-#include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
 #include <QTimer>
@@ -45,6 +45,7 @@ struct Scenario
     Phase phase = Phase::search;
     bool fetchesLog = false; ///< the log's road instead of the update's
     std::vector<virtualunit::Options> units;
+    QByteArray (*log)() = nullptr;            ///< of the first unit; none: it has none
     QMap<QString, RawServer::Answer> answers; ///< in place of the good ones, by path
     std::function<void()> beforeStart;        ///< done before the program starts
     std::function<void(Journey&)> beforeConnect;
@@ -52,13 +53,22 @@ struct Scenario
     std::function<void(Journey&)> fault; ///< done once the phase is reached
 };
 
+/// A scenario and what it must come to.
+struct Cell
+{
+    Scenario scenario;
+    Outcome expected;
+    QStringList complaints = {}; ///< of its units about the program, each once, sorted
+};
+
 /// A user with a plan in front of the program, in the program's own process: brings it to the phase, lets the
-/// fault happen there, goes on as anybody would, waits until nothing changes any more, notes what there is to
-/// be seen and closes the window. Tells standard output what it sees. GUI thread.
+/// fault happen there, goes on as anybody would, waits for what is expected, and then until nothing changes
+/// any more, notes what there is to be seen and closes the window. Tells standard output what it sees. GUI
+/// thread.
 class Journey : public QObject
 {
 public:
-    explicit Journey(Scenario plan);
+    explicit Journey(Cell plan);
 
     [[nodiscard]] MainWindow& window() const { return *mainWindow; }
     RawServer server;
@@ -71,24 +81,33 @@ public:
     void leaveBoxesOpen(int ms);
 
 private:
+    /// Outside the clock's own slot: it must go on while a box that this opens stands.
+    static void later(const std::function<void()>& act);
+
+    void listenToTheProgram();
     void step();
+    void lookAtThePhase();
     [[nodiscard]] bool isAtPhase() const;
     [[nodiscard]] QStringList visible() const;
     void goOn();
+    [[nodiscard]] int patience() const;
     void conclude();
+    [[nodiscard]] QStringList boxTexts() const;
     [[nodiscard]] QString unitOutcome() const;
 
     Scenario scenario;
+    Outcome expected;
     MainWindow* mainWindow;
     QTimer clock;
     QTimer boxesOpen;
     QStringList lastSeen;
-    QElapsedTimer calm;
+    int calmSteps = 0; ///< since the last change
     bool reached = false;
     bool faultDone = false;
     bool connectPressed = false;
     bool updatePressed = false;
     bool logPressed = false;
+    bool logAsked = false;
     bool concluded = false;
 };
 

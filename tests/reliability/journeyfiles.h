@@ -15,5 +15,11 @@ inline QByteArray unitLog()
     return imageOf(400 * 63 + 5); // full parts and a rest
 }
 
+/// The same log, only longer: the program takes at most a part in a ms.
+inline QByteArray longLog()
+{
+    return imageOf(20000 * 63 + 5);
+}
+
 inline constexpr auto oldImage = "the image of the last update";
 /// @}

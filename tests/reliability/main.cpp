@@ -1,6 +1,7 @@
 // The program in its own process, from its own main(), with a user in it who follows a plan. `--list` prints
-// the faults: "row GROUP NAME REASON" and "cell GROUP NAME PHASE", parted by tabs. GROUP, NAME and PHASE as
-// arguments make one journey; its outcome is printed (Journey).
+// the faults, parted by tabs: "row GROUP NAME REASON", for each of its journeys "cell GROUP NAME PHASE
+// OUTCOME COMPLAINTS" (parted by "|"), for what other tests show "shown GROUP NAME PHASE OUTCOME TEST".
+// GROUP, NAME and PHASE as arguments make one journey; what is seen of it is printed (Journey).
 #include "reliability/faults.h"
 
 #include <QCoreApplication>
@@ -17,7 +18,7 @@ int talvexMain(int argc, char** argv); // the program's own
 
 namespace {
 
-std::optional<Scenario> chosen;
+std::optional<Cell> chosen;
 
 void beginJourney()
 {
@@ -32,21 +33,29 @@ const char* nameOf(Phase phase)
     return phaseNames.at(static_cast<std::size_t>(phase));
 }
 
+void printLine(const QStringList& fields)
+{
+    std::puts(fields.join('\t').toUtf8().constData());
+}
+
 void list()
 {
     for (const FaultRow& row : allFaults()) {
-        std::printf("row\t%s\t%s\t%s\n", row.group, row.name, row.elsewhere);
-        for (const Scenario& cell : row.cells)
-            std::printf("cell\t%s\t%s\t%s\n", row.group, row.name, nameOf(cell.phase));
+        printLine({"row", row.group, row.name, row.elsewhere});
+        for (const Cell& cell : row.cells)
+            printLine({"cell", row.group, row.name, nameOf(cell.scenario.phase), cell.expected.sentence(),
+                       cell.complaints.join('|')});
+        for (const ShownElsewhere& shown : row.shown)
+            printLine({"shown", row.group, row.name, nameOf(shown.phase), shown.outcome, shown.test});
     }
 }
 
-std::optional<Scenario> find(const char* group, const char* name, const char* phase)
+std::optional<Cell> find(const char* group, const char* name, const char* phase)
 {
     for (const FaultRow& row : allFaults())
-        for (const Scenario& cell : row.cells)
+        for (const Cell& cell : row.cells)
             if (std::strcmp(row.group, group) == 0 && std::strcmp(row.name, name) == 0 &&
-                std::strcmp(nameOf(cell.phase), phase) == 0)
+                std::strcmp(nameOf(cell.scenario.phase), phase) == 0)
                 return cell;
     return std::nullopt;
 }
@@ -81,7 +90,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s --list | GROUP FAULT PHASE\n", argv[0]);
         return 2;
     }
-    if (chosen->beforeStart)
-        chosen->beforeStart();
+    if (chosen->scenario.beforeStart)
+        chosen->scenario.beforeStart();
     return talvexMain(1, argv);
 }

@@ -9,17 +9,25 @@ namespace {
 constexpr auto elsewhere =
     "as with a single unit, or the deck has no part in it; logs are fetched from single units only";
 
+virtualunit::Options& unitOf(Scenario& scenario, int deck)
+{
+    return scenario.units[static_cast<std::size_t>(deck - 1)];
+}
+
 Scenario pairTo(Phase phase)
 {
     Scenario scenario = roadTo(phase);
     scenario.units = {goodUnit(UNIT_TRK300_LEFT), goodUnit(UNIT_TRK300_RIGHT)};
-    scenario.answers[cataloguePath] = ok(catalogueOf("PLT70", "27"));
     return scenario;
 }
 
+/// However late the plug is pulled, it is in time: the deck would need so long for what is awaited.
 Scenario unpluggedIn(Phase phase, int deck)
 {
     Scenario scenario = pairTo(phase);
+    const Scenario slow = longRoadTo(phase);
+    unitOf(scenario, deck).acceptMs = slow.units.front().acceptMs;
+    unitOf(scenario, deck).installMs = slow.units.front().installMs;
     scenario.fault = [deck](Journey&) { virtualbus::unplug(deck); };
     return scenario;
 }
@@ -34,7 +42,7 @@ Scenario missing(int deck)
 Scenario withFault(Phase phase, int deck, Fault fault, int argument = 0)
 {
     Scenario scenario = pairTo(phase);
-    scenario.units[static_cast<std::size_t>(deck - 1)].faults.add(fault, argument);
+    unitOf(scenario, deck).faults.add(fault, argument);
     return scenario;
 }
 
@@ -45,56 +53,86 @@ Scenario writesFailInTheStream(int deck)
     return scenario;
 }
 
-/// Said again and again: otherwise it depends on the moment whether both decks are heard in one tick.
-Scenario refusing(int deck)
+/// Both go on telling their state, the silent one too: a pair's answers count only when both decks are heard
+/// in one tick.
+Scenario unanswering(int deck)
 {
-    Scenario scenario = withFault(Phase::request, deck, Fault::RefusesTimeout);
-    scenario.units[static_cast<std::size_t>(deck - 1)].repeatsOutcome = true;
+    Scenario scenario = withFault(Phase::request, deck, Fault::NeverAnswers);
+    for (virtualunit::Options& unit : scenario.units) {
+        unit.periodMs = 40;
+        unit.repeatsOutcome = true;
+    }
     return scenario;
 }
 
-FaultRow row(const char* name, const std::vector<Scenario>& cells)
+FaultRow row(const char* name, const std::vector<Cell>& cells)
 {
     return {"one deck of a pair", name, elsewhere, cells};
+}
+
+constexpr auto strayPackets = "error packet-unexpected"; // it has not accepted the other deck's stream
+
+/// The deck that is read second; its status counts in the installation.
+std::vector<FaultRow> firstDeck()
+{
+    return {
+        row("the first deck is unplugged", {{missing(1), outcome::notFound},
+                                            {unpluggedIn(Phase::catalogue, 1), outcome::notWritten},
+                                            {unpluggedIn(Phase::changeLog, 1), outcome::notWritten},
+                                            {unpluggedIn(Phase::download, 1), outcome::notWritten},
+                                            {unpluggedIn(Phase::request, 1), outcome::keepsFirmware},
+                                            {unpluggedIn(Phase::stream, 1), outcome::oneDeck},
+                                            {unpluggedIn(Phase::installation, 1), outcome::oneDeck},
+                                            {unpluggedIn(Phase::quit, 1), outcome::updated}}),
+        row("the first deck cannot be opened",
+            {{withFault(Phase::search, 1, Fault::CannotOpen), outcome::notFound}}),
+        row("the first deck falls silent",
+            {{withFault(Phase::identification, 1, Fault::NoVersionReport), outcome::updated},
+             {unanswering(1), outcome::oneDeck, {strayPackets}},
+             {withFault(Phase::installation, 1, Fault::SilentInstallation), outcome::oneDeck}}),
+        row("the first deck refuses: timed out",
+            {{withFault(Phase::request, 1, Fault::RefusesTimeout), outcome::timedOut}}),
+        row("the first deck takes nothing",
+            {{withFault(Phase::request, 1, Fault::TakesNothing, 100), outcome::notWritten},
+             {writesFailInTheStream(1), outcome::oneDeck}}),
+        row("the first deck fails to install",
+            {{withFault(Phase::installation, 1, Fault::InstallationFails), outcome::oneDeckRejected}}),
+    };
+}
+
+std::vector<FaultRow> secondDeck()
+{
+    return {
+        row("the second deck is unplugged", {{missing(2), outcome::notFound},
+                                             {unpluggedIn(Phase::catalogue, 2), outcome::notWritten},
+                                             {unpluggedIn(Phase::changeLog, 2), outcome::notWritten},
+                                             {unpluggedIn(Phase::download, 2), outcome::notWritten},
+                                             {unpluggedIn(Phase::request, 2), outcome::keepsFirmware},
+                                             {unpluggedIn(Phase::stream, 2), outcome::keepsFirmware},
+                                             {unpluggedIn(Phase::installation, 2), outcome::keepsFirmware},
+                                             {unpluggedIn(Phase::quit, 2), outcome::updated}}),
+        row("the second deck cannot be opened",
+            {{withFault(Phase::search, 2, Fault::CannotOpen), outcome::notWritten}}),
+        row("the second deck falls silent",
+            {{withFault(Phase::identification, 2, Fault::NoVersionReport), outcome::updated},
+             {unanswering(2), outcome::oneDeckTold, {strayPackets}},
+             {withFault(Phase::installation, 2, Fault::SilentInstallation), outcome::keepsFirmware}}),
+        row("the second deck refuses: timed out",
+            {{withFault(Phase::request, 2, Fault::RefusesTimeout), outcome::timedOut}}),
+        row("the second deck takes nothing",
+            {{withFault(Phase::request, 2, Fault::TakesNothing, 100), outcome::notWritten},
+             {writesFailInTheStream(2), outcome::oneDeckTold}}),
+        row("the second deck fails to install",
+            {{withFault(Phase::installation, 2, Fault::InstallationFails), outcome::oneDeckTold}}),
+    };
 }
 
 } // namespace
 
 std::vector<FaultRow> pairFaults()
 {
-    std::vector<FaultRow> rows;
-    struct Names
-    {
-        const char* unplugged;
-        const char* silent;
-        const char* refuses;
-        const char* takesNothing;
-        const char* fails;
-        const char* closed;
-    };
-    constexpr std::array names{
-        Names{"the first deck is unplugged", "the first deck falls silent",
-              "the first deck refuses: timed out", "the first deck takes nothing",
-              "the first deck fails to install", "the first deck cannot be opened"},
-        Names{"the second deck is unplugged", "the second deck falls silent",
-              "the second deck refuses: timed out", "the second deck takes nothing",
-              "the second deck fails to install", "the second deck cannot be opened"},
-    };
-    for (int deck = 1; deck <= 2; ++deck) {
-        const Names& name = names.at(static_cast<std::size_t>(deck - 1));
-        rows.push_back(
-            row(name.unplugged, {missing(deck), unpluggedIn(Phase::catalogue, deck),
-                                 unpluggedIn(Phase::changeLog, deck), unpluggedIn(Phase::download, deck),
-                                 unpluggedIn(Phase::request, deck), unpluggedIn(Phase::stream, deck),
-                                 unpluggedIn(Phase::installation, deck), unpluggedIn(Phase::quit, deck)}));
-        rows.push_back(row(name.closed, {withFault(Phase::search, deck, Fault::CannotOpen)}));
-        rows.push_back(row(name.silent, {withFault(Phase::identification, deck, Fault::NoVersionReport),
-                                         withFault(Phase::request, deck, Fault::NeverAnswers),
-                                         withFault(Phase::installation, deck, Fault::SilentInstallation)}));
-        rows.push_back(row(name.refuses, {refusing(deck)}));
-        rows.push_back(row(name.takesNothing, {withFault(Phase::request, deck, Fault::TakesNothing, 100),
-                                               writesFailInTheStream(deck)}));
-        rows.push_back(row(name.fails, {withFault(Phase::installation, deck, Fault::InstallationFails)}));
-    }
+    std::vector<FaultRow> rows = firstDeck();
+    const std::vector<FaultRow> second = secondDeck();
+    rows.insert(rows.end(), second.begin(), second.end());
     return rows;
 }

@@ -18,22 +18,35 @@ struct Asked
     QByteArray body;
 };
 
-std::vector<Asked> allRequests()
+const std::array<Asked, 3>& allRequests()
 {
-    return {
+    static const std::array<Asked, 3> all{{
         {Phase::catalogue, cataloguePath, catalogueOf("HB4", "27")},
         {Phase::changeLog, changeLogPath, "All is better now."},
         {Phase::download, imagePath, newImage()},
-    };
+    }};
+    return all;
 }
 
-FaultRow row(const char* name, const std::function<Answer(const Asked&)>& answer)
+constexpr auto noRequest = "no request to a server is under way then";
+
+/// In place of the catalogue, the change log and the image.
+using Three = std::array<Outcome, 3>;
+const Three allBad{outcome::noInternet, outcome::noInternet, outcome::noInternet};
+const Three allGood{outcome::updated, outcome::updated, outcome::updated};
+const Three onlyImageBad{outcome::updated, outcome::updated, outcome::noInternet};
+/// A change log may be anything.
+const Three onlyChangeLogGood{outcome::noInternet, outcome::updated, outcome::noInternet};
+const Three imageCut{outcome::noInternet, outcome::updated, outcome::updatedByCutImage};
+const Three imageEmpty{outcome::noInternet, outcome::updated, outcome::noFile};
+
+FaultRow row(const char* name, const Three& expected, const std::function<Answer(const Asked&)>& answer)
 {
-    FaultRow row{"server", name, "no request to a server is under way then", {}};
-    for (const Asked& asked : allRequests()) {
-        Scenario scenario = roadTo(asked.phase);
-        scenario.answers[asked.path] = answer(asked);
-        row.cells.push_back(scenario);
+    FaultRow row{"server", name, noRequest, {}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const Asked& asked = allRequests().at(i);
+        row.cells.push_back({roadTo(asked.phase), expected.at(i)});
+        row.cells.back().scenario.answers[asked.path] = answer(asked);
     }
     return row;
 }
@@ -52,9 +65,11 @@ Answer redirectTo(const char* address)
 /// The program's patience of 30 s is over at once.
 FaultRow silent()
 {
-    FaultRow silent = row("says nothing for 30 s", [](const Asked&) { return Answer{{}, End::keepOpen}; });
-    for (Scenario& scenario : silent.cells)
-        scenario.fault = [](Journey& journey) {
+    FaultRow silent = row("says nothing for 30 s", allBad, [](const Asked&) {
+        return Answer{{}, End::keepOpen};
+    });
+    for (Cell& cell : silent.cells)
+        cell.scenario.fault = [](Journey& journey) {
             QTimer* timer = journey.window().updateChecker->timeoutTimer;
             QTimerEvent event(timer->timerId());
             QCoreApplication::sendEvent(timer, &event);
@@ -66,7 +81,24 @@ FaultRow unreachable()
 {
     Scenario scenario = roadTo(Phase::catalogue);
     scenario.beforeConnect = [](Journey& journey) { journey.server.stopListening(); };
-    return {"server", "cannot be reached", "no request to a server is under way then", {scenario}};
+    constexpr auto told = "the network problem is reported";
+    constexpr auto nobodyListens = "tst_answers::nobodyListens";
+    return {"server",
+            "cannot be reached",
+            noRequest,
+            {{scenario, outcome::noInternet}},
+            {{Phase::changeLog, told, nobodyListens}, {Phase::download, told, nobodyListens}}};
+}
+
+FaultRow twoAtOnce()
+{
+    return {"server",
+            "answers two requests at once",
+            "no control begins a second request then",
+            {},
+            {{Phase::catalogue, "whatever becomes of the two, the next check works",
+              "tst_overlappingrequests::secondCheckInFlight"},
+             {Phase::download, "no half image is stored", "tst_overlappingrequests::checkDuringADownload"}}};
 }
 
 } // namespace
@@ -78,58 +110,61 @@ std::vector<FaultRow> serverFaults()
     return {
         unreachable(),
         silent(),
-        row("closes without a word", [](const Asked&) { return Answer{{}}; }),
-        row("resets the connection",
+        row("closes without a word", allBad, [](const Asked&) { return Answer{{}}; }),
+        row("resets the connection", allBad,
             [](const Asked& asked) {
                 return Answer{{promising(asked, 9)}, End::reset};
             }),
-        row("cuts the answer short", [](const Asked& asked) { return Answer{{promising(asked, 9)}}; }),
-        row("sends more than it announced",
+        row("cuts the answer short", allBad,
+            [](const Asked& asked) { return Answer{{promising(asked, 9)}}; }),
+        row("sends more than it announced", imageCut,
             [](const Asked& asked) { return Answer{{promising(asked, -3)}}; }),
-        row("sends its first 200 bytes one by one",
+        row("sends its first 200 bytes one by one", allGood,
             [](const Asked& asked) {
                 const QByteArray whole = httpAnswer("200 OK", asked.body);
                 return Answer{drops(whole.left(200)) + QByteArrayList{whole.mid(200)}, End::keepOpen};
             }),
-        row("sends chunks",
+        row("sends chunks", allGood,
             [](const Asked& asked) {
                 return Answer{
                     {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(asked.body, 11)},
                     End::keepOpen};
             }),
-        row("cuts between two chunks",
+        row("cuts between two chunks", allBad,
             [](const Asked& asked) {
                 return Answer{{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
                                chunked(asked.body, 11).chopped(5)}};
             }),
-        row("compresses",
+        row("compresses", onlyImageBad,
             [](const Asked& asked) {
                 return ok(qCompress(asked.body).mid(4), {"Content-Encoding: deflate"});
             }),
-        row("tells neither length nor end",
+        row("tells neither length nor end", allGood,
             [](const Asked& asked) { return Answer{{"HTTP/1.1 200 OK\r\n\r\n" + asked.body}}; }),
-        row("never ends",
+        row("never ends", allBad,
             [piece](const Asked&) {
                 return Answer{
                     {"HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n", piece}, End::close, false, true};
             }),
-        row("is a captive portal", [page](const Asked&) { return ok(page, {"Content-Type: text/html"}); }),
-        row("sends an empty answer", [](const Asked&) { return ok(""); }),
-        row("does not find it (404)",
+        row("is a captive portal", onlyChangeLogGood,
+            [page](const Asked&) { return ok(page, {"Content-Type: text/html"}); }),
+        row("sends an empty answer", imageEmpty, [](const Asked&) { return ok(""); }),
+        row("does not find it (404)", allBad,
             [](const Asked&) { return Answer{{httpAnswer("404 Not Found", "no")}}; }),
-        row("is broken (500)",
+        row("is broken (500)", allBad,
             [](const Asked&) { return Answer{{httpAnswer("500 Internal Server Error", "no")}}; }),
-        row("asks for credentials (401)",
+        row("asks for credentials (401)", allBad,
             [](const Asked&) {
                 return Answer{
                     {httpAnswer("401 Unauthorized", "no", {"WWW-Authenticate: Basic realm=\"x\""})}};
             }),
-        row("redirects in a circle",
+        row("redirects in a circle", allBad,
             [](const Asked& asked) {
                 return redirectTo(("http://vendor.example" + QByteArray(asked.path)).constData());
             }),
-        row("redirects to another kind of address",
+        row("redirects to another kind of address", allBad,
             [](const Asked&) { return redirectTo("file:///etc/hostname"); }),
-        row("speaks another protocol", [](const Asked&) { return Answer{{"SSH-2.0-server\r\n"}}; }),
+        row("speaks another protocol", allBad, [](const Asked&) { return Answer{{"SSH-2.0-server\r\n"}}; }),
+        twoAtOnce(),
     };
 }

@@ -13,6 +13,10 @@ namespace {
 constexpr std::size_t sideBySide = 5;
 constexpr auto ending = "ending\n"; ///< said when the event loop ends
 
+/// Places in /proc/PID/stat, counted from the state; see proc(5).
+constexpr int userTimeField = 11;
+constexpr int systemTimeField = 12;
+
 } // namespace
 
 Traveller::Traveller(const QString& program, const QStringList& arguments)
@@ -37,9 +41,9 @@ Traveller::Traveller(const QString& program, const QStringList& arguments)
                      [this] { errors += process.readAllStandardError(); });
     QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &process, [this] {
         take();
-        endedAt = clock.elapsed();
+        endWatch.stop();
     });
-    clock.start();
+    QObject::connect(&endWatch, &QTimer::timeout, &process, [this] { watchTheEnd(); });
     process.start(own, arguments);
 }
 
@@ -53,8 +57,26 @@ Traveller::~Traveller()
 void Traveller::take()
 {
     output += process.readAllStandardOutput();
-    if (endingSince == 0 && output.contains(ending))
-        endingSince = clock.elapsed();
+    if (!endWatch.isActive() && output.contains(ending))
+        endWatch.start(tickMs);
+}
+
+/// Ticks count in which the process neither ran nor wanted to: it waited for something of its own choice.
+void Traveller::watchTheEnd()
+{
+    QFile file(QString("/proc/%1/stat").arg(process.processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray line = file.readAll();
+    const QByteArrayList fields =
+        line.mid(line.lastIndexOf(')') + 2).split(' '); // behind the name: state, ...
+    if (fields.size() <= systemTimeField)
+        return;
+    const qint64 ticks = fields[userTimeField].toLongLong() + fields[systemTimeField].toLongLong();
+    const qint64 computed = ticks * 1000 / sysconf(_SC_CLK_TCK);
+    computedBefore = computedBefore.value_or(computed);
+    computedMs = computed - *computedBefore;
+    restingTicks += fields[0] == "S" ? 1 : 0;
 }
 
 QStringList Traveller::said(const QString& word) const

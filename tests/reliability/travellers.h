@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// One journey, in a process and a directory of its own.
@@ -25,8 +26,9 @@ public:
     [[nodiscard]] QStringList said(const QString& word) const;
     [[nodiscard]] QString errorOutput() const { return QString::fromLocal8Bit(errors); }
 
-    /// From the first word of the program's end to the process's, in ms.
-    [[nodiscard]] qint64 endingMs() const { return endedAt - endingSince; }
+    /// How long the program took from the first word of its end to the process's, in ms: what it computed and
+    /// what it waited, but not what it was kept waiting for by a busy machine.
+    [[nodiscard]] qint64 endingMs() const { return computedMs + restingTicks * tickMs; }
 
     [[nodiscard]] QString path() const { return directory.path(); }
 
@@ -34,15 +36,19 @@ public:
     [[nodiscard]] QByteArray file(const QString& pattern) const;
 
 private:
+    static constexpr int tickMs = 10;
+
     void take();
+    void watchTheEnd();
 
     QTemporaryDir directory;
     QProcess process;
-    QElapsedTimer clock;
+    QTimer endWatch; ///< runs from the first word of the end
     QByteArray output;
     QByteArray errors;
-    qint64 endingSince = 0;
-    qint64 endedAt = 0;
+    std::optional<qint64> computedBefore; ///< the end, in ms
+    qint64 computedMs = 0;
+    qint64 restingTicks = 0;
 };
 
 /// Journeys under way side by side: a few, as most of their time is waiting.

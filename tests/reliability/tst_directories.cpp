@@ -1,5 +1,7 @@
 #include "reliability/journeyfiles.h"
+#include "reliability/outcome.h"
 #include "reliability/travellers.h"
+#include "support/limits.h"
 
 #include <QtTest>
 
@@ -7,8 +9,6 @@
 #include <fstream>
 
 namespace {
-
-constexpr int journeyMs = 60000;
 
 /// Every byte that a file name can hold, once.
 QByteArray everyByte()
@@ -70,7 +70,7 @@ void TestDirectories::files()
     const QString phase = fetchesLog ? "log parts" : "stream";
     Traveller traveller(TALVEX_JOURNEY,
                         {"--in", name.toHex(), "computer", "sets its clock back by a day", phase});
-    QTRY_VERIFY2_WITH_TIMEOUT(traveller.hasEnded(), "the program hangs", journeyMs);
+    QTRY_VERIFY2_WITH_TIMEOUT(traveller.hasEnded(), "the program hangs", limits::hangMs());
     QVERIFY2(!traveller.crashed() && traveller.exitCode() == 0, qPrintable(traveller.errorOutput()));
     const std::filesystem::path directory =
         std::filesystem::path(QFile::encodeName(traveller.path()).toStdString()) / name.toStdString();
@@ -78,7 +78,7 @@ void TestDirectories::files()
         QCOMPARE(fileEndingIn(directory, "_log.enc"), unitLog());
     else
         QCOMPARE(fileEndingIn(directory, "/updater.sb"), newImage());
-    QCOMPARE(traveller.said("unit"), fetchesLog ? QStringList() : QStringList("updated"));
+    QCOMPARE(traveller.said("unit"), fetchesLog ? QStringList() : QStringList(unitword::updated));
     std::filesystem::remove_all(directory); // QTemporaryDir cannot spell it
 }
 

@@ -1,5 +1,5 @@
 #include "support/boxlines.h"
-#include "support/evidence.h"
+#include "support/limits.h"
 #include "support/transferdesk.h"
 #include "tests/log/exchange.h"
 
@@ -30,14 +30,6 @@ template<typename Look, typename Expected> QStringList deviations(Look look, Exp
     return all;
 }
 
-void note(const QString& fault, const QString& phase, const QString& outcome)
-{
-    evidence::cell("unit", fault, phase, outcome);
-}
-
-constexpr auto anyStatus = "sends any status byte (256)";
-constexpr auto anyReply = "sends any reply code (256)";
-
 QString labels(TestWindow& window)
 {
     return window.label("labelTransfer").text() + '|' + window.label("labelUpdate").text();
@@ -48,7 +40,7 @@ QString logAfter(const std::vector<ReplyingUnit::Replies>& script)
 {
     Exchange exchange(unitSaying(script));
     exchange.downloader->startDownload(1);
-    if (!QTest::qWaitFor([&] { return !exchange.finished.isEmpty(); }))
+    if (!QTest::qWaitFor([&] { return !exchange.finished.isEmpty(); }, limits::hangMs()))
         return "hangs";
     return exchange.commands().join(' ') + ' ' + exchange.stored();
 }
@@ -61,7 +53,6 @@ class TestEveryByte : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void firstReport();
     void answerToTheRequest();
     void inTheStream();
@@ -69,14 +60,6 @@ private slots:
     void insteadOfTheHeader();
     void insteadOfAPart();
 };
-
-void TestEveryByte::initTestCase()
-{
-    evidence::row(
-        "unit", anyStatus,
-        "nothing is read from the unit then, or as in the installation (quit); a log's replies are below");
-    evidence::row("unit", anyReply, "a log's answers come only while a log is fetched");
-}
 
 void TestEveryByte::firstReport()
 {
@@ -91,7 +74,6 @@ void TestEveryByte::firstReport()
         },
         [](int byte) { return QString("%1 1").arg(byte); });
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyStatus, "identification", "its version is read, whatever the status says");
 }
 
 void TestEveryByte::answerToTheRequest()
@@ -118,9 +100,6 @@ void TestEveryByte::answerToTheRequest()
             }
         });
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyStatus, "request",
-         "0x9_ starts the stream, 0xA_ and 0xB_ show their boxes and nothing is sent, all others are waited "
-         "out");
 }
 
 void TestEveryByte::inTheStream()
@@ -139,7 +118,6 @@ void TestEveryByte::inTheStream()
         },
         [](int) { return QString("whole"); });
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyStatus, "stream", "the stream goes on: nothing is read before its end");
 }
 
 void TestEveryByte::inTheInstallation()
@@ -169,9 +147,6 @@ void TestEveryByte::inTheInstallation()
             }
         });
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyStatus, "installation",
-         "0xE_ is shown as progress, 0xF_ as the good end, 0x7_ and 0xC_ as errors, all others are waited "
-         "out");
 }
 
 void TestEveryByte::insteadOfTheHeader()
@@ -185,9 +160,6 @@ void TestEveryByte::insteadOfTheHeader()
             wrong += deviation(byte, UNIT_HB4, seen);
     }
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyReply, "log header",
-         "0x60 ends with “Download log file is complete.…” and an empty file, all others but the header are "
-         "waited out");
 }
 
 void TestEveryByte::insteadOfAPart()
@@ -206,8 +178,6 @@ void TestEveryByte::insteadOfAPart()
             wrong += deviation(byte, UNIT_HB4, seen);
     }
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join("; ")));
-    note(anyReply, "log parts",
-         "0x40 and 0x50 are parts and stored, for all others the unit is asked to send again");
 }
 
 QTEST_MAIN(TestEveryByte)

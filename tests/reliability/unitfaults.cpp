@@ -9,12 +9,12 @@ namespace {
 constexpr int headerWaitReplies = 300; ///< 1 ms each
 constexpr int packetInTheStream = 60;
 constexpr int partInTheLog = 60;
+constexpr virtualunit::Milliseconds hour = 60 * 60 * 1000;
 
-std::vector<std::uint8_t> logOfTheUnit()
-{
-    const QByteArray log = unitLog();
-    return {log.begin(), log.end()};
-}
+/// As many as wait for a program at most.
+constexpr std::size_t floodOfReports = 32;
+/// Each one makes the program ask for one part more than once: enough that every part comes twice.
+constexpr std::size_t floodInALog = 4;
 
 Scenario withFault(Phase phase, Fault fault, int argument = 0)
 {
@@ -23,18 +23,9 @@ Scenario withFault(Phase phase, Fault fault, int argument = 0)
     return scenario;
 }
 
-/// The header is kept back for good, so that the fault alone decides.
-Scenario withoutHeader()
-{
-    Scenario scenario = roadTo(Phase::logHeader);
-    scenario.units.front().faults = {};
-    scenario.units.front().faults.add(Fault::HeaderNeverComes);
-    return scenario;
-}
-
 Scenario unpluggedIn(Phase phase)
 {
-    Scenario scenario = phase == Phase::logHeader ? withoutHeader() : roadTo(phase);
+    Scenario scenario = longRoadTo(phase);
     scenario.fault = [](Journey&) { virtualbus::unplug(1); };
     return scenario;
 }
@@ -56,9 +47,12 @@ Scenario nothingPluggedIn()
     return scenario;
 }
 
+/// In the wait for a log's header: the program writes nothing before it has come.
 Scenario writesFailFrom(Phase phase)
 {
-    Scenario scenario = roadTo(phase);
+    Scenario scenario = phase == Phase::logHeader ? roadTo(phase) : longRoadTo(phase);
+    if (phase == Phase::logHeader)
+        scenario.units.front().faults.add(Fault::StrayReplies, 10 * headerWaitReplies);
     scenario.fault = [](Journey&) { virtualbus::failNextWrites(1, allWrites); };
     return scenario;
 }
@@ -66,33 +60,95 @@ Scenario writesFailFrom(Phase phase)
 Scenario flooding(Phase phase)
 {
     Scenario scenario = roadTo(phase);
-    scenario.units.front().periodMs = 1;
-    scenario.units.front().floodsLog = scenario.fetchesLog;
-    scenario.units.front().repeatsOutcome = true; // one report among a thousand is easily missed
+    scenario.units.front().flood = scenario.fetchesLog ? floodInALog : floodOfReports;
     return scenario;
 }
 
 std::vector<FaultRow> logFaults()
 {
     constexpr auto elsewhere = "a log's answers come only while a log is fetched";
-    const auto log = [](const char* name, Phase phase, Fault fault, int argument = 0) {
-        return FaultRow{"unit", name, elsewhere, {withFault(phase, fault, argument)}};
+    const auto log = [](const char* name, Phase phase, const Outcome& expected, Fault fault, int argument = 0,
+                        const QStringList& complaints = {}) {
+        return FaultRow{"unit", name, elsewhere, {{withFault(phase, fault, argument), expected, complaints}}};
     };
+    // The program asks for such a log again, and acknowledges its header twice.
+    const QStringList startsOver{"error log-acknowledge-unexpected"};
     return {
-        log("has no log", Phase::logHeader, Fault::NoLog),
-        log("sends a thousand unknown replies", Phase::logHeader, Fault::StrayReplies, 1000),
-        log("announces one part too many", Phase::logParts, Fault::WrongCount, 1),
-        log("sends three parts more than announced", Phase::logParts, Fault::TooManyParts, 3),
-        log("announces 0 parts and sends a log", Phase::logParts, Fault::ZeroParts),
-        log("says that its last part holds 255 bytes", Phase::logParts, Fault::OverlongLastPart, 255),
-        log("answers with unknown replies before the first part", Phase::logParts, Fault::UnknownReplies,
+        log("has no log", Phase::logHeader, outcome::emptyLog, Fault::NoLog),
+        log("sends a thousand unknown replies", Phase::logHeader, outcome::wholeLog, Fault::StrayReplies,
             1000),
+        log("announces one part too many", Phase::logParts, outcome::wholeLog, Fault::WrongCount, 1,
+            startsOver),
+        log("sends three parts more than announced", Phase::logParts, outcome::otherLog, Fault::TooManyParts,
+            3, startsOver),
+        log("announces 0 parts and sends a log", Phase::logParts, outcome::wholeLog, Fault::ZeroParts, 0,
+            startsOver),
+        log("says that its last part holds 255 bytes", Phase::logParts, outcome::otherLog,
+            Fault::OverlongLastPart, 255),
+        log("answers with unknown replies before the first part", Phase::logParts, outcome::wholeLog,
+            Fault::UnknownReplies, 1000),
     };
 }
 
-FaultRow only(const char* name, const char* elsewhere, const Scenario& cell)
+/// Every byte in the place of a status or of a reply code.
+std::vector<FaultRow> anyByte()
 {
-    return {"unit", name, elsewhere, {cell}};
+    return {
+        {"unit",
+         "sends any status byte (256)",
+         "nothing is read from the unit then, or as in the installation (quit); a log's replies are below",
+         {},
+         {{Phase::identification, "its version is read, whatever the status says",
+           "tst_everybyte::firstReport"},
+          {Phase::request,
+           "0x9_ starts the stream, 0xA_ and 0xB_ show their boxes and nothing is sent, all others are "
+           "waited out",
+           "tst_everybyte::answerToTheRequest"},
+          {Phase::stream, "the stream goes on: nothing is read before its end", "tst_everybyte::inTheStream"},
+          {Phase::installation,
+           "0xE_ is shown as progress, 0xF_ as the good end, 0x7_ and 0xC_ as errors, all others are waited "
+           "out",
+           "tst_everybyte::inTheInstallation"}}},
+        {"unit",
+         "sends any reply code (256)",
+         "a log's answers come only while a log is fetched",
+         {},
+         {{Phase::logHeader,
+           "0x60 ends with “Download log file is complete.…” and an empty file, all others but the header "
+           "are waited out",
+           "tst_everybyte::insteadOfTheHeader"},
+          {Phase::logParts,
+           "0x40 and 0x50 are parts and stored, for all others the unit is asked to send again",
+           "tst_everybyte::insteadOfAPart"}}},
+    };
+}
+
+FaultRow only(const char* name, const char* elsewhere, const Scenario& scenario, const Outcome& expected)
+{
+    return {"unit", name, elsewhere, {{scenario, expected}}};
+}
+
+std::vector<FaultRow> refusals()
+{
+    constexpr auto requests = "it answers requests only";
+    constexpr auto noImage = "it has no image before";
+    return {
+        only("refuses: timed out", requests, withFault(Phase::request, Fault::RefusesTimeout),
+             outcome::timedOut),
+        only("refuses: packets skipped", requests, withFault(Phase::request, Fault::RefusesSkipped),
+             outcome::skipped),
+        {"unit",
+         "loses a packet",
+         "packets are sent in the stream only",
+         {{withFault(Phase::stream, Fault::LosesPacket, packetInTheStream),
+           outcome::wrongDigest,
+           {"error packet-number expected=60 got=61"}}}},
+        only("finds the digest wrong", noImage, withFault(Phase::stream, Fault::WrongDigest),
+             outcome::wrongDigest),
+        only("rejects the image", noImage, withFault(Phase::stream, Fault::RejectsImage), outcome::rejected),
+        only("fails to install", "it installs nothing else",
+             withFault(Phase::installation, Fault::InstallationFails), outcome::rejected),
+    };
 }
 
 } // namespace
@@ -102,9 +158,8 @@ virtualunit::Options goodUnit(UnitType type)
     virtualunit::Options unit;
     unit.type = type;
     unit.version = 23;
-    unit.periodMs = 40; // what it says once is not lost on a slow machine
-    unit.acceptMs = 300;
-    unit.installMs = 500;
+    unit.periodMs = 0;
+    unit.installMs = 100;
     return unit;
 }
 
@@ -115,57 +170,83 @@ Scenario roadTo(Phase phase)
     scenario.units = {goodUnit()};
     scenario.fetchesLog = phase == Phase::logHeader || phase == Phase::logParts;
     if (scenario.fetchesLog)
-        scenario.units.front().log = logOfTheUnit();
+        scenario.log = unitLog;
     if (phase == Phase::logHeader)
         scenario.units.front().faults.add(Fault::StrayReplies, headerWaitReplies);
     return scenario;
 }
 
+Scenario longRoadTo(Phase phase)
+{
+    Scenario scenario = roadTo(phase);
+    virtualunit::Options& unit = scenario.units.front();
+    if (phase == Phase::request)
+        unit.acceptMs = hour;
+    else if (phase == Phase::installation)
+        unit.installMs = hour;
+    else if (phase == Phase::logHeader)
+        unit.faults.add(Fault::HeaderNeverComes);
+    else if (phase == Phase::logParts)
+        scenario.log = longLog;
+    return scenario;
+}
+
 std::vector<FaultRow> unitFaults()
 {
+    constexpr auto isOpen = "it is open from here on";
     std::vector<FaultRow> rows{
         {"unit",
          "is unplugged",
          "the image is stored at one go, in one turn of the event loop; what happens meanwhile is noticed "
          "after it",
-         {nothingPluggedIn(), unpluggedInIdentification(), unpluggedIn(Phase::catalogue),
-          unpluggedIn(Phase::changeLog), unpluggedIn(Phase::download), unpluggedIn(Phase::request),
-          unpluggedIn(Phase::stream), unpluggedIn(Phase::installation), unpluggedIn(Phase::logHeader),
-          unpluggedIn(Phase::logParts), unpluggedIn(Phase::quit)}},
-        only("cannot be opened", "it is open from here on", withFault(Phase::search, Fault::CannotOpen)),
-        only("may not be used by this user", "it is open from here on",
-             withFault(Phase::search, Fault::NoPermission)),
+         {{nothingPluggedIn(), outcome::notFound},
+          {unpluggedInIdentification(), outcome::notWritten},
+          {unpluggedIn(Phase::catalogue), outcome::notWritten},
+          {unpluggedIn(Phase::changeLog), outcome::notWritten},
+          {unpluggedIn(Phase::download), outcome::notWritten},
+          {unpluggedIn(Phase::request), outcome::keepsFirmware},
+          {unpluggedIn(Phase::stream), outcome::keepsFirmware},
+          {unpluggedIn(Phase::installation), outcome::keepsFirmware},
+          {unpluggedIn(Phase::logHeader), outcome::awaitsHeader},
+          {unpluggedIn(Phase::logParts), outcome::awaitsPart},
+          {unpluggedIn(Phase::quit), outcome::updated}}},
+        only("cannot be opened", isOpen, withFault(Phase::search, Fault::CannotOpen), outcome::notFound),
+        only("may not be used by this user", isOpen, withFault(Phase::search, Fault::NoPermission),
+             outcome::notFound),
         {"unit",
          "falls silent",
          "nothing is awaited from the unit then",
-         {withFault(Phase::identification, Fault::NoVersionReport),
-          withFault(Phase::request, Fault::NeverAnswers),
-          withFault(Phase::installation, Fault::SilentInstallation), withoutHeader(),
-          withFault(Phase::logParts, Fault::StallsAfterPart, partInTheLog)}},
+         {{withFault(Phase::identification, Fault::NoVersionReport), outcome::updated},
+          {withFault(Phase::request, Fault::NeverAnswers), outcome::keepsFirmware},
+          {withFault(Phase::installation, Fault::SilentInstallation), outcome::keepsFirmware},
+          {longRoadTo(Phase::logHeader), outcome::awaitsHeader},
+          {withFault(Phase::logParts, Fault::StallsAfterPart, partInTheLog), outcome::awaitsPart}}},
         {"unit",
          "takes nothing any more",
          "nothing is written to the unit then",
-         {withFault(Phase::request, Fault::TakesNothing, 100), writesFailFrom(Phase::stream),
-          writesFailFrom(Phase::logHeader), writesFailFrom(Phase::logParts)}},
-        only("refuses: timed out", "it answers requests only",
-             withFault(Phase::request, Fault::RefusesTimeout)),
-        only("refuses: packets skipped", "it answers requests only",
-             withFault(Phase::request, Fault::RefusesSkipped)),
-        only("loses a packet", "packets are sent in the stream only",
-             withFault(Phase::stream, Fault::LosesPacket, packetInTheStream)),
-        only("finds the digest wrong", "it has no image before",
-             withFault(Phase::stream, Fault::WrongDigest)),
-        only("rejects the image", "it has no image before", withFault(Phase::stream, Fault::RejectsImage)),
-        only("fails to install", "it installs nothing else",
-             withFault(Phase::installation, Fault::InstallationFails)),
-        {"unit",
-         "floods the program with input reports",
-         "nothing is read from the unit then",
-         {flooding(Phase::identification), flooding(Phase::request), flooding(Phase::stream),
-          flooding(Phase::installation), flooding(Phase::logHeader), flooding(Phase::logParts),
-          flooding(Phase::quit)}},
+         {{withFault(Phase::request, Fault::TakesNothing, 100), outcome::notWritten},
+          {writesFailFrom(Phase::stream), outcome::keepsFirmware},
+          {writesFailFrom(Phase::logHeader), outcome::awaitsHeader},
+          {writesFailFrom(Phase::logParts), outcome::awaitsPart}}},
     };
-    for (const FaultRow& row : logFaults())
-        rows.push_back(row);
+    const auto add = [&rows](const std::vector<FaultRow>& more) {
+        rows.insert(rows.end(), more.begin(), more.end());
+    };
+    // Every flooding report is taken for a part that must come again, and every part that comes again is
+    // acknowledged.
+    const QStringList asksTooOften{"error log-acknowledge-unexpected", "error log-resend-unexpected"};
+    add(refusals());
+    add({{"unit",
+          "floods the program with input reports",
+          "nothing is read from the unit then",
+          {{flooding(Phase::identification), outcome::updated},
+           {flooding(Phase::request), outcome::updated},
+           {flooding(Phase::stream), outcome::updated},
+           {flooding(Phase::installation), outcome::updated},
+           {flooding(Phase::logHeader), outcome::otherLog, asksTooOften},
+           {flooding(Phase::logParts), outcome::otherLog, asksTooOften},
+           {flooding(Phase::quit), outcome::updated}}}});
+    add(logFaults());
+    add(anyByte());
     return rows;
 }

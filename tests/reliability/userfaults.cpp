@@ -2,49 +2,63 @@
 
 namespace {
 
-constexpr std::array inMidWork{Phase::catalogue, Phase::changeLog,    Phase::download,  Phase::request,
-                               Phase::stream,    Phase::installation, Phase::logHeader, Phase::logParts};
+const ByPhase endsAtOnce{
+    {Phase::search, outcome::closedBefore},         {Phase::catalogue, outcome::closedBefore},
+    {Phase::changeLog, outcome::closedBefore},      {Phase::download, outcome::closedBefore},
+    {Phase::request, outcome::closedInUpdate},      {Phase::stream, outcome::closedInUpdate},
+    {Phase::installation, outcome::closedInUpdate}, {Phase::logHeader, outcome::closedBeforeLog},
+    {Phase::logParts, outcome::closedInLog},
+};
+const ByPhase carriesOnOrStops{
+    {Phase::search, outcome::updated},       {Phase::catalogue, outcome::updated},
+    {Phase::changeLog, outcome::updated},    {Phase::download, outcome::updated},
+    {Phase::request, outcome::updated},      {Phase::stream, outcome::updated},
+    {Phase::installation, outcome::updated}, {Phase::logHeader, outcome::emptyLog},
+    {Phase::logParts, outcome::cutLog},
+};
 constexpr int longMs = 2000;
 
-Scenario at(Phase phase, const std::function<void(Journey&)>& act)
+FaultRow row(const char* name, const char* elsewhere, const ByPhase& expected, Scenario (*road)(Phase),
+             const std::function<void(Journey&)>& act)
 {
-    Scenario scenario = roadTo(phase);
-    scenario.fault = act;
-    return scenario;
+    FaultRow row{"user", name, elsewhere, {}};
+    for (const auto& [phase, outcome] : expected) {
+        row.cells.push_back({road(phase), outcome});
+        row.cells.back().scenario.fault = act;
+    }
+    return row;
 }
 
-std::vector<Scenario> inMid(const std::function<void(Journey&)>& act)
+/// The log goes on until Stop is pressed, the update comes to its end.
+Scenario roadToBeStopped(Phase phase)
 {
-    std::vector<Scenario> cells;
-    for (const Phase phase : inMidWork)
-        cells.push_back(at(phase, act));
-    return cells;
+    return phase == Phase::logHeader || phase == Phase::logParts ? longRoadTo(phase) : roadTo(phase);
 }
 
 } // namespace
 
 std::vector<FaultRow> userFaults()
 {
-    std::vector<Scenario> closing = inMid([](Journey& journey) { journey.window().close(); });
-    closing.insert(closing.begin(), at(Phase::search, [](Journey& journey) { journey.window().close(); }));
-    std::vector<Scenario> pressing = inMid([](Journey& journey) { journey.pressEverything(); });
-    pressing.insert(pressing.begin(), at(Phase::search, [](Journey& journey) { journey.pressEverything(); }));
-    const auto escape = [](Journey& journey) { journey.boxes.answerWithEscape(); };
-    const auto leave = [](Journey& journey) { journey.leaveBoxesOpen(longMs); };
+    constexpr auto noEvent =
+        "no event is taken in the middle of this, or a box stands in front of the window";
+    constexpr auto noBox =
+        "no box opens then, unless another fault opens it; the closing one belongs to the installation";
     return {
-        {"user", "closes the window",
-         "no event is taken in the middle of this, or a box stands in front of the window", closing},
-        {"user", "presses every control twice, and the log's key",
-         "no event is taken in the middle of this, or a box stands in front of the window", pressing},
-        {"user",
-         "leaves every box open for 2 s",
-         "no box opens then, unless another fault opens it; the closing one belongs to the installation",
-         {at(Phase::identification, leave), at(Phase::changeLog, leave), at(Phase::installation, leave),
-          at(Phase::logParts, leave)}},
-        {"user",
-         "closes every box with Escape",
-         "no box opens then, unless another fault opens it; the closing one belongs to the installation",
-         {at(Phase::identification, escape), at(Phase::changeLog, escape), at(Phase::installation, escape),
-          at(Phase::logParts, escape)}},
+        row("closes the window", noEvent, endsAtOnce, longRoadTo,
+            [](Journey& journey) { journey.window().close(); }),
+        row("presses every control twice, and the log's key", noEvent, carriesOnOrStops, roadToBeStopped,
+            [](Journey& journey) { journey.pressEverything(); }),
+        row("leaves every box open for 2 s", noBox,
+            {{Phase::identification, outcome::updated},
+             {Phase::changeLog, outcome::updated},
+             {Phase::installation, outcome::updated},
+             {Phase::logParts, outcome::wholeLog}},
+            roadTo, [](Journey& journey) { journey.leaveBoxesOpen(longMs); }),
+        row("closes every box with Escape", noBox,
+            {{Phase::identification, outcome::declined},
+             {Phase::changeLog, outcome::declined},
+             {Phase::installation, outcome::updated},
+             {Phase::logParts, outcome::wholeLog}},
+            roadTo, [](Journey& journey) { journey.boxes.answerWithEscape(); }),
     };
 }

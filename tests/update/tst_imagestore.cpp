@@ -1,4 +1,3 @@
-#include "support/evidence.h"
 #include "support/faultycalls.h"
 #include "support/filesizelimit.h"
 #include "support/imagefiles.h"
@@ -303,10 +302,6 @@ void TestImageStore::killedAtAnyCall()
         QCOMPARE(found().image, fresh);
     }
     QVERIFY2(killed >= 4 && killed < mostCalls, qPrintable(QString::number(killed)));
-    evidence::cell(
-        "computer", "kills the program", "store",
-        "before each single call that writes, syncs, removes or renames: the old image is whole on "
-        "disk under one of its two names, or the new one is");
 }
 
 QTEST_APPLESS_MAIN(TestImageStore)

@@ -1,4 +1,3 @@
-#include "support/evidence.h"
 #include "support/mocklogind.h"
 #include "support/scriptedunit.h"
 #include "support/testwindow.h"
@@ -19,13 +18,6 @@ class TestSleepInhibitor : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        evidence::row("computer", "is about to fall asleep by itself",
-                      "only a unit being written keeps it awake");
-        evidence::row("computer", "has no system bus to be kept awake by", "nobody asks it then");
-    }
-
     void cleanup()
     {
         sleepinhibitor::release();
@@ -100,11 +92,6 @@ private slots:
             unit->sayStatus(static_cast<std::uint8_t>(status));
         }
         QTRY_COMPARE(underTheBox, QStringList()); // the box that tells of the end finds the lock released
-        const QStringList phases{"request", "stream", "installation"};
-        if (status == 0xF0)
-            for (const QString& phase : phases)
-                evidence::cell("computer", "is about to fall asleep by itself", phase,
-                               "it is kept awake until the box that tells of the end");
     }
 
     void noImageNoLock()
@@ -123,9 +110,6 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^The computer may go to sleep: .+"));
         sleepinhibitor::hold();
         QThreadPool::globalInstance()->waitForDone();
-        evidence::cell(
-            "computer", "has no system bus to be kept awake by", "request",
-            "a line on standard error says so; all journeys of this document are made without one");
     }
 
     void aSilentBusHoldsNothingUp()

@@ -168,6 +168,8 @@ void Bus::collect(hid_device& handle)
         if (handle.queue.size() > queueSize)
             handle.queue.pop_front();
     }
+    while (auto report = handle.slot->device->takeFlood(handle.queue.size()))
+        handle.queue.push_back(std::move(*report));
 }
 
 int Bus::read(std::unique_lock<std::mutex>& lock, hid_device& handle, std::span<std::uint8_t> buffer,

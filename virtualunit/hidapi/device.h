@@ -44,6 +44,12 @@ public:
     /// The oldest input report that is due and not yet taken, 0 to 64 bytes, or nothing.
     [[nodiscard]] virtual std::optional<std::vector<std::uint8_t>> takeInput(Milliseconds now) = 0;
 
+    /// A report that the device sends for no reason but to flood a host for which only so many are waiting.
+    [[nodiscard]] virtual std::optional<std::vector<std::uint8_t>> takeFlood(std::size_t /*waiting*/)
+    {
+        return std::nullopt;
+    }
+
     /// When takeInput() may have something next, or `never`; a reader that waits wakes then.
     [[nodiscard]] virtual Milliseconds nextEventAt() const { return never; }
 

@@ -18,15 +18,25 @@ public:
     }
     std::optional<std::vector<std::uint8_t>> takeInput(Milliseconds now) override
     {
-        const auto report = unit.takeInput(now);
-        if (!report)
-            return std::nullopt;
-        return std::vector<std::uint8_t>(report->begin(), report->end());
+        return bytesOf(unit.takeInput(now));
+    }
+    std::optional<std::vector<std::uint8_t>> takeFlood(std::size_t waiting) override
+    {
+        return bytesOf(unit.takeFlood(waiting));
     }
     [[nodiscard]] Milliseconds nextEventAt() const override { return unit.nextEventAt(); }
     [[nodiscard]] bool isPluggedIn() const override { return unit.isPluggedIn(); }
 
     virtualunit::VirtualUnit unit;
+
+private:
+    [[nodiscard]] static std::optional<std::vector<std::uint8_t>>
+    bytesOf(const std::optional<virtualunit::Report>& report)
+    {
+        if (!report)
+            return std::nullopt;
+        return std::vector<std::uint8_t>(report->begin(), report->end());
+    }
 };
 
 /// What an enumeration says of a unit with these options: a host that may not ask, or does not find a product

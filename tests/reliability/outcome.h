@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The words for what becomes of the unit, of the files and of the program.
+/// @{
+namespace unitword {
+inline constexpr auto updated = "the unit has the new firmware";
+inline constexpr auto oneDeckUpdated = "only one deck has the new firmware";
+inline constexpr auto notUpdated = "the unit keeps its firmware";
+inline constexpr auto untouched = "nothing is sent to the unit";
+} // namespace unitword
+
+namespace diskword {
+inline constexpr auto newImage = "the new image is on disk, the old one is its backup";
+inline constexpr auto onlyNewImage = "the new image is on disk";
+inline constexpr auto oldImage = "the old image is on disk";
+inline constexpr auto onlyBackup = "the old image, as its backup, is on disk";
+inline constexpr auto cutImage = "an image cut short and the old image, as its backup, are on disk";
+inline constexpr auto noImage = "no image is on disk";
+inline constexpr auto noLog = "there is no log file";
+inline constexpr auto wholeLog = "the whole log is on disk";
+inline constexpr auto emptyLog = "the log file is empty";
+inline constexpr auto cutLog = "what was received is on disk";
+inline constexpr auto otherLog = "the log on disk has parts twice or other bytes";
+} // namespace diskword
+
+namespace endword {
+inline constexpr auto ends = "the program ends";
+inline constexpr auto waits = "the program waits for its user";
+inline constexpr auto gone = "the program is gone";
+} // namespace endword
+/// @}
+
+/// What a user sees and keeps when a journey is over.
+struct Outcome
+{
+    QStringList boxes; ///< their texts, each once, without what belongs to a good road
+    QString unit;      ///< empty: nobody meant to update one, or nobody was left to say
+    QString disk;
+    QString end;
+
+    /// "“Text.”; the unit ...; the new image ...; the program ...".
+    [[nodiscard]] QString sentence() const
+    {
+        QStringList parts;
+        for (const QString& box : boxes)
+            parts += QString::fromUtf8("“%1”").arg(box);
+        parts += {unit, disk, end};
+        parts.removeAll(QString());
+        return parts.join("; ");
+    }
+};

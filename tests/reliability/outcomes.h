@@ -1,0 +1,80 @@
+#pragma once
+
+#include "reliability/outcome.h"
+#include "support/boxlines.h"
+#include "support/closing.h"
+
+/// The outcomes that the journeys are expected to have.
+namespace outcome {
+
+/// The text alone of a line of Boxes::lines(), with what stands below it in the box.
+[[nodiscard]] inline QStringList box(const QString& line)
+{
+    return {line.section('|', 2, 2).simplified()};
+}
+
+/// The unit's update: it comes to its good end, or it is told why not, or it never comes to an end.
+/// @{
+inline const Outcome updated{box(boxline::finished), unitword::updated, diskword::newImage, endword::ends};
+inline const Outcome keepsFirmware{{}, unitword::notUpdated, diskword::newImage, endword::waits};
+inline const Outcome notWritten{box(boxline::noRequest), unitword::notUpdated, diskword::newImage,
+                                endword::waits};
+inline const Outcome timedOut{box(boxline::timedOut), unitword::notUpdated, diskword::newImage,
+                              endword::waits};
+inline const Outcome skipped{box(boxline::skipped), unitword::notUpdated, diskword::newImage, endword::waits};
+inline const Outcome wrongDigest{box(boxline::wrongDigest), unitword::notUpdated, diskword::newImage,
+                                 endword::waits};
+inline const Outcome rejected{box(boxline::rejected), unitword::notUpdated, diskword::newImage,
+                              endword::waits};
+inline const Outcome oneDeck{{}, unitword::oneDeckUpdated, diskword::newImage, endword::waits};
+inline const Outcome oneDeckTold{box(boxline::finished), unitword::oneDeckUpdated, diskword::newImage,
+                                 endword::ends};
+inline const Outcome oneDeckRejected{box(boxline::rejected), unitword::oneDeckUpdated, diskword::newImage,
+                                     endword::waits};
+/// @}
+
+/// It does not come to an update.
+/// @{
+inline const Outcome notFound{box(boxline::notFound), unitword::untouched, diskword::oldImage,
+                              endword::waits};
+inline const Outcome noInternet{box(closing::noInternet), unitword::untouched, diskword::oldImage,
+                                endword::ends};
+inline const Outcome declined{{}, unitword::untouched, diskword::oldImage, endword::waits};
+/// @}
+
+/// The image's file is another than usual.
+/// @{
+inline const Outcome notSaved{box(closing::notSaved), unitword::untouched, diskword::oldImage, endword::ends};
+inline const Outcome notSavedBackup{box(closing::notSaved), unitword::untouched, diskword::onlyBackup,
+                                    endword::ends};
+inline const Outcome noFile{box(boxline::noFile), unitword::notUpdated, diskword::onlyBackup, endword::waits};
+inline const Outcome updatedWithoutBackup{box(boxline::finished), unitword::updated, diskword::onlyNewImage,
+                                          endword::ends};
+inline const Outcome updatedByCutImage{box(boxline::finished), unitword::updated, diskword::cutImage,
+                                       endword::ends};
+/// @}
+
+/// The unit's log: told to be complete, or never.
+/// @{
+inline const Outcome wholeLog{box(closing::logComplete), {}, diskword::wholeLog, endword::ends};
+inline const Outcome cutLog{box(closing::logComplete), {}, diskword::cutLog, endword::ends};
+inline const Outcome otherLog{box(closing::logComplete), {}, diskword::otherLog, endword::ends};
+inline const Outcome emptyLog{box(closing::logComplete), {}, diskword::emptyLog, endword::ends};
+inline const Outcome noLog{box(closing::logComplete), {}, diskword::noLog, endword::ends};
+inline const Outcome awaitsHeader{{}, {}, diskword::emptyLog, endword::waits};
+inline const Outcome awaitsPart{{}, {}, diskword::cutLog, endword::waits};
+/// @}
+
+/// The user, or the system, ends the program in mid work.
+/// @{
+inline const Outcome closedBefore{{}, unitword::untouched, diskword::oldImage, endword::ends};
+inline const Outcome closedInUpdate{{}, unitword::notUpdated, diskword::newImage, endword::ends};
+inline const Outcome closedBeforeLog{{}, {}, diskword::emptyLog, endword::ends};
+inline const Outcome closedInLog{{}, {}, diskword::cutLog, endword::ends};
+inline const Outcome goneBefore{{}, {}, diskword::oldImage, endword::gone};
+inline const Outcome goneInUpdate{{}, {}, diskword::newImage, endword::gone};
+inline const Outcome goneBeforeLog{{}, {}, diskword::emptyLog, endword::gone};
+inline const Outcome goneInLog{{}, {}, diskword::cutLog, endword::gone};
+/// @}
+
+} // namespace outcome
