@@ -27,8 +27,8 @@ public:
     /// From now on every report carries `nibble`.
     void hold(std::uint8_t nibble)
     {
+        news = news || nibble != held;
         held = nibble;
-        news = true;
     }
 
     /// The next report carries `nibble`; one that repeats its outcomes goes on with it.

@@ -27,6 +27,9 @@ using ByPhase = std::vector<std::pair<Phase, Outcome>>;
 /// More writes than any journey makes: all fail from then on (virtualbus::failNextWrites).
 inline constexpr int allWrites = 1000000000;
 
+/// Longer than any journey.
+inline constexpr virtualunit::Milliseconds anHourMs = 60 * 60 * 1000;
+
 /// Every fault that is tried, in the order of the document.
 [[nodiscard]] std::vector<FaultRow> allFaults();
 

@@ -21,13 +21,16 @@ Scenario pairTo(Phase phase)
     return scenario;
 }
 
-/// However late the plug is pulled, it is in time: the deck would need so long for what is awaited.
+/// However late the plug is pulled, it is in time: the deck would need so long for what is awaited. So would
+/// the first one when nobody listens to it any more, as the second one is heard before it.
 Scenario unpluggedIn(Phase phase, int deck)
 {
     Scenario scenario = pairTo(phase);
     const Scenario slow = longRoadTo(phase);
     unitOf(scenario, deck).acceptMs = slow.units.front().acceptMs;
     unitOf(scenario, deck).installMs = slow.units.front().installMs;
+    if (deck == 2 && phase != Phase::quit)
+        unitOf(scenario, 1).installMs = anHourMs;
     scenario.fault = [deck](Journey&) { virtualbus::unplug(deck); };
     return scenario;
 }
@@ -62,6 +65,14 @@ Scenario unanswering(int deck)
         unit.periodMs = 40;
         unit.repeatsOutcome = true;
     }
+    return scenario;
+}
+
+/// Nobody listens to the first deck any more, which installs for so long.
+Scenario secondInstallsSilently()
+{
+    Scenario scenario = withFault(Phase::installation, 2, Fault::SilentInstallation);
+    unitOf(scenario, 1).installMs = anHourMs;
     return scenario;
 }
 
@@ -116,7 +127,7 @@ std::vector<FaultRow> secondDeck()
         row("the second deck falls silent",
             {{withFault(Phase::identification, 2, Fault::NoVersionReport), outcome::updated},
              {unanswering(2), outcome::oneDeckTold, {strayPackets}},
-             {withFault(Phase::installation, 2, Fault::SilentInstallation), outcome::keepsFirmware}}),
+             {secondInstallsSilently(), outcome::keepsFirmware}}),
         row("the second deck refuses: timed out",
             {{withFault(Phase::request, 2, Fault::RefusesTimeout), outcome::timedOut}}),
         row("the second deck takes nothing",

@@ -9,7 +9,6 @@ namespace {
 constexpr int headerWaitReplies = 300; ///< 1 ms each
 constexpr int packetInTheStream = 60;
 constexpr int partInTheLog = 60;
-constexpr virtualunit::Milliseconds hour = 60 * 60 * 1000;
 
 /// As many as wait for a program at most.
 constexpr std::size_t floodOfReports = 32;
@@ -181,9 +180,9 @@ Scenario longRoadTo(Phase phase)
     Scenario scenario = roadTo(phase);
     virtualunit::Options& unit = scenario.units.front();
     if (phase == Phase::request)
-        unit.acceptMs = hour;
+        unit.acceptMs = anHourMs;
     else if (phase == Phase::installation)
-        unit.installMs = hour;
+        unit.installMs = anHourMs;
     else if (phase == Phase::logHeader)
         unit.faults.add(Fault::HeaderNeverComes);
     else if (phase == Phase::logParts)
