@@ -49,22 +49,28 @@ Scenario withFault(Phase phase, int deck, Fault fault, int argument = 0)
     return scenario;
 }
 
-Scenario writesFailInTheStream(int deck)
+/// Both go on telling their state, the one that has nothing to say too: a pair's answers count only when both
+/// decks are heard in one tick.
+void tellAgainAndAgain(Scenario& scenario)
 {
-    Scenario scenario = pairTo(Phase::stream);
-    scenario.fault = [deck](Journey&) { virtualbus::failNextWrites(deck, allWrites); };
-    return scenario;
-}
-
-/// Both go on telling their state, the silent one too: a pair's answers count only when both decks are heard
-/// in one tick.
-Scenario unanswering(int deck)
-{
-    Scenario scenario = withFault(Phase::request, deck, Fault::NeverAnswers);
     for (virtualunit::Options& unit : scenario.units) {
         unit.periodMs = 40;
         unit.repeatsOutcome = true;
     }
+}
+
+Scenario unanswering(int deck)
+{
+    Scenario scenario = withFault(Phase::request, deck, Fault::NeverAnswers);
+    tellAgainAndAgain(scenario);
+    return scenario;
+}
+
+Scenario writesFailInTheStream(int deck)
+{
+    Scenario scenario = pairTo(Phase::stream);
+    tellAgainAndAgain(scenario);
+    scenario.fault = [deck](Journey&) { virtualbus::failNextWrites(deck, allWrites); };
     return scenario;
 }
 
