@@ -162,6 +162,21 @@ private slots:
         QCOMPARE(stored.size() % 63, 0);
     }
 
+    void theProgramEndsInAFloodOfUnknownReplies()
+    {
+        const auto unit = unitSaying({{headerReply(1)}});
+        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
+            raw->say("Z");
+        };
+        Exchange exchange(unit);
+        exchange.downloader->startDownload(1);
+        QTRY_VERIFY(exchange.commands().count("70") > 50);
+        exchange.worker.requestInterruption();
+        exchange.worker.quit();
+        QTRY_VERIFY(exchange.worker.isFinished());
+        QCOMPARE(exchange.finished.size(), 0);
+    }
+
     /// For the thread sanitizer (scripts/test.sh): no queue of Qt's, which it cannot see through, lies
     /// between the two threads. One stores parts as fast as it can while the other stops the download.
     void stopOnAnotherThread()

@@ -40,6 +40,9 @@ private slots:
             QTest::addRow("type %d: bytes 1 and 2", type) << type << outputWith({{1, 0x10}, {2, 0x01}});
         for (int type = UNIT_PLT70; type <= UNIT_PLT65; ++type)
             QTest::addRow("type %d: bytes 61 and 62", type) << type << outputWith({{61, 0x10}, {62, 0x01}});
+        for (const int type : {-1, 17})
+            QTest::addRow("type %d, no model: bytes 1 and 2", type)
+                << type << outputWith({{1, 0x10}, {2, 0x01}});
     }
     void requestOfEachModel()
     {

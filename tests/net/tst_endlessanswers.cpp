@@ -66,6 +66,7 @@ private slots:
     void compressed_data() { addRequests(); }
     void compressed();
     void justWithinTheLimit();
+    void eachAnswerCountsForItself();
 
 private:
     void expectGivenUp(Request request);
@@ -122,6 +123,19 @@ void TestEndlessAnswers::justWithinTheLimit()
     const QString expected = told::signal("findNewVersion", {"27", QString::fromLatin1(log)});
     QTRY_VERIFY(!scene.checker->isBusy());
     QVERIFY(scene.journal->events.last() == expected); // not compared aloud: 64 MiB
+}
+
+/// Two answers, each within the limit, that are not so together.
+void TestEndlessAnswers::eachAnswerCountsForItself()
+{
+    const QString found = told::signal("findNewVersion", {"27", ""});
+    scene.checker->newVersion = "27";
+    scene.server.setAnswer(changeLogPath, ok(QByteArray(limit / 2 + 1, '\0'))); // which leaves no text
+    for (int time = 1; time <= 2; ++time) {
+        scene.ask(Request::changeLog);
+        QTRY_VERIFY_WITH_TIMEOUT(!scene.checker->isBusy(), patience);
+        QCOMPARE(scene.journal->events.count(found), time); // among reports of the announced size
+    }
 }
 
 QTEST_GUILESS_MAIN(TestEndlessAnswers)

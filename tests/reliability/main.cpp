@@ -3,11 +3,13 @@
 // OUTCOME COMPLAINTS" (parted by "|"), for what other tests show "shown GROUP NAME PHASE OUTCOME TEST".
 // GROUP, NAME and PHASE as arguments make one journey; what is seen of it is printed (Journey).
 #include "reliability/faults.h"
+#include "support/httpthreads.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 
@@ -71,6 +73,18 @@ void moveInto(const char* hex, char** arguments)
     std::perror(moved.constData());
 }
 
+/// True if the thread of Qt's HTTP client outlived the application, which calls through a null pointer then
+/// as soon as that thread is sent an event.
+bool isNetworkLeft()
+{
+    for (int look = 0; look < 500; ++look) {
+        if (httpThreads() == 0)
+            return false;
+        usleep(1000);
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -92,5 +106,10 @@ int main(int argc, char** argv)
     }
     if (chosen->scenario.beforeStart)
         chosen->scenario.beforeStart();
-    return talvexMain(1, argv);
+    const int result = talvexMain(1, argv);
+    if (isNetworkLeft()) {
+        std::puts("complaint the thread of the network is left");
+        return EXIT_FAILURE;
+    }
+    return result;
 }

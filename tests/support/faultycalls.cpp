@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <utility>
 
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -21,6 +22,7 @@ struct Failure
 
 std::array<Failure, 4> failures; // one for each Call
 int callsToKill = 0;
+std::function<std::string(std::string)> keptOfTheNext;
 std::vector<Call> history;
 
 /// Counts the call. True: it is to fail, errno is set.
@@ -58,6 +60,11 @@ void fail(Call call, int nth, int error)
     failures.at(static_cast<std::size_t>(call)) = {nth, error};
 }
 
+void spoil(std::function<std::string(std::string)> kept)
+{
+    keptOfTheNext = std::move(kept);
+}
+
 void kill(int nth)
 {
     callsToKill = nth;
@@ -72,6 +79,7 @@ void clear()
 {
     history.clear();
     failures = {};
+    keptOfTheNext = nullptr;
     callsToKill = 0;
 }
 
@@ -87,7 +95,12 @@ ssize_t write(int file, const void* bytes, size_t size)
         return real(file, bytes, size);
     if (callsToKill == 1)
         real(file, bytes, size / 2);
-    return goesWrong(Call::write) ? -1 : real(file, bytes, size);
+    if (goesWrong(Call::write))
+        return -1;
+    if (!keptOfTheNext)
+        return real(file, bytes, size);
+    const std::string kept = std::exchange(keptOfTheNext, nullptr)({static_cast<const char*>(bytes), size});
+    return real(file, kept.data(), kept.size()) < 0 ? -1 : static_cast<ssize_t>(size);
 }
 
 int fsync(int file)

@@ -72,6 +72,10 @@ void TestFirmwareSaving::cannotBeSaved_data()
             faultycalls::fail(Call::write, 2, EIO); // the toolkit copies what it cannot rename
         };
     };
+    const Trouble fullAndNoBackup = [=] {
+        full();
+        noBackup();
+    };
     const auto row = [](const char* name, const Trouble& trouble, bool hadImage, const QStringList& events,
                         const QByteArray& left = {}) {
         QTest::newRow(name) << trouble << hadImage << events << left;
@@ -82,6 +86,7 @@ void TestFirmwareSaving::cannotBeSaved_data()
     row("disk is full", full, true, lost);
     row("disk is broken", broken, true, lost);
     row("image cannot become the backup", noBackup, true, kept, previous);
+    row("disk is full and image cannot become the backup", fullAndNoBackup, true, kept, previous);
     row("download cannot become the image", noRename(2), true, lost);
     row("download cannot become the image, first download", noRename(1), false, lost);
 }

@@ -94,6 +94,21 @@ private slots:
         QTRY_COMPARE(underTheBox, QStringList()); // the box that tells of the end finds the lock released
     }
 
+    void secondPressEndsTheUpdate()
+    {
+        const MockLogind logind;
+        QVERIFY(logind.isReady());
+        TestWindow window;
+        placeServiceFile();
+        const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
+        unit->sayStatus(0);
+        window.button("connect_button").click();
+        window.button("updateDeviceButton").click();
+        QTRY_COMPARE(logind.inhibitors(), held);
+        window->updateDevice();
+        QTRY_COMPARE(logind.inhibitors(), QStringList());
+    }
+
     void noImageNoLock()
     {
         const MockLogind logind;
