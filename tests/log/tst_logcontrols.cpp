@@ -122,6 +122,7 @@ private slots:
             window.button("downloadLogFile").setEnabled(true);
         }
         QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
+        QCOMPARE(int(virtualbus::writesTo(1).front()[2]), 1); // the number asked for
         window->leftovers().worker->requestInterruption(); // it awaits the header
         virtualbus::clear();
     }
@@ -138,7 +139,7 @@ private slots:
             QVERIFY(window.button("updateDeviceButton").isEnabled());
             QCOMPARE(window.bar("progressBarTransfer").value(), 0);
         };
-        QVERIFY(QMetaObject::invokeMethod(&*window, "on_stopDownloadingFile_pressed"));
+        QVERIFY(quits([&window] { QMetaObject::invokeMethod(&*window, "on_stopDownloadingFile_pressed"); }));
         QCOMPARE(finished.size(), 2);
         window->onLogDownloadFinished();
         QCOMPARE(window.boxes.lines(),
@@ -151,7 +152,9 @@ private slots:
     {
         TestWindow window;
         connectUnit(window);
+        QSignalSpy relayed(&*window, SIGNAL(needDataCompleted(int)));
         window->dataCompleted(1);
+        QCOMPARE(relayed.value(0), QVariantList({1}));
         QTRY_COMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
         QCOMPARE(int(virtualbus::writesTo(1).front()[1]), 0x30);
     }

@@ -1,7 +1,10 @@
 #include "tests/log/exchange.h"
 
 #include <QMetaMethod>
+#include <QTimer>
 #include <QtTest>
+
+#include <atomic>
 
 class TestLogDownloader : public QObject
 {
@@ -93,6 +96,17 @@ private slots:
         QCOMPARE(valuesOf(exchange.progress), QList<int>({33, 66}));
         QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30", "30", "30"}));
         QCOMPARE(exchange.downloader->logMd5, QByteArray(32, 'd'));
+    }
+
+    void nothingIsReadBehindTheLastPart()
+    {
+        Exchange exchange(unitSaying({{headerReply(1)}, {lastReply(10, 'c')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_COMPARE(exchange.finished.size(), 1);
+        std::atomic<bool> later = false; // behind any timer of the download's own, on its thread
+        QTimer::singleShot(2, exchange.downloader.get(), [&later] { later = true; });
+        QTRY_VERIFY(later);
+        QCOMPARE(virtualbus::callsOf("hid_read_timeout").size(), std::size_t{1});
     }
 
     void progressOf200PartsIsTruncated()
