@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QMessageBox>
+#include <QTextEdit>
 
 /// Shows an offer and its change log. Neither: the box ended with the program, without an answer.
 MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)
@@ -15,6 +16,8 @@ MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeL
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
     box.setDetailedText(changeLog);
+    if (auto* const details = box.findChild<QTextEdit*>())
+        details->setFocusPolicy(Qt::StrongFocus); // Qt leaves it to the mouse: a long one needs scrolling
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::yes;
