@@ -1,0 +1,216 @@
+#!/usr/bin/python3
+"""A blind user's update, from Connect to "Update: finished": what the accessibility bus tells is all that this user
+knows of the program, the keyboard all that it is used with. Each thing heard is written to the standard output. Ends
+with 1, having said what was awaited, when that does not come within the limit.
+
+    blinduser.py APPLICATION
+"""
+
+import subprocess
+import sys
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+import pyatspi
+from gi.repository import GLib
+
+LIMIT_S = 240  # for hangs only
+LOOK_MS = 20
+MOST_STOPS = 6  # of Tab, in one window
+
+EVENTS = (
+    "object:property-change:accessible-name",
+    "object:state-changed:enabled",
+)
+
+
+class Missed(Exception):
+    """Something awaited did not come."""
+
+
+class User:
+    def __init__(self, application):
+        self.application = application
+        self.said = []  # what was heard, in order
+        pyatspi.Registry.getDesktop(0).setCacheMask(pyatspi.cache.NONE)  # a path may come to mean another thing
+        pyatspi.Registry.registerEventListener(self.hear, *EVENTS)
+
+    def say(self, line):
+        self.said.append(line)
+        print(line, flush=True)
+
+    def hear(self, event):
+        try:
+            name = event.source.name
+            if event.type.minor == "accessible-name":
+                self.say(f"says: {name}")
+            else:
+                self.say(f"{name}: {'enabled' if event.detail1 else 'disabled'}")
+        except (GLib.Error, LookupError, NotImplementedError):
+            pass  # gone before it could be asked
+
+    def wait(self, what, condition):
+        """Returns what the condition comes to, once that is true."""
+        deadline = time.monotonic() + LIMIT_S
+        context = GLib.MainContext.default()
+        while True:
+            while context.pending():
+                context.iteration(False)
+            try:
+                met = condition()
+            except (GLib.Error, LookupError, NotImplementedError):
+                met = None  # the window changed in the midst of the look
+            if met:
+                return met
+            if time.monotonic() > deadline:
+                raise Missed(what)
+            wake = GLib.timeout_add(LOOK_MS, lambda: True)
+            context.iteration(True)
+            GLib.source_remove(wake)
+
+    # What is on the screen
+
+    def root(self):
+        for application in pyatspi.Registry.getDesktop(0):
+            if application is not None and application.name == self.application:
+                return application
+        return None
+
+    def everything(self):
+        pending = [self.root()]
+        while pending:
+            thing = pending.pop()
+            if thing is not None:
+                yield thing
+                pending.extend(reversed(list(thing)))
+
+    def find(self, role, name):
+        for thing in self.everything():
+            if thing.getRoleName() == role and thing.name == name and self.has(thing, pyatspi.STATE_SHOWING):
+                return thing
+        return None
+
+    def reads(self, text):
+        """Whether a label on the screen reads so, whatever its role."""
+        return any(thing.name == text and self.has(thing, pyatspi.STATE_SHOWING) for thing in self.everything())
+
+    @staticmethod
+    def has(thing, state):
+        return thing.getState().contains(state)
+
+    def focused(self):
+        """(role, name) of what has the keyboard, and of what only lends its focus to that (a row of buttons)."""
+        return [
+            (thing.getRoleName(), thing.name)
+            for thing in self.everything()
+            if self.has(thing, pyatspi.STATE_FOCUSED)
+        ]
+
+    # What this user does
+
+    def press(self, key):
+        subprocess.run(["xdotool", "key", key], check=True)
+
+    def await_focus(self, role, name):
+        self.wait(f"the focus on {role} {name!r}", lambda: (role, name) in self.focused())
+
+    def tab_to(self, role, name):
+        for _ in range(MOST_STOPS):
+            before = self.focused()
+            if (role, name) in before:
+                return
+            self.press("Tab")
+            self.wait(f"the focus elsewhere than on {before}", lambda: self.focused() not in ([], before))
+        raise Missed(f"no way by Tab to {role} {name!r}")
+
+    def await_said(self, line):
+        self.wait(f"hearing {line!r}", lambda: line in self.said)
+
+    def await_texts(self, beginning, texts):
+        """Each change of a label is announced, and is heard as it reads then, or later when the listener is late."""
+        for number in range(len(texts)):
+            announced = self.wait(
+                f"change {number + 1} of {beginning!r}",
+                lambda: [line for line in self.said if line.startswith(f"says: {beginning}")][number:],
+            )
+            self.expect(
+                f"{texts[number]!r} or what follows it instead of {announced[0]!r}",
+                announced[0].removeprefix("says: ") in texts[number:],
+            )
+
+    def expect(self, what, good):
+        if not good:
+            raise Missed(what)
+
+
+def look_around(user):
+    user.wait("the window", lambda: user.find("push button", "Connect"))
+    for bar_name, label_name in (("Transfer progress", "Transfer:"), ("Update progress", "Update:")):
+        bar = user.wait(f"a bar named {bar_name!r}", lambda: user.find("progress bar", bar_name))
+        labels = [
+            relation.getTarget(0).name
+            for relation in bar.getRelationSet()
+            if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY
+        ]
+        user.expect(f"{bar_name!r} labelled by {label_name!r}, not {labels}", labels == [label_name])
+
+
+def connect(user):
+    user.await_focus("push button", "Connect")
+    user.press("space")
+    user.await_focus("push button", "OK")
+    user.expect("a box that says what is connected", user.reads("HB4 connected"))
+    user.press("Return")
+
+
+def take_the_offer(user):
+    user.await_focus("push button", "Yes")
+    user.expect("the versions", user.reads("Your unit current version: 2.3\nLatest version: 2.8"))
+    user.expect("the question", user.reads("Would you like to update to latest version?"))
+    user.tab_to("push button", "Show Details...")
+    user.press("space")
+    user.wait("the change log on the screen", lambda: user.find("text", ""))
+    user.tab_to("text", "")
+    change_log = user.find("text", "").queryText().getText(0, -1)
+    user.expect(f"the change log, not {change_log!r}", "Brighter pads." in change_log)
+    user.tab_to("push button", "Yes")
+    user.press("space")
+
+
+def update(user):
+    user.await_said("Update Device: enabled")
+    frame = user.wait("the window", lambda: user.find("frame", "Talvex updater v. 11"))
+    user.wait("the window in front", lambda: user.has(frame, pyatspi.STATE_ACTIVE))
+    user.tab_to("push button", "Update Device")
+    user.press("space")
+    user.await_texts(
+        "Transfer:", ["Transfer: download new version", "Transfer: in progress", "Transfer: completed"]
+    )
+    user.await_texts("Update:", ["Update: in progress. Do not power off device!", "Update: finished"])
+    for bar_name in ("Transfer progress", "Update progress"):
+        bar = user.find("progress bar", bar_name)
+        user.expect(f"the end of {bar_name!r}", bar.queryValue().currentValue == 100)
+
+
+def leave(user):
+    user.await_focus("push button", "OK")
+    told = [thing.name for thing in user.everything()]
+    user.expect("the box of the end", any(text.startswith("Update installed correctly, ") for text in told))
+    user.press("Return")
+
+
+def main():
+    user = User(sys.argv[1])
+    try:
+        for stage in (look_around, connect, take_the_offer, update, leave):
+            stage(user)
+    except Missed as missed:
+        print(f"missed: {missed}; the focus is on {user.focused()}", flush=True)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

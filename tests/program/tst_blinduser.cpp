@@ -1,0 +1,52 @@
+// An update by the keyboard and by what the accessibility bus tells, without a look at the window:
+// blinduser.py is the user. Runs in a session of its own (dbus-run-session), in which the bus of assistive
+// technology is started.
+
+#include "program.h"
+#include "scenario.h"
+#include "updateserver.h"
+#include "waiting.h"
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+class tst_blinduser : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void updatesAUnit();
+};
+
+void tst_blinduser::updatesAUnit()
+{
+    const QByteArray image = scenario::image(6000);
+    Desktop desktop;
+    UpdateServer server;
+    MUST(desktop.start());
+    MUST(server.start());
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    Program program(desktop);
+    program.setVariable("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+    program.setVariable("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    MUST(scenario::startWithUnit(program, server.proxy(), ",install-ms=800"));
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DISPLAY", desktop.name());
+    ChildProcess user;
+    user.setProcessEnvironment(environment);
+    user.setProcessChannelMode(QProcess::ForwardedChannels);
+    user.start("/usr/bin/python3", {TALVEX_BLIND_USER, "talvex-updater"});
+    QVERIFY(waitUntil([&] { return user.state() == QProcess::NotRunning; }, 8min));
+    QCOMPARE(user.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(user.exitCode(), 0);
+
+    MUST(program.waitForExit(0));
+    QCOMPARE(scenario::receivedImage(program), image);
+    QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
+}
+
+QTEST_GUILESS_MAIN(tst_blinduser)
+
+#include "tst_blinduser.moc"
