@@ -1,4 +1,4 @@
-// The least that shows a window.
+// The least that shows a window, as Qt makes one that is told nothing: ready for OpenGL.
 
 #include <QApplication>
 #include <QMainWindow>

@@ -47,6 +47,7 @@ public:
     /// What it has written to its error output until now, without what this screen alone brings about.
     [[nodiscard]] QString errorOutput();
     [[nodiscard]] bool isRunning() const { return process.state() == QProcess::Running; }
+    [[nodiscard]] qint64 processId() const { return process.processId(); }
 
     /// Clicks on a control of the main window once it can be used.
     Outcome press(const QString& name);

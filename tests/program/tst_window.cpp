@@ -51,6 +51,7 @@ private slots:
     void connectionsInOrder();
     void logFileIsCreatedBesideTheProgram();
     void nothingIsWrittenToTheErrorOutput();
+    void noOpenGlIsLoaded();
 
 private:
     Desktop desktop;
@@ -267,6 +268,16 @@ void tst_window::logFileIsCreatedBesideTheProgram()
 void tst_window::nothingIsWrittenToTheErrorOutput()
 {
     QCOMPARE(program->errorOutput(), QString());
+}
+
+/// Qt loads its plugin for OpenGL, and with it the graphics driver, unless told that nobody needs it.
+void tst_window::noOpenGlIsLoaded()
+{
+    QFile maps(QString("/proc/%1/maps").arg(program->processId()));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    const QByteArray loaded = maps.readAll();
+    QVERIFY(loaded.contains("/platforms/libqxcb.so"));
+    QVERIFY(!loaded.contains("/xcbglintegrations/"));
 }
 
 QTEST_GUILESS_MAIN(tst_window)
