@@ -7,9 +7,10 @@ set -euo pipefail
 
 usage() {
     cat << 'END'
-usage: scripts/demo.sh [--auto] [--output FOLDER]
+usage: scripts/demo.sh [--auto] [--output FOLDER] [-- OPTION...]
   --auto           let the driver press the buttons in a virtual screen
   --output FOLDER  where the driver's pictures go (artifacts/demo unless told)
+  -- OPTION...     handed on to the driver
 END
 }
 
@@ -31,6 +32,7 @@ while [ $# -gt 0 ]; do
         --auto) auto=yes ;;
         --output) output=${2:?$(usage)} && shift ;;
         --help) usage && exit 0 ;;
+        --) shift && break ;;
         *) usage >&2 && exit 2 ;;
     esac
     shift
@@ -92,7 +94,7 @@ if [ "$auto" = yes ]; then
     mkdir -p "$output"
     echo "The driver updates a virtual unit with $imageBytes bytes, then pulls its log of $logBytes; its pictures:"
     runAndWait "$build/bin/talvex-demo-driver" --proxy "$proxy" --unit "$unit" --pictures "$output" \
-        --log "$work/stored.log"
+        --log "$work/stored.log" "$@"
 else
     runAndWait runByHand
 fi

@@ -9,6 +9,7 @@ benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
 checkPackages=(at-spi2-core binutils clang-format clang-tidy dbus dbus-daemon openssl python3-dbusmock python3-pyatspi shellcheck valgrind
     xdotool)
 fuzzPackages=(clang libclang-rt-dev)
+picturePackages=(imagemagick x11-utils x11-xserver-utils)
 
 isInstalled() {
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2> /dev/null)" = installed ]

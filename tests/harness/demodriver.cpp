@@ -2,9 +2,12 @@
 // of each stage; then pulls the unit's log in a second run.
 //
 //     talvex-demo-driver --proxy http://127.0.0.1:PORT --unit OPTIONS --pictures FOLDER --log FILE
+//     [--mishaps]
+//                        [--set NAME=VALUE]...
 //
-// FILE gets what the program stored of the unit's log. Exit code: 0 both runs came to their end and the
-// program ended with 0; 1 a stage failed, said on the error output.
+// FILE gets what the program stored of the unit's log. --mishaps adds the pictures of what rarely shows: an
+// offer's change log, no unit, no network, a pair. --set is for the program's environment. Exit code: 0 both
+// runs came to their end and the program ended with 0; 1 a stage failed, said on the error output.
 
 #include "program.h"
 #include "waiting.h"
@@ -22,18 +25,24 @@ namespace {
 class Demo
 {
 public:
-    Demo(Desktop& shownOn, const QDir& folder, int picturesBefore)
+    Demo(Desktop& shownOn, const QDir& folder, int picturesBefore, const QStringList& variables)
         : desktop(shownOn), program(shownOn), pictures(folder), count(picturesBefore)
     {
+        for (const QString& variable : variables)
+            program.setVariable(variable.section('=', 0, 0), variable.section('=', 1));
     }
 
     Outcome update(const QString& proxy, const QString& unit);
     Outcome pullLog(const QString& proxy, const QString& unit, const QString& target);
+    Outcome seeFirstBox(const QString& stage, const QString& proxy, const QStringList& units);
+    Outcome seeProblem(const QString& unit);
+    Outcome seeChangeLog(const QString& proxy, const QString& unit);
 
     [[nodiscard]] int pictureCount() const { return count; }
 
 private:
-    Outcome open(const QString& proxy, const QString& unit);
+    Outcome open(const QString& proxy, const QStringList& units);
+    Outcome offerLog(const QString& proxy, const QString& unit);
     Outcome seeConnection();
     Outcome seeTransfer();
     Outcome seeInstallation();
@@ -68,10 +77,10 @@ Outcome Demo::keepPictureOfBox(const QString& stage)
     return still ? keepPicture(stage) : Outcome("the screen does not come to rest: " + stage);
 }
 
-Outcome Demo::open(const QString& proxy, const QString& unit)
+Outcome Demo::open(const QString& proxy, const QStringList& units)
 {
     program.setVariable("http_proxy", proxy);
-    program.plugIn({unit});
+    program.plugIn(units);
     STEP(program.start());
     return program.waitFor("the window in front",
                            [](const View& view) { return view.window()["active"].toBool(); });
@@ -79,7 +88,7 @@ Outcome Demo::open(const QString& proxy, const QString& unit)
 
 Outcome Demo::update(const QString& proxy, const QString& unit)
 {
-    STEP(open(proxy, unit));
+    STEP(open(proxy, {unit}));
     STEP(keepPicture("started"));
     STEP(seeConnection());
     STEP(program.answer("Yes"));
@@ -142,14 +151,20 @@ Outcome copyLog(const Program& program, const QString& target)
                                                                : Outcome("cannot store " + target);
 }
 
-Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& target)
+Outcome Demo::offerLog(const QString& proxy, const QString& unit)
 {
-    STEP(open(proxy, unit));
+    STEP(open(proxy, {unit}));
     STEP(seeConnection());
     STEP(program.answer("No"));
     STEP(program.waitForNoBox());
     STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
-    STEP(program.waitFor("the log button", [](const View& view) { return view.enabled("downloadLogFile"); }));
+    return program.waitFor("the log button",
+                           [](const View& view) { return view.enabled("downloadLogFile"); });
+}
+
+Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& target)
+{
+    STEP(offerLog(proxy, unit));
     STEP(keepPicture("log-offered"));
     STEP(program.press("downloadLogFile"));
     const auto halfWay = [](const View& view) {
@@ -165,6 +180,52 @@ Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& 
     return copyLog(program, target);
 }
 
+Outcome Demo::seeFirstBox(const QString& stage, const QString& proxy, const QStringList& units)
+{
+    STEP(open(proxy, units));
+    STEP(program.press("connect_button"));
+    STEP(program.waitFor("a box", [](const View& view) { return view.box().has_value(); }));
+    return keepPictureOfBox(stage);
+}
+
+/// Nobody answers for the update server.
+Outcome Demo::seeProblem(const QString& unit)
+{
+    STEP(open("http://127.0.0.1:1", {unit}));
+    STEP(program.press("connect_button"));
+    STEP(program.waitForBox(infoBox("HB4 connected")));
+    STEP(program.answer("Ok"));
+    STEP(program.waitForBox(errorBox("Problem with internet connection\n")));
+    return keepPictureOfBox("problem");
+}
+
+Outcome Demo::seeChangeLog(const QString& proxy, const QString& unit)
+{
+    STEP(open(proxy, {unit}));
+    STEP(seeConnection());
+    const QString details = "Show Details...";
+    STEP(program.waitFor("the button " + details, [&](const View& view) {
+        const std::optional<Target> target = view.targetOfButton(details);
+        return target && desktop.screen().pointAt(target->middle, target->window);
+    }));
+    desktop.screen().click();
+    STEP(program.waitFor("the change log", [&](const View& view) { return !view.targetOfButton(details); }));
+    return keepPictureOfBox("change-log");
+}
+
+Outcome demonstrateMishaps(Desktop& desktop, const QDir& pictures, int count,
+                           const QCommandLineParser& arguments)
+{
+    const QString proxy = arguments.value("proxy");
+    const QString unit = arguments.value("unit").section(',', 0, 1);
+    const QStringList variables = arguments.values("set");
+    STEP(Demo(desktop, pictures, count, variables).seeFirstBox("not-found", proxy, {}));
+    STEP(Demo(desktop, pictures, count + 1, variables)
+             .seeFirstBox("pair", proxy, {"trk900-left,version=23", "trk900-right,version=23"}));
+    STEP(Demo(desktop, pictures, count + 2, variables).seeProblem(unit));
+    return Demo(desktop, pictures, count + 3, variables).seeChangeLog(proxy, unit);
+}
+
 Outcome demonstrate(const QCommandLineParser& arguments)
 {
     const QDir pictures(arguments.value("pictures"));
@@ -174,9 +235,14 @@ Outcome demonstrate(const QCommandLineParser& arguments)
     STEP(desktop.start());
     const QString proxy = arguments.value("proxy");
     const QString unit = arguments.value("unit");
-    Demo first(desktop, pictures, 0);
+    const QStringList variables = arguments.values("set");
+    Demo first(desktop, pictures, 0, variables);
     STEP(first.update(proxy, unit));
-    return Demo(desktop, pictures, first.pictureCount()).pullLog(proxy, unit, arguments.value("log"));
+    Demo second(desktop, pictures, first.pictureCount(), variables);
+    STEP(second.pullLog(proxy, unit, arguments.value("log")));
+    return arguments.isSet("mishaps")
+               ? demonstrateMishaps(desktop, pictures, second.pictureCount(), arguments)
+               : Outcome();
 }
 
 } // namespace
@@ -190,6 +256,8 @@ int main(int argc, char** argv)
         {"unit", "The unit that is plugged in, as the virtual HID library is told.", "options"},
         {"pictures", "Where the pictures go.", "folder"},
         {"log", "Where the stored log goes.", "file"},
+        {"mishaps", "Picture what rarely shows, too."},
+        {"set", "A variable of the program's environment.", "name=value"},
     });
     arguments.addHelpOption();
     arguments.process(application);
