@@ -19,6 +19,7 @@ from gi.repository import GLib
 LIMIT_S = 240  # for hangs only
 LOOK_MS = 20
 MOST_STOPS = 6  # of Tab, in one window
+CONTAINERS = ("application", "frame", "alert", "dialog", "panel", "filler")
 
 EVENTS = (
     "object:property-change:accessible-name",
@@ -84,7 +85,8 @@ class User:
             thing = pending.pop()
             if thing is not None:
                 yield thing
-                pending.extend(reversed(list(thing)))
+                if thing.getRoleName() in CONTAINERS:
+                    pending.extend(reversed(list(thing)))
 
     def find(self, role, name):
         for thing in self.everything():
