@@ -95,7 +95,8 @@ take() {
         echo "No stage of that name: ${wanted[*]}" >&2
         return 1
     fi
-    montage -label '%t' "${kept[@]}" -tile 4x -geometry '640x512+4+4' "$output/$look.png"
+    mogrify -bordercolor black -border 1 -trim +repage "${kept[@]}" # what lies around the window is black
+    montage -label '%t' "${kept[@]}" -tile 4x -geometry '1000x1000>+4+4' "$output/$look.png"
     echo "$output/$look.png"
 }
 

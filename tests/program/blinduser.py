@@ -204,7 +204,8 @@ def update(user):
 def leave(user):
     # By what is announced alone: a program that awaits its unit answers each question late.
     def box_text():
-        return [number for number, line in enumerate(user.said) if line.startswith("says: Update installed correctly, ")]
+        beginning = "says: Update installed correctly, "
+        return [number for number, line in enumerate(user.said) if line.startswith(beginning)]
 
     shown = user.wait("the box of the end", box_text)[0]
     user.wait("the focus on its button", lambda: "focus: OK" in user.said[shown:])
