@@ -23,6 +23,7 @@ private slots:
 
     void versionReportComesByItself();
     void newest32ReportsAreKept();
+    void floodIsPacedByItsReader();
     void timeOuts_data();
     void timeOuts();
     void timeOutIsNotShorterThanAsked();
@@ -60,6 +61,21 @@ void TestVirtualReports::newest32ReportsAreKept()
     for (char i = 8; i < 40; ++i)
         QCOMPARE(readTimeout(device, 0).bytes, Bytes(64, i));
     QCOMPARE(readTimeout(device, 0).result, 0);
+}
+
+/// However fast it reads, so many reports wait, and no more.
+void TestVirtualReports::floodIsPacedByItsReader()
+{
+    virtualunit::Options options = host::options("hb4,period-ms=0");
+    options.flood = 3;
+    const int unit = virtualbus::attach(options);
+    hid_device* device = openFirst();
+    for (int i = 0; i < 1000; ++i)
+        QCOMPARE(readTimeout(device, 0).result, 64);
+    virtualbus::unplug(unit);
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(readTimeout(device, 0).result, 64);
+    QCOMPARE(readTimeout(device, 0).result, -1);
 }
 
 void TestVirtualReports::timeOuts_data()
