@@ -12,6 +12,11 @@ namespace {
 /// Runs the window. The window, then the application, is gone when this returns.
 int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
 {
+#ifdef Q_OS_WIN
+    // Each screen has a scale of its own there. On X the window's layout follows the one resolution there is.
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+#endif
     QApplication application(argc, argv);
     MainWindow window;
     window.setWindowTitle("Talvex updater v. " + QString::number(updaterVersion));

@@ -2,6 +2,7 @@
 
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
+#include "ui/windowscale.h"
 #include "ui_mainwindow.h"
 
 #include <QCloseEvent>
@@ -32,6 +33,7 @@ MainWindow::MainWindow(QWidget* parent)
       updaterFile(QCoreApplication::applicationDirPath() + "/updater.sb")
 {
     ui->setupUi(this);
+    scale = std::make_unique<WindowScale>(*this, *ui);
     pendingDeckInfo = std::make_unique<hid_device_info>();
     // These two live to the process's end, meant so: a reply or a read may still be under way.
     updateChecker = new UpdateChecker;

@@ -19,6 +19,7 @@ class LogDownloader;
 class QThread;
 class Ui_MainWindow;
 class UpdateChecker;
+class WindowScale;
 
 /// The only window and the owner of all state of a connection with a unit. Lives on the GUI thread; its
 /// slots are defined in the folders of the subsystems that they belong to.
@@ -122,8 +123,9 @@ private:
     void reportUnansweredOffer();
 
     std::unique_ptr<Ui_MainWindow> ui;
-    UpdateChecker* updateChecker; ///< lives to the process's end, like the next one
-    LogDownloader* logDownloader; ///< lives on the worker thread
+    std::unique_ptr<WindowScale> scale; ///< after ui, which it reads
+    UpdateChecker* updateChecker;       ///< lives to the process's end, like the next one
+    LogDownloader* logDownloader;       ///< lives on the worker thread
     std::uint8_t currentVersion = 0;
     QFile updaterFile; ///< the image to send
     QByteArray firmwareData;

@@ -1,3 +1,4 @@
+#include "ui/labeltexts.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
@@ -63,7 +64,7 @@ void MainWindow::showInstallationStarted()
     ui->progressBarTransfer->setEnabled(false);
     ui->progressBarUpdate->setEnabled(true);
     ui->labelUpdate->setEnabled(true);
-    ui->labelUpdate->setText("Update: in progress. Do not power off device!");
+    ui->labelUpdate->setText(labeltexts::longestOfUpdate);
     fakeProgressActive = 1;
 }
 

@@ -1,4 +1,5 @@
 #include "app/version.h"
+#include "ui/labeltexts.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "update/shownversion.h"
@@ -36,7 +37,7 @@ void MainWindow::onFindNewVersion(QString newVersion, QString detailText)
     if (answer == Answer::yes) {
         emit needDownloadNewFirmware();
         ui->labelTransfer->setEnabled(true);
-        ui->labelTransfer->setText("Transfer: download new version");
+        ui->labelTransfer->setText(labeltexts::longestOfTransfer);
         ui->progressBarTransfer->setEnabled(true);
     } else if (answer == Answer::neither) {
         reportUnansweredOffer();

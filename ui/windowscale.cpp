@@ -1,0 +1,215 @@
+#include "ui/windowscale.h"
+
+#include "ui/labeltexts.h"
+#include "ui_mainwindow.h"
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QScreen>
+#include <QStyleOptionButton>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace windowscale {
+
+double screenFactor(double dotsPerInch)
+{
+    constexpr double normal = 96;
+    // A server that nobody told a resolution reports what its monitor measures, up to 108 or so: no wish for
+    // a larger window. The next step that anybody chooses is 120.
+    constexpr double firstLarger = 112;
+    return dotsPerInch < firstLarger ? 1 : dotsPerInch / normal;
+}
+
+double layoutFactor(double screenFactor, const QVector<Need>& needs)
+{
+    const bool cut = std::any_of(needs.begin(), needs.end(), [&](const Need& need) {
+        const QSize given = stretched(need.laidOut, screenFactor);
+        return need.uncut.width() > given.width() || need.uncut.height() > given.height();
+    });
+    if (!cut)
+        return screenFactor;
+    double factor = screenFactor;
+    for (const Need& need : needs) {
+        factor = std::max({factor, double(need.whole.width()) / need.laidOut.width(),
+                           double(need.whole.height()) / need.laidOut.height()});
+    }
+    return factor;
+}
+
+QSize stretched(const QSize& laidOut, double factor)
+{
+    return {qRound(laidOut.width() * factor), qRound(laidOut.height() * factor)};
+}
+
+QRect stretched(const QRect& laidOut, double factor)
+{
+    return {QPoint(qRound(laidOut.x() * factor), qRound(laidOut.y() * factor)),
+            stretched(laidOut.size(), factor)};
+}
+
+} // namespace windowscale
+
+namespace {
+
+using windowscale::Need;
+
+/// A line whose letters are centred in less than its height loses nothing while it only lacks the air above
+/// its highest and below its lowest letter.
+int heightOfLetters(const QFontMetrics& metrics, const QString& text)
+{
+    const QRect letters = metrics.tightBoundingRect(text);
+    const int above = metrics.ascent() + letters.top();
+    const int below = metrics.descent() - letters.bottom() - 1;
+    return metrics.height() - 2 * std::max(0, std::min(above, below));
+}
+
+int widthOf(const QFontMetrics& metrics, const QString& text)
+{
+    return std::max(metrics.horizontalAdvance(text), metrics.boundingRect(text).width()) + 1;
+}
+
+Need needOfLabel(const QLabel& label, const QSize& laidOut, const QString& longest)
+{
+    const QFontMetrics metrics = label.fontMetrics();
+    const int width = widthOf(metrics, longest);
+    return {laidOut, {width, heightOfLetters(metrics, longest)}, {width, metrics.height()}};
+}
+
+Need needOfBar(const QProgressBar& bar, const QSize& laidOut)
+{
+    const QSize size(widthOf(bar.fontMetrics(), "100%"), bar.minimumSizeHint().height());
+    return {laidOut, size, size};
+}
+
+Need needOfButton(const QPushButton& button, const QSize& laidOut)
+{
+    const QFontMetrics metrics = button.fontMetrics();
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    option.rect = QRect(QPoint(0, 0), laidOut);
+    const QSize inside =
+        button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button).size();
+    const QSize letters(widthOf(metrics, button.text()), heightOfLetters(metrics, button.text()));
+    return {laidOut, letters + (laidOut - inside), button.sizeHint()};
+}
+
+} // namespace
+
+WindowScale::WindowScale(QMainWindow& scaledWindow, const Ui_MainWindow& itsUi)
+    : window(scaledWindow),
+      ui(itsUi),
+      rowSpacing(itsUi.horizontalLayout->spacing()),
+      windowSize(scaledWindow.size())
+{
+    const auto placed = ui.centralWidget->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget* widget : placed)
+        controls.append({widget, widget->geometry()});
+    window.installEventFilter(this);
+    apply();
+}
+
+bool WindowScale::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::WinIdChange:
+    case QEvent::Show:
+        watchScreen();
+        break;
+    case QEvent::FontChange:
+    case QEvent::StyleChange:
+        applyLater();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void WindowScale::watchScreen()
+{
+    QWindow* const handle = window.windowHandle();
+    if (handle == nullptr || handle == watchedWindow)
+        return;
+    watchedWindow = handle;
+    QObject::connect(handle, &QWindow::screenChanged, this, [this] { applyLater(); });
+}
+
+/// Once the change has reached all controls, and the window's size too: X keeps that in pixels of the screen,
+/// however large the new screen's own are.
+void WindowScale::applyLater()
+{
+    if (applyWaits)
+        return;
+    applyWaits = true;
+    sizeBefore = window.size();
+    QMetaObject::invokeMethod(
+        this, [this] { apply(); }, Qt::QueuedConnection);
+}
+
+void WindowScale::apply()
+{
+    const QSize before = applyWaits ? sizeBefore : window.size();
+    const double earlier = factor;
+    applyWaits = false;
+    factor =
+        windowscale::layoutFactor(windowscale::screenFactor(window.screen()->logicalDotsPerInchY()), needs());
+    if (!qFuzzyCompare(factor, earlier))
+        stretchControls();
+    const bool asLaidOut = before == windowscale::stretched(windowSize, earlier);
+    resizeWindow(asLaidOut ? windowscale::stretched(windowSize, factor)
+                           : windowscale::stretched(before, factor / earlier));
+}
+
+void WindowScale::stretchControls()
+{
+    for (const Control& control : qAsConst(controls))
+        control.widget->setGeometry(windowscale::stretched(control.laidOut, factor));
+    ui.horizontalLayout->setSpacing(qRound(rowSpacing * factor));
+}
+
+void WindowScale::resizeWindow(const QSize& size)
+{
+    if (size == window.size() || window.isMaximized() || window.isFullScreen())
+        return;
+    const QRect now = window.geometry();
+    QRect wanted(now.topLeft(), size);
+    if (window.isVisible() && !window.screen()->geometry().contains(wanted.center())) {
+        // A window is on the screen that has its middle: where that would leave the screen it stays in place,
+        // else two screens would hand the window to and fro.
+        wanted.moveCenter(now.center());
+        window.setGeometry(wanted);
+    } else {
+        window.resize(size);
+    }
+}
+
+QVector<Need> WindowScale::needs() const
+{
+    QVector<Need> all{needOfRow()};
+    for (const Control& control : controls) {
+        const QSize size = control.laidOut.size();
+        if (control.widget == ui.labelTransfer)
+            all += needOfLabel(*ui.labelTransfer, size, labeltexts::longestOfTransfer);
+        else if (control.widget == ui.labelUpdate)
+            all += needOfLabel(*ui.labelUpdate, size, labeltexts::longestOfUpdate);
+        else if (const auto* bar = qobject_cast<QProgressBar*>(control.widget))
+            all += needOfBar(*bar, size);
+        else if (const auto* button = qobject_cast<QPushButton*>(control.widget))
+            all += needOfButton(*button, size);
+    }
+    return all;
+}
+
+/// The row of buttons is centred in its place, the lower end of which lies below the window's edge.
+Need WindowScale::needOfRow() const
+{
+    const QSize left = ui.connect_button->sizeHint();
+    const QSize right = ui.updateDeviceButton->sizeHint();
+    const QSize both(left.width() + right.width(), std::max(left.height(), right.height()));
+    const auto isRow = [this](const Control& control) { return control.widget == ui.layoutWidget; };
+    const QRect row = std::find_if(controls.begin(), controls.end(), isRow)->laidOut;
+    const int middle = row.y() + row.height() / 2;
+    return {{row.width() - rowSpacing, 2 * (windowSize.height() - middle)}, both, both};
+}

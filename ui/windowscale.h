@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QObject>
+#include <QRect>
+#include <QSize>
+#include <QVector>
+
+class QMainWindow;
+class QWidget;
+class QWindow;
+class Ui_MainWindow;
+
+/// By what factor a layout made for 100 % is stretched. Sizes are in the pixels of widgets.
+namespace windowscale {
+
+/// What one control needs for its text.
+struct Need
+{
+    QSize laidOut; ///< its size in the layout at 100 %
+    QSize uncut;   ///< below this, letters are cut
+    QSize whole;   ///< takes whole lines with the style's margins
+};
+
+/// The factor of a screen with so many logical dots per inch (96 are 100 %); 1 at least.
+[[nodiscard]] double screenFactor(double dotsPerInch);
+
+/// The screen's own factor where that cuts no letter, else the smallest one that gives every control its
+/// whole text.
+[[nodiscard]] double layoutFactor(double screenFactor, const QVector<Need>& needs);
+
+/// Position and size times the factor, each rounded to whole pixels.
+[[nodiscard]] QRect stretched(const QRect& laidOut, double factor);
+[[nodiscard]] QSize stretched(const QSize& laidOut, double factor);
+
+} // namespace windowscale
+
+/// Keeps the main window's fixed layout as large as its screen and its fonts want it, from the start on.
+/// Belongs to the window, on the GUI thread.
+class WindowScale : public QObject
+{
+public:
+    /// `ui` is set up in `window`; both outlive this.
+    WindowScale(QMainWindow& window, const Ui_MainWindow& ui);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Control
+    {
+        QWidget* widget;
+        QRect laidOut;
+    };
+
+    void watchScreen();
+    void applyLater();
+    void apply();
+    void stretchControls();
+    void resizeWindow(const QSize& size);
+    [[nodiscard]] QVector<windowscale::Need> needs() const;
+    [[nodiscard]] windowscale::Need needOfRow() const;
+
+    QMainWindow& window;
+    const Ui_MainWindow& ui;
+    QVector<Control> controls; ///< those at fixed places
+    int rowSpacing;
+    QSize windowSize; ///< at 100 %
+    double factor = 1;
+    QWindow* watchedWindow = nullptr; ///< only compared, never used
+    QSize sizeBefore;                 ///< the window's, before the change that waits for apply()
+    bool applyWaits = false;
+};
