@@ -101,7 +101,8 @@ WindowScale::WindowScale(QMainWindow& scaledWindow, const Ui_MainWindow& itsUi)
     : window(scaledWindow),
       ui(itsUi),
       rowSpacing(itsUi.horizontalLayout->spacing()),
-      windowSize(scaledWindow.size())
+      windowSize(scaledWindow.size()),
+      settledSize(windowSize)
 {
     const auto placed = ui.centralWidget->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     for (QWidget* widget : placed)
@@ -116,6 +117,11 @@ bool WindowScale::eventFilter(QObject* watched, QEvent* event)
     case QEvent::WinIdChange:
     case QEvent::Show:
         watchScreen();
+        break;
+    case QEvent::Resize:
+        // A new screen's pixels change the size first and are told of next.
+        QMetaObject::invokeMethod(
+            this, [this] { noteSize(); }, Qt::QueuedConnection);
         break;
     case QEvent::FontChange:
     case QEvent::StyleChange:
@@ -143,14 +149,19 @@ void WindowScale::applyLater()
     if (applyWaits)
         return;
     applyWaits = true;
-    sizeBefore = window.size();
     QMetaObject::invokeMethod(
         this, [this] { apply(); }, Qt::QueuedConnection);
 }
 
+void WindowScale::noteSize()
+{
+    if (!applyWaits)
+        settledSize = window.size();
+}
+
 void WindowScale::apply()
 {
-    const QSize before = applyWaits ? sizeBefore : window.size();
+    const QSize before = settledSize;
     const double earlier = factor;
     applyWaits = false;
     factor =
@@ -175,9 +186,12 @@ void WindowScale::resizeWindow(const QSize& size)
         return;
     const QRect now = window.geometry();
     QRect wanted(now.topLeft(), size);
-    if (window.isVisible() && !window.screen()->geometry().contains(wanted.center())) {
-        // A window is on the screen that has its middle: where that would leave the screen it stays in place,
-        // else two screens would hand the window to and fro.
+    // A window is on the screen that has its middle: where that would be another one, the middle stays, else
+    // two screens would hand the window to and fro.
+    QScreen* const screen = window.screen();
+    const bool leaves =
+        !screen->geometry().contains(wanted.center()) && screen->virtualSiblingAt(wanted.center()) != nullptr;
+    if (window.isVisible() && leaves) {
         wanted.moveCenter(now.center());
         window.setGeometry(wanted);
     } else {

@@ -53,6 +53,7 @@ private:
 
     void watchScreen();
     void applyLater();
+    void noteSize();
     void apply();
     void stretchControls();
     void resizeWindow(const QSize& size);
@@ -66,6 +67,6 @@ private:
     QSize windowSize; ///< at 100 %
     double factor = 1;
     QWindow* watchedWindow = nullptr; ///< only compared, never used
-    QSize sizeBefore;                 ///< the window's, before the change that waits for apply()
+    QSize settledSize;                ///< the window's, as it was before any change that waits for apply()
     bool applyWaits = false;
 };
