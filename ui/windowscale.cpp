@@ -125,6 +125,7 @@ bool WindowScale::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::FontChange:
     case QEvent::StyleChange:
+        noteSize();
         applyLater();
         break;
     default:
@@ -184,6 +185,7 @@ void WindowScale::resizeWindow(const QSize& size)
 {
     if (size == window.size() || window.isMaximized() || window.isFullScreen())
         return;
+    settledSize = size;
     const QRect now = window.geometry();
     QRect wanted(now.topLeft(), size);
     // A window is on the screen that has its middle: where that would be another one, the middle stays, else
