@@ -2,21 +2,23 @@
 
 #include "waiting.h"
 
-Outcome Desktop::start()
+Outcome Desktop::start(const QStringList& screens, const QByteArray& resources)
 {
     displayName = qEnvironmentVariable("TALVEX_TEST_DISPLAY");
     const bool own = displayName.isEmpty();
     if (own)
-        STEP(startServer());
+        STEP(startServer(screens));
     if (!xscreen.open(displayName))
         return Outcome("cannot open the display " + displayName);
+    if (!resources.isEmpty())
+        xscreen.setResources(resources);
     return own ? startWindowManager() : Outcome();
 }
 
-Outcome Desktop::startServer()
+Outcome Desktop::startServer(const QStringList& screens)
 {
     server.setProcessChannelMode(QProcess::SeparateChannels);
-    server.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"});
+    server.start("Xvfb", QStringList{"-displayfd", "1", "-nolisten", "tcp", "-noreset"} + screens);
     QByteArray number;
     const bool told = waitUntil([&] {
         number += server.readAllStandardOutput();

@@ -9,7 +9,10 @@
 class Desktop
 {
 public:
-    Outcome start();
+    /// `screens` are the server's options for a screen of its own. `resources` ("Xft.dpi:\t192\n", with the
+    /// tab) are set before any program sees it.
+    Outcome start(const QStringList& screens = {"-screen", "0", "1024x768x24"},
+                  const QByteArray& resources = {});
 
     /// The display's name (":7").
     [[nodiscard]] const QString& name() const { return displayName; }
@@ -19,7 +22,7 @@ public:
     [[nodiscard]] bool savePicture(const QString& path) { return xscreen.picture().save(path, "PNG"); }
 
 private:
-    Outcome startServer();
+    Outcome startServer(const QStringList& screens);
     Outcome startWindowManager();
 
     QString displayName;

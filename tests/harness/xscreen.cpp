@@ -60,6 +60,14 @@ std::optional<QPoint> XScreen::originOf(Window window)
     return QPoint(x, y);
 }
 
+QSize XScreen::sizeOf(Window window)
+{
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(display, window, &attributes) == 0)
+        return {};
+    return {attributes.width, attributes.height};
+}
+
 bool XScreen::pointAt(QPoint position, Window window)
 {
     constexpr int deepest = 16; // frames of the window manager, the window, its native children
@@ -94,6 +102,21 @@ void XScreen::pressKeys(std::initializer_list<unsigned long> symbols)
         XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), True, CurrentTime);
     for (auto symbol = std::rbegin(symbols); symbol != std::rend(symbols); ++symbol)
         XTestFakeKeyEvent(display, XKeysymToKeycode(display, *symbol), False, CurrentTime);
+    XSync(display, False);
+}
+
+void XScreen::move(Window window, QPoint position)
+{
+    XMoveWindow(display, window, position.x(), position.y());
+    XSync(display, False);
+}
+
+void XScreen::setResources(const QByteArray& resources)
+{
+    constexpr int bitsOfAnItem = 8;
+    XChangeProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER, XA_STRING, bitsOfAnItem,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(resources.constData()),
+                    static_cast<int>(resources.size()));
     XSync(display, False);
 }
 

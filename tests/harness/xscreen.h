@@ -32,11 +32,20 @@ public:
     /// Moves the pointer there; returns whether this window, or a part of it, is what lies under it.
     [[nodiscard]] bool pointAt(QPoint position, Window window);
 
+    /// The window's inner size in pixels of the screen; empty: there is no such window.
+    [[nodiscard]] QSize sizeOf(Window window);
+
     /// Presses and releases the left button where the pointer is.
     void click();
 
     /// Presses these keys (X key symbols) one after the other and releases them backwards.
     void pressKeys(std::initializer_list<unsigned long> symbols);
+
+    /// Moves the window's upper left corner, frame included, there, as far as the window manager allows.
+    void move(Window window, QPoint position);
+
+    /// Sets the server's resources ("Xft.dpi:\t192\n", with the tab), for programs that start from now on.
+    void setResources(const QByteArray& resources);
 
     /// Asks the window manager to close the window, as its close button does.
     void close(Window window);

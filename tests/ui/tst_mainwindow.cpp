@@ -20,6 +20,7 @@ class TestMainWindow : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void members();
     void firmwareFileIsBesideTheProgram();
     void window();
@@ -36,6 +37,12 @@ private slots:
     void leavesWhatLivesToTheEnd();
     void closedInTheMomentInWhichABoxOpens();
 };
+
+/// The screen that is none has a font too large for the layout as it is; a desktop's usual one is this.
+void TestMainWindow::initTestCase()
+{
+    QApplication::setFont(QFont("Sans Serif", 9));
+}
 
 void TestMainWindow::members()
 {
