@@ -22,6 +22,7 @@ constexpr std::array faultNames{
     FaultName{"no-permission", Fault::NoPermission},
     FaultName{"no-version-report", Fault::NoVersionReport},
     FaultName{"takes-nothing", Fault::TakesNothing, Argument::Optional, 1000},
+    FaultName{"takes-nothing-from", Fault::TakesNothingFrom, Argument::Required},
     FaultName{"unplugged-at", Fault::UnpluggedAt, Argument::Required},
     FaultName{"never-answers", Fault::NeverAnswers},
     FaultName{"refuses-timeout", Fault::RefusesTimeout},

@@ -11,11 +11,12 @@ namespace virtualunit {
 /// Ways in which a unit misbehaves; several may be set at once. `N` is the fault's argument.
 enum class Fault {
     // while a unit is found and opened
-    CannotOpen,      ///< is listed, cannot be opened
-    NoPermission,    ///< is listed without any string, cannot be opened
-    NoVersionReport, ///< sends nothing by itself before the first report it is given
-    TakesNothing,    ///< every write fails, after N ms
-    UnpluggedAt,     ///< vanishes when output report N is written to it, counted from 1
+    CannotOpen,       ///< is listed, cannot be opened
+    NoPermission,     ///< is listed without any string, cannot be opened
+    NoVersionReport,  ///< sends nothing by itself before the first report it is given
+    TakesNothing,     ///< every write fails, after N ms
+    TakesNothingFrom, ///< TakesNothing begins with output report N, counted from 1, and is told of
+    UnpluggedAt,      ///< vanishes when output report N is written to it, counted from 1
     // while an image is transferred and installed
     NeverAnswers,       ///< a request is taken and not answered
     RefusesTimeout,     ///< a request is answered with "timed out"

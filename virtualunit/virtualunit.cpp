@@ -54,7 +54,7 @@ VirtualUnit::Receipt VirtualUnit::receive(std::span<const std::uint8_t> bytes, M
     advance(now);
     if (!pluggedIn)
         return {false};
-    if (options.faults.has(Fault::TakesNothing))
+    if (refusesReport())
         return {false, options.faults.argument(Fault::TakesNothing)};
     ++outputReports;
     if (options.faults.hasAt(Fault::UnpluggedAt, outputReports)) {
@@ -73,6 +73,18 @@ VirtualUnit::Receipt VirtualUnit::receive(std::span<const std::uint8_t> bytes, M
     std::copy_n(bytes.begin() + 1, reportSize, report.begin());
     handle(report, now);
     return {};
+}
+
+bool VirtualUnit::refusesReport()
+{
+    if (!options.faults.has(Fault::TakesNothing))
+        return false;
+    if (!options.faults.has(Fault::TakesNothingFrom))
+        return true;
+    if (outputReports + 1 < static_cast<std::uint64_t>(options.faults.argument(Fault::TakesNothingFrom)))
+        return false;
+    journal.add("not-taken");
+    return true;
 }
 
 void VirtualUnit::handle(const Report& report, Milliseconds now)

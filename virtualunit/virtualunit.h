@@ -54,6 +54,7 @@ public:
 
 private:
     void advance(Milliseconds now);
+    [[nodiscard]] bool refusesReport();
     void handle(const Report& report, Milliseconds now);
     void takeLogReply();
     [[nodiscard]] Report statusReport();

@@ -22,6 +22,7 @@ private slots:
     void cannotOpen();
     void noVersionReport();
     void takesNothing();
+    void takesNothingFromAReportOn();
     void unpluggedAtAReport();
     void unpluggedUnitKeepsWhatWasDue();
 };
@@ -114,6 +115,17 @@ void TestVirtualFaults::takesNothing()
     QCOMPARE(host.journal(), QStringList("opened"));
     Host quick("hb4,fault=takes-nothing:0");
     QCOMPARE(quick.write(host::report({})).blockedMs, 0);
+}
+
+void TestVirtualFaults::takesNothingFromAReportOn()
+{
+    Host host("hb4,fault=takes-nothing:70,fault=takes-nothing-from:2");
+    QVERIFY(host.write(host::request(host::older, host::digestOf(""))).taken);
+    const QStringList taken = host.journal();
+    const auto receipt = host.write(host::finalPacket(host::older, 1, ""));
+    QVERIFY(!receipt.taken);
+    QCOMPARE(receipt.blockedMs, 70);
+    QCOMPARE(host.journal(), taken + QStringList("not-taken"));
 }
 
 void TestVirtualFaults::unpluggedAtAReport()
