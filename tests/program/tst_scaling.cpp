@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int limitMs = Program::usualLimit.count();
 const QStringList usualScreen{"-screen", "0", "2000x1600x24"};
 const QSize layoutSize(488, 440);
 const QRect layoutOfBar(20, 260, 451, 21);
@@ -134,9 +133,9 @@ void tst_scaling::otherScreen()
     MUST(program.start());
     const unsigned long window = idOf(program.look());
     XScreen& screen = desktop.screen();
-    QTRY_COMPARE_WITH_TIMEOUT(screen.sizeOf(window), onFirst, limitMs);
+    QTRY_COMPARE(screen.sizeOf(window), onFirst);
     screen.move(window, {1500, 100});
-    QTRY_COMPARE_WITH_TIMEOUT(screen.sizeOf(window), onSecond, limitMs);
+    QTRY_COMPARE(screen.sizeOf(window), onSecond);
     MUST(program.waitFor("the layout of the second screen", [](const View& view) {
         return placeOf(view.widget("progressBarUpdate")) == layoutOfBar;
     }));
