@@ -3,6 +3,7 @@
 #include "ui/labeltexts.h"
 #include "ui_mainwindow.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QScreen>
@@ -54,6 +55,13 @@ QRect stretched(const QRect& laidOut, double factor)
 namespace {
 
 using windowscale::Need;
+
+/// Qt's offscreen platform has no desktop on which a user could have chosen its default font, which is larger
+/// than any desktop's: there the layout waits for a font that the program is told.
+bool isFontChosen()
+{
+    return QGuiApplication::platformName() != "offscreen" || QApplication::font().resolve() != 0;
+}
 
 /// A line whose letters are centred in less than its height loses nothing while it only lacks the air above
 /// its highest and below its lowest letter.
@@ -125,7 +133,6 @@ bool WindowScale::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::FontChange:
     case QEvent::StyleChange:
-        noteSize();
         applyLater();
         break;
     default:
@@ -165,8 +172,8 @@ void WindowScale::apply()
     const QSize before = settledSize;
     const double earlier = factor;
     applyWaits = false;
-    factor =
-        windowscale::layoutFactor(windowscale::screenFactor(window.screen()->logicalDotsPerInchY()), needs());
+    const double ofScreen = windowscale::screenFactor(window.screen()->logicalDotsPerInchY());
+    factor = isFontChosen() ? windowscale::layoutFactor(ofScreen, needs()) : ofScreen;
     if (!qFuzzyCompare(factor, earlier))
         stretchControls();
     const bool asLaidOut = before == windowscale::stretched(windowSize, earlier);

@@ -195,6 +195,7 @@ void TestWindowScale::sizeThatTheUserGaveKeepsItsShare()
 {
     TestWindow window;
     window->resize(2 * layoutSize);
+    QCoreApplication::processEvents(); // the user is done
     const LargerFont font(24);
     QTRY_VERIFY(factorOf(window) > 2);
     QTRY_COMPARE(window->size(), windowscale::stretched(2 * layoutSize, factorOf(window)));
