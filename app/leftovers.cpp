@@ -1,28 +1,35 @@
 #include "app/leftovers.h"
 
 #include "net/updatechecker.h"
+#include "unit/hidio.h"
 
+#include <QHostInfo>
 #include <QThread>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <mutex>
 #include <thread>
 
 namespace leftovers {
 
 namespace {
 
-constexpr auto longestEnd = std::chrono::seconds(2);
+constexpr std::chrono::milliseconds
+    longestEnd(2500); ///< longer than two blocked writes of the libusb flavour
 constexpr unsigned long workerEndMs = 300;
 
 } // namespace
 
-void limitTheEnd(const MainWindow::Leftovers& leftovers, int exitCode)
+void limitTheEnd(int exitCode)
 {
-    std::thread([leftovers, exitCode] {
+    static std::atomic_flag hasBegun;
+    if (hasBegun.test_and_set())
+        return;
+    hidio::refuseCalls();
+    std::thread([exitCode] {
         std::this_thread::sleep_for(longestEnd);
-        giveBack(leftovers);
+        hidio::closeAll(std::chrono::milliseconds(0));
         std::_Exit(exitCode);
     }).detach();
 }
@@ -31,19 +38,24 @@ void endThreads(const MainWindow::Leftovers& leftovers)
 {
     leftovers.worker->requestInterruption();
     leftovers.worker->quit();
-    leftovers.worker->wait(workerEndMs);
+    while (!leftovers.worker->wait(workerEndMs) && hidio::isBusy()) {
+    }
     leftovers.checker->endNetwork();
 }
 
-void giveBack(const MainWindow::Leftovers& leftovers)
+void giveBack()
 {
-    static std::once_flag once;
-    std::call_once(once, [&leftovers] {
-        if (!leftovers.worker->wait(workerEndMs))
-            return;
-        for (hid_device* handle : leftovers.handles)
-            if (handle != nullptr)
-                hid_close(handle);
+    hidio::closeAll(longestEnd);
+}
+
+void giveBackAtExit()
+{
+    // What is made first goes last, and Qt's own keeper of look-ups waits for them when it goes: let it be
+    // made.
+    QHostInfo::abortHostLookup(-1);
+    std::atexit([] {
+        limitTheEnd(EXIT_FAILURE); // unless the end has begun before, with its own code
+        giveBack();
     });
 }
 

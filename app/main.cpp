@@ -1,3 +1,4 @@
+#include "app/exitsignals.h"
 #include "app/leftovers.h"
 #include "app/logmessageoutput.h"
 #include "app/version.h"
@@ -7,10 +8,12 @@
 #include <QNetworkProxyFactory>
 #include <QTextCodec>
 
+#include <cstdlib>
+
 namespace {
 
 /// Runs the window. The window, then the application, is gone when this returns.
-int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
+int runWindow(int argc, char** argv)
 {
 #ifdef Q_OS_WIN
     // Each screen has a scale of its own there. On X the window's layout follows the one resolution there is.
@@ -18,13 +21,14 @@ int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 #endif
     QApplication application(argc, argv);
+    leftovers::giveBackAtExit();
+    exitsignals::quitOnSignal(application);
     MainWindow window;
     window.setWindowTitle("Talvex updater v. " + QString::number(updaterVersion));
     window.show();
     const int result = QApplication::exec();
-    left = window.leftovers();
-    leftovers::limitTheEnd(left, result);
-    leftovers::endThreads(left);
+    leftovers::limitTheEnd(result);
+    leftovers::endThreads(window.leftovers());
     return result;
 }
 
@@ -32,6 +36,7 @@ int runWindow(int argc, char** argv, MainWindow::Leftovers& left)
 
 int main(int argc, char** argv)
 {
+    exitsignals::listen([] { leftovers::limitTheEnd(EXIT_SUCCESS); });
 #ifdef TALVEX_LOG_FILE
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
         logMessageOutput(type, message.toLocal8Bit().constData());
@@ -41,8 +46,7 @@ int main(int argc, char** argv)
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
     QNetworkProxyFactory::setUseSystemConfiguration(true);
-    MainWindow::Leftovers left;
-    const int result = runWindow(argc, argv, left);
-    leftovers::giveBack(left);
+    const int result = runWindow(argc, argv);
+    leftovers::giveBack();
     return result;
 }

@@ -55,7 +55,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 MainWindow::Leftovers MainWindow::leftovers() const
 {
-    return {logDownloader->thread(), updateChecker, {device, secondDevice}};
+    return {logDownloader->thread(), updateChecker};
 }
 
 void MainWindow::startLogWorker()

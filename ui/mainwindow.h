@@ -32,12 +32,11 @@ public:
     ~MainWindow() override;
     Q_DISABLE_COPY_MOVE(MainWindow)
 
-    /// What the window leaves to the program's end: it stops no thread and closes no handle.
+    /// What the window leaves to the program's end: it stops no thread and closes no unit.
     struct Leftovers
     {
         QThread* worker = nullptr;        ///< runs the log downloader; never deleted
         UpdateChecker* checker = nullptr; ///< has a thread of its own while it awaits answers; never deleted
-        std::array<hid_device*, 2> handles{}; ///< the open units; nullptr where none is
     };
     [[nodiscard]] Leftovers leftovers() const;
 
@@ -96,7 +95,6 @@ private:
     // unit/identification.cpp
     void findDevice(hid_device_info* record, int& result);
     void findPair(hid_device_info* record, int& result);
-    void readSerialNumber(hid_device* unit);
     [[nodiscard]] bool readVersion(hid_device* unit);
     void showConnected(const char* message);
 

@@ -4,12 +4,25 @@
 
 #include <hidapi.h>
 
-/// Reports to and from an open unit. A deck that did not open has no handle; every call on it fails like a
-/// call on an unplugged unit, and the HID library never sees a null handle.
+#include <chrono>
+
+/// The calls on a unit: the only place where the HID library is given a handle. A deck that did not open has
+/// none; every call on it fails like a call on an unplugged unit, and the HID library never sees a null
+/// handle. At the program's end all calls fail so. Any thread.
 namespace hidio {
 
 /// Result of a write or read that failed (hidapi.h).
 inline constexpr int failed = -1;
+
+/// Opens the unit at the path of an enumeration's record; nullptr if it cannot be had.
+[[nodiscard]] hid_device* open(const char* path);
+
+/// Closes a unit of open(); nothing happens if it is closed already.
+void close(hid_device* device);
+
+/// Asks the unit for its serial number, which nothing uses: being asked may be what makes a unit send its
+/// first report.
+void askForSerialNumber(hid_device* device);
 
 /// Writes the 65 bytes at `report` (report ID included). Returns the bytes written, or -1.
 /// May block for as long as the unit takes nothing (1 s a call in the libusb flavour, 5 s in hidraw).
@@ -21,5 +34,15 @@ int read(hid_device* device, unsigned char* report, int milliseconds);
 
 /// Reads one report into the 64 bytes at `report`, waiting for as long as it takes. Returns as above.
 int readBlocking(hid_device* device, unsigned char* report);
+
+/// Whether a call other than readBlocking() is under way: one that ends by itself.
+[[nodiscard]] bool isBusy();
+
+/// The program ends: every further call fails, and no further unit is opened.
+void refuseCalls();
+
+/// Refuses further calls, waits up to `limit` for those that end by themselves, and closes all units. None is
+/// closed while a call is under way: it may be using the handle.
+void closeAll(std::chrono::milliseconds limit);
 
 } // namespace hidio

@@ -12,7 +12,7 @@ constexpr int firstReportMs = 1000;
 /// Opens what `record` lists; nullptr, with a line in the diagnostics, if that fails.
 hid_device* openUnit(const hid_device_info& record)
 {
-    hid_device* const opened = hid_open_path(record.path);
+    hid_device* const opened = hidio::open(record.path);
     if (opened == nullptr)
         qWarning("%s", qUtf8Printable(seenrecord::lineForUnopened(record.product_id)));
     return opened;
@@ -33,7 +33,7 @@ void MainWindow::findDevice(hid_device_info* record, int& result)
     if (device == nullptr)
         return;
     ui->connect_button->setEnabled(false);
-    readSerialNumber(device);
+    hidio::askForSerialNumber(device);
     if (readVersion(device))
         tellVersion();
     if (const UnitModel* model = findUnitModel(unitType))
@@ -52,14 +52,14 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     if (secondDevice == nullptr) {
         result = 1;
         if (opened != nullptr)
-            hid_close(opened); // a failed attempt leaves nothing open
+            hidio::close(opened); // a failed attempt leaves nothing open
         device = nullptr;
         return;
     }
     ui->connect_button->setEnabled(false);
     result = 0;
-    readSerialNumber(device);
-    readSerialNumber(secondDevice);
+    hidio::askForSerialNumber(device);
+    hidio::askForSerialNumber(secondDevice);
     if (readVersion(device))
         tellVersion();
     // Meant so: the second deck's version is kept here, while the checker goes by the first deck's.
@@ -67,14 +67,6 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     if (const UnitModel* model = findUnitModel(unitType); model != nullptr && model->pairMessage != nullptr)
         showConnected(model->pairMessage);
     startUpdateCheck(); // meant so: the log downloader gets no device of a pair
-}
-
-/// Nothing uses the number; being asked for it may be what makes a unit send its first report.
-void MainWindow::readSerialNumber(hid_device* unit)
-{
-    std::array<wchar_t, 16> serialNumber{};
-    if (unit != nullptr)
-        hid_get_serial_number_string(unit, serialNumber.data(), serialNumber.size());
 }
 
 /// Takes the version from the first report, which a unit sends by itself. One that sends none in time has

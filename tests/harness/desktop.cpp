@@ -15,6 +15,13 @@ Outcome Desktop::start(const QStringList& screens, const QByteArray& resources)
     return own ? startWindowManager() : Outcome();
 }
 
+void Desktop::takeAway()
+{
+    xscreen.shut(); // or Xlib would end this process, too
+    windowManager.end();
+    server.end();
+}
+
 Outcome Desktop::startServer(const QStringList& screens)
 {
     server.setProcessChannelMode(QProcess::SeparateChannels);

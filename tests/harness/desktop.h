@@ -14,6 +14,9 @@ public:
     Outcome start(const QStringList& screens = {"-screen", "0", "1024x768x24"},
                   const QByteArray& resources = {});
 
+    /// Takes the screen away from all who use it. It must be one of its own.
+    void takeAway();
+
     /// The display's name (":7").
     [[nodiscard]] const QString& name() const { return displayName; }
     [[nodiscard]] XScreen& screen() { return xscreen; }

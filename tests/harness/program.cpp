@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <csignal>
 #include <utility>
 
 namespace {
@@ -171,6 +172,29 @@ Outcome Program::waitForExit(int code)
     if (process.exitCode() != code)
         return failed("exit code " + QString::number(process.exitCode()));
     return {};
+}
+
+Outcome Program::waitForDeathBy(int signal)
+{
+    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
+        return failed("still running");
+    const bool killed = process.exitStatus() == QProcess::CrashExit && process.exitCode() == signal;
+    return killed ? Outcome() : failed("ended with " + QString::number(process.exitCode()));
+}
+
+void Program::sendSignal(int signal)
+{
+    ::kill(static_cast<pid_t>(process.processId()), signal);
+}
+
+bool Program::handlesSignal(int signal) const
+{
+    QFile file(QString("/proc/%1/status").arg(process.processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray all = file.readAll();
+    const QByteArray caught = all.mid(all.indexOf("SigCgt:") + 7).trimmed().left(16);
+    return (caught.toULongLong(nullptr, 16) >> (signal - 1) & 1U) != 0;
 }
 
 Outcome Program::waitForPromptExit(int code)

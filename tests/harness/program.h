@@ -61,6 +61,11 @@ public:
     Outcome closeWindow();
     Outcome closeBox();
 
+    /// Sends the process a signal.
+    void sendSignal(int signal);
+    /// Whether the process handles this signal in a way of its own.
+    [[nodiscard]] bool handlesSignal(int signal) const;
+
     Outcome waitFor(const QString& what, const std::function<bool(const View&)>& condition);
     /// A box on top that says exactly this.
     Outcome waitForBox(const BoxText& expected);
@@ -70,6 +75,8 @@ public:
     /// The same, within 3 s of its own time, asleep or at work: standing in line for a busy processor does
     /// not count.
     Outcome waitForPromptExit(int code);
+    /// That this signal ends it, without a word of its own.
+    Outcome waitForDeathBy(int signal);
     /// That nothing of this kind shows up in so many looks. The program answers each from its event loop,
     /// which has served all else that was due since the one before; while an installation is followed, that
     /// is a poll of 100 ms.

@@ -18,8 +18,14 @@ int ignoreError(Display*, XErrorEvent*)
 
 XScreen::~XScreen()
 {
+    shut();
+}
+
+void XScreen::shut()
+{
     if (display != nullptr)
         XCloseDisplay(display);
+    display = nullptr;
 }
 
 bool XScreen::open(const QString& name)
@@ -136,6 +142,8 @@ void XScreen::close(Window window)
 
 QImage XScreen::picture()
 {
+    if (display == nullptr)
+        return {};
     const ::Window root = DefaultRootWindow(display);
     XWindowAttributes attributes{};
     if (XGetWindowAttributes(display, root, &attributes) == 0)

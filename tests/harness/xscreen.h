@@ -23,6 +23,9 @@ public:
     /// Opens the display of this name (":7"); false: there is none, or it lacks the XTEST extension.
     [[nodiscard]] bool open(const QString& name);
 
+    /// Ends the connection; nothing but picture() may be asked for then.
+    void shut();
+
     /// Whether a window manager that follows the common conventions is at work.
     [[nodiscard]] bool hasWindowManager();
 
@@ -50,7 +53,7 @@ public:
     /// Asks the window manager to close the window, as its close button does.
     void close(Window window);
 
-    /// The whole screen; a null image: the server would not tell.
+    /// The whole screen; a null image: the server would not tell, or there is none.
     [[nodiscard]] QImage picture();
 
 private:

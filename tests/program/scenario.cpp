@@ -1,5 +1,7 @@
 #include "scenario.h"
 
+#include <X11/keysym.h>
+
 #include <QCryptographicHash>
 #include <QFile>
 #include <QRandomGenerator>
@@ -90,6 +92,44 @@ Outcome connectAndDownload(Program& program, const QString& message)
 {
     STEP(connectUnit(program, message));
     return acceptOffer(program);
+}
+
+Outcome pressUpdate(Program& program)
+{
+    STEP(connectAndDownload(program, "HB4 connected"));
+    return program.press("updateDeviceButton");
+}
+
+Outcome streamImage(Program& program)
+{
+    STEP(pressUpdate(program));
+    return awaitStream(program);
+}
+
+Outcome install(Program& program)
+{
+    STEP(pressUpdate(program));
+    return awaitInstallation(program);
+}
+
+Outcome lookHostUp(Program& program)
+{
+    const QString noted = program.scratchPath("looked-up");
+    program.preload(TALVEX_SILENT_RESOLVER);
+    program.setVariable("TALVEX_LOOKED_UP", noted);
+    program.plugIn({unitOptions(program, "hb4")}); // and no proxy: the name itself is needed
+    STEP(program.start());
+    STEP(connectUnit(program, "HB4 connected"));
+    return program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); });
+}
+
+Outcome fetchLog(Program& program, const QString& line)
+{
+    STEP(connectUnit(program, "HB4 connected"));
+    STEP(program.waitForNoBox());
+    STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
+    STEP(program.press("downloadLogFile"));
+    return program.waitFor(line, [&](const View&) { return journal(program).contains(line); });
 }
 
 Outcome awaitStream(Program& program)

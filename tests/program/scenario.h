@@ -8,6 +8,7 @@ namespace scenario {
 
 inline constexpr int unitVersion = 23;
 inline constexpr const char* offeredVersion = "28";
+inline constexpr const char* silentInstallation = ",fault=silent-installation";
 /// For http_proxy: a port at which nobody ever listens.
 inline constexpr const char* deadProxy = "http://127.0.0.1:1";
 inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- Brighter pads.\n";
@@ -36,6 +37,17 @@ Outcome acceptOffer(Program& program, const QString& version = "2.3");
 Outcome declineOffer(Program& program);
 /// Connect, the offer, Yes, the download.
 Outcome connectAndDownload(Program& program, const QString& message);
+/// The same, and Update Device; and then the transfer, the installation under way. The server offers an image
+/// for HB4.
+/// @{
+Outcome pressUpdate(Program& program);
+Outcome streamImage(Program& program);
+Outcome install(Program& program);
+/// @}
+/// Starts the program with a unit HB4 plugged in and connects it; a name server that never answers is asked.
+Outcome lookHostUp(Program& program);
+/// Connects the unit, asks for its log and waits until `line` stands in its journal.
+Outcome fetchLog(Program& program, const QString& line);
 /// The transfer under way, the installation under way: behind the press of Update Device.
 /// @{
 Outcome awaitStream(Program& program);

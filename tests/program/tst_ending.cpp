@@ -20,8 +20,6 @@ QString lastWord(const Program& program)
     return journal.isEmpty() ? QString("closed") : journal.last();
 }
 
-constexpr const char* silentInstallation = ",fault=silent-installation";
-
 /// A server that takes connections and never answers.
 class SilentServer : public QTcpServer
 {
@@ -50,24 +48,6 @@ public:
 };
 
 using State = Outcome (*)(Program&);
-
-Outcome pressUpdate(Program& program)
-{
-    STEP(scenario::connectAndDownload(program, "HB4 connected"));
-    return program.press("updateDeviceButton");
-}
-
-Outcome streamImage(Program& program)
-{
-    STEP(pressUpdate(program));
-    return scenario::awaitStream(program);
-}
-
-Outcome install(Program& program)
-{
-    STEP(pressUpdate(program));
-    return scenario::awaitInstallation(program);
-}
 
 } // namespace
 
@@ -112,9 +92,9 @@ void tst_ending::windowClosed_data()
         return scenario::connectAndDownload(program, "HB4 connected");
     }) << smallSize;
     QTest::newRow("while the unit does not answer")
-        << ",fault=never-answers" << State(pressUpdate) << smallSize;
-    QTest::newRow("in the middle of the transfer") << "" << State(streamImage) << longOnItsWay;
-    QTest::newRow("during the installation") << silentInstallation << State(install) << smallSize;
+        << ",fault=never-answers" << State(scenario::pressUpdate) << smallSize;
+    QTest::newRow("in the middle of the transfer") << "" << State(scenario::streamImage) << longOnItsWay;
+    QTest::newRow("during the installation") << scenario::silentInstallation << State(scenario::install) << smallSize;
 }
 
 void tst_ending::windowClosed()
@@ -146,13 +126,7 @@ void tst_ending::closedWhileTheServerIsSilent()
 void tst_ending::closedWhileTheHostIsLookedUp()
 {
     Program program(desktop);
-    program.preload(TALVEX_SILENT_RESOLVER);
-    program.setVariable("TALVEX_LOOKED_UP", program.scratchPath("looked-up"));
-    program.plugIn({scenario::unitOptions(program, "hb4")}); // and no proxy: the name itself is needed
-    MUST(program.start());
-    MUST(scenario::connectUnit(program, "HB4 connected"));
-    const QString noted = program.scratchPath("looked-up");
-    MUST(program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); }));
+    MUST(scenario::lookHostUp(program));
     MUST(program.closeWindow());
     MUST(program.waitForPromptExit(0));
     QCOMPARE(lastWord(program), QString("closed")); // though the look-up held the end up

@@ -105,7 +105,7 @@ void runWindow(const Plan& plan, const RawServer& server, Ending& ending)
     if (!ending.last.logPressed)
         left.worker->wait(static_cast<unsigned long>(
             limits::hangMs())); // it is not blocked: only a slow machine could keep it
-    leftovers::giveBack(left);
+    leftovers::giveBack();
 }
 
 } // namespace

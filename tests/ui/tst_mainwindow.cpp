@@ -244,12 +244,9 @@ void TestMainWindow::logWorker()
 void TestMainWindow::handsOverWhatItLeaves()
 {
     TestWindow window;
-    window->device = reinterpret_cast<hid_device*>(1);
-    window->secondDevice = reinterpret_cast<hid_device*>(2);
     const MainWindow::Leftovers left = window->leftovers();
     QCOMPARE(left.worker, window->logDownloader->thread());
-    QCOMPARE(left.handles[0], window->device);
-    QCOMPARE(left.handles[1], window->secondDevice);
+    QCOMPARE(left.checker, window->updateChecker);
 }
 
 void TestMainWindow::leavesWhatLivesToTheEnd()

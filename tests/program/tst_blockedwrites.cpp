@@ -1,0 +1,135 @@
+// The program's end while a write to the unit is blocked: by a signal, or by closing the window.
+
+#include "program.h"
+#include "scenario.h"
+#include "waiting.h"
+
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+constexpr int forLong = 60'000; ///< ms; no end waits for it
+/// ms; longer than a thread is waited for that is in no write, and less than half of what one in a write is
+constexpr int forAWhile = 1000;
+
+using Deed = Outcome (*)(Program&);
+
+/// The write on the GUI thread: the request for a transfer.
+Outcome blockTransfer(Program& program)
+{
+    STEP(scenario::connectUnit(program, "HB4 connected"));
+    return program.press("updateDeviceButton");
+}
+
+/// The write on the worker thread: the acknowledge of a log's header, behind the request.
+Outcome blockLog(Program& program)
+{
+    return scenario::fetchLog(program, "not-taken");
+}
+
+Outcome closeWindow(Program& program)
+{
+    return program.closeWindow();
+}
+
+QStringList linesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+                                          : QStringList();
+}
+
+Outcome terminate(Program& program)
+{
+    program.sendSignal(SIGTERM);
+    return {};
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Deed)
+
+class tst_blockedwrites : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void blockedForLong_data() { addRows(); }
+    void blockedForLong();
+    void blockedForAWhile_data() { addRows(); }
+    void blockedForAWhile();
+
+private:
+    static void addRows();
+    static Outcome endInBlockedWrite(Program& program, int blockedMs, int report, Deed block, Deed end);
+
+    Desktop desktop;
+};
+
+void tst_blockedwrites::initTestCase()
+{
+    MUST(desktop.start());
+}
+
+void tst_blockedwrites::addRows()
+{
+    QTest::addColumn<int>("report"); // that the unit does not take
+    QTest::addColumn<Deed>("block");
+    QTest::addColumn<Deed>("end");
+    QTest::newRow("a transfer's, SIGTERM") << 1 << Deed(blockTransfer) << Deed(terminate);
+    QTest::newRow("a log's, SIGTERM") << 2 << Deed(blockLog) << Deed(terminate);
+    QTest::newRow("a log's, window closed") << 2 << Deed(blockLog) << Deed(closeWindow);
+}
+
+/// Has the row's write blocked for so long, and then the row's end begin.
+Outcome tst_blockedwrites::endInBlockedWrite(Program& program, int blockedMs, int report, Deed block,
+                                             Deed end)
+{
+    program.setVariable("TALVEX_VIRTUAL_HID_TRACE", program.scratchPath("trace"));
+    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    const QString options = QString(",log=%1,fault=takes-nothing:%2,fault=takes-nothing-from:%3")
+                                .arg(program.ownPath("SUPER_MEGA_UPDATE.sb"))
+                                .arg(blockedMs)
+                                .arg(report);
+    STEP(scenario::startWithUnit(program, scenario::deadProxy, options));
+    STEP(block(program));
+    if (!waitUntil([&] { return scenario::journal(program).contains("not-taken"); }))
+        return Outcome("no write is blocked");
+    return end(program);
+}
+
+void tst_blockedwrites::blockedForLong()
+{
+    QFETCH(int, report);
+    QFETCH(Deed, block);
+    QFETCH(Deed, end);
+    Program program(desktop);
+    MUST(endInBlockedWrite(program, forLong, report, block, end));
+    MUST(program.waitForExit(0)); // long before the write ends
+    QCOMPARE(scenario::journal(program).last(), QString("not-taken"));
+}
+
+/// The unit is closed after the write has come back, and no other is begun.
+void tst_blockedwrites::blockedForAWhile()
+{
+    QFETCH(int, report);
+    QFETCH(Deed, block);
+    QFETCH(Deed, end);
+    Program program(desktop);
+    MUST(endInBlockedWrite(program, forAWhile, report, block, end));
+    MUST(program.waitForExit(0));
+    const QStringList journal = scenario::journal(program);
+    QCOMPARE(journal.count("not-taken"), 1);
+    QCOMPARE(journal.last(), QString("closed"));
+    const QStringList calls = linesOf(program.scratchPath("trace"));
+    QCOMPARE(calls.last(), QString("hid_close handle=1"));
+    QVERIFY2(calls.at(calls.size() - 2).startsWith("hid_write "), qPrintable(calls.join('\n')));
+}
+
+QTEST_GUILESS_MAIN(tst_blockedwrites)
+
+#include "tst_blockedwrites.moc"

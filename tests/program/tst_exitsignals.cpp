@@ -1,0 +1,273 @@
+// The ends that come from outside: signals, and the loss of the display. In every phase the unit is given
+// back.
+
+#include "program.h"
+#include "scenario.h"
+#include "updateserver.h"
+
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+constexpr int waitLimit = 60'000; ///< ms; for a hang only
+
+using State = Outcome (*)(Program&);
+
+struct Phase
+{
+    const char* name;
+    const char* fault; ///< of the unit, as an option
+    State reach;
+};
+
+Outcome doNothing(Program&)
+{
+    return {};
+}
+
+Outcome seeConnectionsBox(Program& program)
+{
+    STEP(program.press("connect_button"));
+    return program.waitForBox(infoBox("HB4 connected"));
+}
+
+Outcome seeOffer(Program& program)
+{
+    STEP(scenario::connectUnit(program, "HB4 connected"));
+    return program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; });
+}
+
+Outcome connectAndDownload(Program& program)
+{
+    return scenario::connectAndDownload(program, "HB4 connected");
+}
+
+Outcome seeRefusal(Program& program)
+{
+    STEP(scenario::pressUpdate(program));
+    return program.waitFor("the box", [](const View& view) { return view.boxCount() == 1; });
+}
+
+constexpr std::array phases{
+    Phase{"right after the start", "", doNothing},
+    Phase{"under the connection's box", "", seeConnectionsBox},
+    Phase{"under the offer", "", seeOffer},
+    Phase{"after a declined offer", "", scenario::declineOffer},
+    Phase{"with an image to send", "", connectAndDownload},
+    Phase{"while the unit does not answer", ",fault=never-answers", scenario::pressUpdate},
+    Phase{"under a refusal's box", ",fault=refuses-timeout", seeRefusal},
+    Phase{"in the middle of the transfer", "", scenario::streamImage},
+    Phase{"during the installation", scenario::silentInstallation, scenario::install},
+};
+
+struct Signal
+{
+    const char* name;
+    int number;
+};
+
+constexpr std::array signalsOfAnEnd{Signal{"SIGTERM", SIGTERM}, Signal{"SIGINT", SIGINT},
+                                    Signal{"SIGHUP", SIGHUP}};
+
+/// A program that is started while this exists finds the signal ignored, as behind nohup.
+class Ignored
+{
+public:
+    explicit Ignored(int number) : signal(number), before(std::signal(number, SIG_IGN)) {}
+    ~Ignored() { std::signal(signal, before); }
+    Q_DISABLE_COPY_MOVE(Ignored)
+
+private:
+    int signal;
+    void (*before)(int);
+};
+
+/// What the unit saw last; "closed", too, for one that was never opened.
+QString lastWord(const Program& program)
+{
+    const QStringList journal = scenario::journal(program);
+    return journal.isEmpty() ? QString("closed") : journal.last();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(State)
+
+class tst_exitsignals : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void signalEndsTheProgram_data();
+    void signalEndsTheProgram();
+    void signalWhileTheHostIsLookedUp();
+    void signalWhileTheHeaderIsAwaited_data();
+    void signalWhileTheHeaderIsAwaited();
+    void ignoredSignalStaysIgnored_data();
+    void ignoredSignalStaysIgnored();
+    void secondSignalEndsAtOnce_data();
+    void secondSignalEndsAtOnce();
+    void lostDisplay_data();
+    void lostDisplay();
+    void lostDisplayWhileTheHostIsLookedUp();
+
+private:
+    void addSignals();
+    void addPhases(const QString& before, int signal);
+
+    Desktop desktop;
+    UpdateServer server;
+};
+
+void tst_exitsignals::initTestCase()
+{
+    MUST(desktop.start());
+    MUST(server.start());
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(60'000),
+                         scenario::changeLog));
+}
+
+void tst_exitsignals::addSignals()
+{
+    QTest::addColumn<int>("signal");
+    for (const Signal& signal : signalsOfAnEnd)
+        QTest::newRow(signal.name) << signal.number;
+}
+
+void tst_exitsignals::addPhases(const QString& before, int signal)
+{
+    for (const Phase& phase : phases)
+        QTest::newRow(qPrintable(before + phase.name)) << signal << QString(phase.fault) << phase.reach;
+}
+
+void tst_exitsignals::signalEndsTheProgram_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<State>("reach");
+    for (const Signal& signal : signalsOfAnEnd)
+        addPhases(QString(signal.name) + ' ', signal.number);
+}
+
+void tst_exitsignals::signalEndsTheProgram()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, fault);
+    QFETCH(State, reach);
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy(), fault));
+    MUST(reach(program));
+    program.sendSignal(signal);
+    MUST(program.waitForExit(0));
+    QCOMPARE(lastWord(program), QString("closed"));
+}
+
+void tst_exitsignals::signalWhileTheHostIsLookedUp()
+{
+    Program program(desktop);
+    MUST(scenario::lookHostUp(program));
+    program.sendSignal(SIGTERM);
+    MUST(program.waitForExit(0)); // the look-up takes a minute
+    QCOMPARE(lastWord(program), QString("closed"));
+}
+
+void tst_exitsignals::signalWhileTheHeaderIsAwaited_data()
+{
+    addSignals();
+}
+
+/// The worker is in a read without end: the unit cannot be closed under it.
+void tst_exitsignals::signalWhileTheHeaderIsAwaited()
+{
+    QFETCH(int, signal);
+    Program program(desktop);
+    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    MUST(scenario::startWithUnit(program, server.proxy(), ",fault=header-never-comes"));
+    MUST(scenario::fetchLog(program, "log-request number=1"));
+    program.sendSignal(signal);
+    MUST(program.waitForExit(0));
+    QVERIFY(!scenario::journal(program).contains("closed"));
+}
+
+void tst_exitsignals::ignoredSignalStaysIgnored_data()
+{
+    addSignals();
+}
+
+void tst_exitsignals::ignoredSignalStaysIgnored()
+{
+    QFETCH(int, signal);
+    Program program(desktop);
+    {
+        const Ignored ignored(signal);
+        MUST(scenario::startWithUnit(program, server.proxy()));
+    }
+    QVERIFY(!program.handlesSignal(signal));
+    program.sendSignal(signal);
+    MUST(seeOffer(program)); // it goes on
+    program.sendSignal(signal == SIGTERM ? SIGINT : SIGTERM);
+    MUST(program.waitForExit(0));
+    QCOMPARE(lastWord(program), QString("closed"));
+}
+
+void tst_exitsignals::secondSignalEndsAtOnce_data()
+{
+    addSignals();
+}
+
+void tst_exitsignals::secondSignalEndsAtOnce()
+{
+    QFETCH(int, signal);
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, server.proxy(),
+                                 ",fault=takes-nothing:60000,fault=takes-nothing-from:1"));
+    MUST(scenario::pressUpdate(program));
+    QTRY_VERIFY_WITH_TIMEOUT(scenario::journal(program).contains("not-taken"), waitLimit);
+    QVERIFY(program.handlesSignal(signal));
+    program.sendSignal(signal);
+    QTRY_VERIFY_WITH_TIMEOUT(!program.handlesSignal(signal),
+                             waitLimit); // it has come; two at once would be taken for one
+    program.sendSignal(signal);
+    MUST(program.waitForDeathBy(signal));
+}
+
+void tst_exitsignals::lostDisplay_data()
+{
+    QTest::addColumn<int>("signal"); // none
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<State>("reach");
+    addPhases("", 0);
+}
+
+void tst_exitsignals::lostDisplay()
+{
+    QFETCH(QString, fault);
+    QFETCH(State, reach);
+    Desktop ownDesktop;
+    MUST(ownDesktop.start());
+    Program program(ownDesktop);
+    MUST(scenario::startWithUnit(program, server.proxy(), fault));
+    MUST(reach(program));
+    ownDesktop.takeAway();
+    MUST(program.waitForExit(1));
+    QCOMPARE(lastWord(program), QString("closed"));
+}
+
+void tst_exitsignals::lostDisplayWhileTheHostIsLookedUp()
+{
+    Desktop ownDesktop;
+    MUST(ownDesktop.start());
+    Program program(ownDesktop);
+    MUST(scenario::lookHostUp(program));
+    ownDesktop.takeAway();
+    MUST(program.waitForExit(1)); // the look-up takes a minute
+    QCOMPARE(lastWord(program), QString("closed"));
+}
+
+QTEST_GUILESS_MAIN(tst_exitsignals)
+
+#include "tst_exitsignals.moc"
