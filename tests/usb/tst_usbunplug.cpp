@@ -8,6 +8,8 @@
 
 #include <QtTest>
 
+#include <csignal>
+
 namespace {
 
 /// A program that spins takes the whole processor; one whose polls fail at once takes a part of it.
@@ -18,6 +20,11 @@ constexpr int mostLooks = 5;
 constexpr int shortImage = 6000;
 constexpr int longImage = 6'000'000; ///< on its way for more than a minute
 constexpr const char* longInstallation = ",install-ms=3600000";
+
+/// Each step writes, and once more after a failure: so long does the HID library wait for a unit. Nothing
+/// tells when the kernel has enough and a write blocks; that is waited for by the clock and can only miss a
+/// defect.
+constexpr int longestStepMs = 2200;
 
 using State = Outcome (*)(Program&);
 
@@ -87,6 +94,9 @@ private slots:
     void hangsInMidTransfer();
     void closedInMidWork_data();
     void closedInMidWork();
+    void endedBySignal_data();
+    void endedBySignal();
+    void endedBySignalInABlockedWrite();
 
 private:
     Outcome begin(Program& program, PluggedUnits& units, const QString& more, int imageSize = shortImage);
@@ -171,7 +181,7 @@ void tst_usbunplug::hangsInMidTransfer()
     MUST(streamImage(program));
     units.freeze();
     // The kernel takes a few more reports, and nothing tells when it has enough of them.
-    QTest::qWait(limits::lengthened(2200));
+    QTest::qWait(limits::lengthened(longestStepMs));
     for (int looks = 0; answersBetweenWrites && looks < 3; ++looks)
         QVERIFY(program.look().enabled("progressBarTransfer"));
     MUST(program.closeWindow());
@@ -199,6 +209,51 @@ void tst_usbunplug::closedInMidWork()
     MUST(reach(program));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0));
+    MUST(units.seeGivenBack());
+}
+
+void tst_usbunplug::endedBySignal_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("more"); // options of the unit
+    QTest::addColumn<State>("reach");
+    QTest::addColumn<int>("imageSize");
+    QTest::newRow("SIGTERM, idle") << SIGTERM << "" << State(connectOnly) << shortImage;
+    QTest::newRow("SIGINT, in the stream") << SIGINT << "" << State(streamImage) << longImage;
+    QTest::newRow("SIGHUP, during the installation")
+        << SIGHUP << longInstallation << State(install) << shortImage;
+}
+
+/// The unit stays plugged in, and the system has it again.
+void tst_usbunplug::endedBySignal()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, more);
+    QFETCH(State, reach);
+    QFETCH(int, imageSize);
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, more, imageSize));
+    MUST(reach(program));
+    program.sendSignal(signal);
+    MUST(program.waitForExit(0));
+    MUST(units.seeGivenBack());
+}
+
+/// The HID library gives up after a while, or the program does; either way the system has the unit again.
+void tst_usbunplug::endedBySignalInABlockedWrite()
+{
+    Program program(desktop);
+    PluggedUnits units;
+    MUST(begin(program, units, "", longImage));
+    MUST(streamImage(program));
+    units.freeze();
+    QTest::qWait(limits::lengthened(longestStepMs));
+    QElapsedTimer passed;
+    passed.start();
+    program.sendSignal(SIGTERM);
+    MUST(program.waitForExit(0));
+    qInfo("ended after %lld ms", passed.elapsed());
     MUST(units.seeGivenBack());
 }
 
