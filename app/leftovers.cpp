@@ -3,7 +3,6 @@
 #include "net/updatechecker.h"
 #include "unit/hidio.h"
 
-#include <QHostInfo>
 #include <QThread>
 
 #include <atomic>
@@ -26,7 +25,7 @@ void limitTheEnd(int exitCode)
     static std::atomic_flag hasBegun;
     if (hasBegun.test_and_set())
         return;
-    hidio::refuseCalls();
+    hidio::refuseWrites();
     std::thread([exitCode] {
         std::this_thread::sleep_for(longestEnd);
         hidio::closeAll(std::chrono::milliseconds(0));
@@ -50,9 +49,6 @@ void giveBack()
 
 void giveBackAtExit()
 {
-    // What is made first goes last, and Qt's own keeper of look-ups waits for them when it goes: let it be
-    // made.
-    QHostInfo::abortHostLookup(-1);
     std::atexit([] {
         limitTheEnd(EXIT_FAILURE); // unless the end has begun before, with its own code
         giveBack();

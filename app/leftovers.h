@@ -6,7 +6,7 @@
 /// HID driver has them again (the libusb flavour re-attaches it in hid_close only).
 namespace leftovers {
 
-/// The program's end begins: no further call on a unit is made. Ends the process itself, and gives the unit
+/// The program's end begins: nothing more is written to a unit. Ends the process itself, and gives the unit
 /// back, should the end take longer than 2.5 s: Qt waits for its host name look-ups, and a write may block
 /// for longer. The first call counts. Any thread.
 void limitTheEnd(int exitCode);
@@ -19,7 +19,7 @@ void endThreads(const MainWindow::Leftovers& leftovers);
 /// Closes the open units once the calls on them have ended; none if the worker is blocked in a read.
 void giveBack();
 
-/// Has exit() give the unit back, too: Qt calls it when the display is lost. With the application there.
+/// Has exit() give the unit back, too: Qt calls it when the display is lost.
 void giveBackAtExit();
 
 } // namespace leftovers

@@ -2,11 +2,15 @@
 
 #include "unit/openunits.h"
 
+#include <atomic>
+
 namespace hidio {
 
 namespace {
 
 using Call = OpenUnits::Call;
+
+std::atomic<bool> writesRefused = false;
 
 OpenUnits& openUnits()
 {
@@ -47,7 +51,7 @@ void askForSerialNumber(hid_device* device)
 
 int write(hid_device* device, const unsigned char* report)
 {
-    if (device == nullptr)
+    if (device == nullptr || writesRefused)
         return failed;
     return openUnits().during(Call::limited, failed,
                               [=] { return hid_write(device, report, report::outputLength); });
@@ -75,9 +79,9 @@ bool isBusy()
     return openUnits().isBusy();
 }
 
-void refuseCalls()
+void refuseWrites()
 {
-    openUnits().refuseCalls();
+    writesRefused = true;
 }
 
 void closeAll(std::chrono::milliseconds limit)

@@ -38,8 +38,8 @@ int readBlocking(hid_device* device, unsigned char* report);
 /// Whether a call other than readBlocking() is under way: one that ends by itself.
 [[nodiscard]] bool isBusy();
 
-/// The program ends: every further call fails, and no further unit is opened.
-void refuseCalls();
+/// The program ends: every further write fails, so that none can block.
+void refuseWrites();
 
 /// Refuses further calls, waits up to `limit` for those that end by themselves, and closes all units. None is
 /// closed while a call is under way: it may be using the handle.

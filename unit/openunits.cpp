@@ -25,12 +25,6 @@ bool OpenUnits::isBusy() const
     return limitedCalls > 0;
 }
 
-void OpenUnits::refuseCalls()
-{
-    const std::lock_guard locker(lock);
-    refusing = true;
-}
-
 bool OpenUnits::closeAll(std::chrono::milliseconds limit, const std::function<void(hid_device*)>& close)
 {
     std::unique_lock locker(lock);

@@ -35,9 +35,6 @@ public:
     /// Whether a call is under way that ends by itself.
     [[nodiscard]] bool isBusy() const;
 
-    /// The program ends: from now on every further call is refused.
-    void refuseCalls();
-
     /// Refuses further calls, waits up to `limit` for those that end by themselves, and closes all units with
     /// `close`, each once in all. False: a call is still under way, and none was closed.
     bool closeAll(std::chrono::milliseconds limit, const std::function<void(hid_device*)>& close);

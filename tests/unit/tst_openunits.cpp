@@ -70,7 +70,6 @@ private slots:
     void init();
 
     void callsGiveTheirResult();
-    void callsAreRefusedAtTheEnd_data();
     void callsAreRefusedAtTheEnd();
     void allAreClosedOnce();
     void closedUnitIsLeftAlone();
@@ -102,20 +101,9 @@ void TestOpenUnits::callsGiveTheirResult()
     QCOMPARE(units->during(Call::endless, refused, [] { return 64; }), 64);
 }
 
-void TestOpenUnits::callsAreRefusedAtTheEnd_data()
-{
-    QTest::addColumn<bool>("closes"); // by closing all, or by the mere word
-    QTest::newRow("once told") << false;
-    QTest::newRow("once all are closed") << true;
-}
-
 void TestOpenUnits::callsAreRefusedAtTheEnd()
 {
-    QFETCH(bool, closes);
-    if (closes)
-        QVERIFY(closeAll(noTime));
-    else
-        units->refuseCalls();
+    QVERIFY(closeAll(noTime));
     bool isMade = false;
     const int result = units->during(Call::limited, refused, [&] {
         isMade = true;
