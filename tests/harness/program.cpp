@@ -184,7 +184,8 @@ Outcome Program::waitForDeathBy(int signal)
 
 void Program::sendSignal(int signal)
 {
-    ::kill(static_cast<pid_t>(process.processId()), signal);
+    if (const qint64 id = process.processId(); id > 0) // 0, when it has ended, would be all of this group
+        ::kill(static_cast<pid_t>(id), signal);
 }
 
 bool Program::handlesSignal(int signal) const

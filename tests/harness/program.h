@@ -61,7 +61,7 @@ public:
     Outcome closeWindow();
     Outcome closeBox();
 
-    /// Sends the process a signal.
+    /// Sends the process a signal; nothing happens when it has ended.
     void sendSignal(int signal);
     /// Whether the process handles this signal in a way of its own.
     [[nodiscard]] bool handlesSignal(int signal) const;
