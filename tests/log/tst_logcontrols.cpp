@@ -84,6 +84,17 @@ private slots:
         QVERIFY(window.button("downloadLogFile").isVisible());
     }
 
+    void theKeyDoesNothingOnceUpdateDeviceWasPressed()
+    {
+        TestWindow window;
+        connectUnit(window);
+        placeFile("updater.sb", "image");
+        window.button("updateDeviceButton").setEnabled(true);
+        window.button("updateDeviceButton").click();
+        pressLogKey(window);
+        QVERIFY(!window.button("downloadLogFile").isVisible());
+    }
+
     void otherKeysShowNothing_data()
     {
         QTest::addColumn<int>("key");
@@ -123,7 +134,7 @@ private slots:
         }
         QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
         QCOMPARE(int(virtualbus::writesTo(1).front()[2]), 1); // the number asked for
-        window->leftovers().worker->requestInterruption(); // it awaits the header
+        window->leftovers().worker->requestInterruption();    // it awaits the header
         virtualbus::clear();
     }
 
