@@ -17,6 +17,14 @@ const ByPhase isGone{
     {Phase::installation, outcome::goneInUpdate}, {Phase::logHeader, outcome::goneBeforeLog},
     {Phase::logParts, outcome::goneInLog},        {Phase::quit, outcome::goneInUpdate},
 };
+/// As when the window is closed.
+ByPhase endOfSession()
+{
+    ByPhase all = endsAtOnce;
+    all.emplace_back(Phase::quit, outcome::updated);
+    return all;
+}
+
 constexpr long day = 24L * 60 * 60; ///< s
 constexpr int napMs = 700;
 
@@ -53,7 +61,7 @@ std::vector<FaultRow> computerFaults()
         row("sleeps and wakes up", roadTo, carriesOn, [] { computer::suspend(napMs); }),
         row("sets its clock back by a day", roadTo, carriesOn, [] { computer::setClock(-day); }),
         row("sets its clock forward by a day", roadTo, carriesOn, [] { computer::setClock(day); }),
-        row("ends the session (SIGTERM)", longRoadTo, isGone, [] { computer::endSession(); }),
+        row("ends the session (SIGTERM)", longRoadTo, endOfSession(), [] { computer::endSession(); }),
         kill(),
         {"computer",
          "is about to fall asleep by itself",

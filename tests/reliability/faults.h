@@ -24,6 +24,15 @@ struct FaultRow
 /// What one fault comes to in the phases in which it is tried.
 using ByPhase = std::vector<std::pair<Phase, Outcome>>;
 
+/// What comes of it when the program is told to end.
+inline const ByPhase endsAtOnce{
+    {Phase::search, outcome::closedBefore},         {Phase::catalogue, outcome::closedBefore},
+    {Phase::changeLog, outcome::closedBefore},      {Phase::download, outcome::closedBefore},
+    {Phase::request, outcome::closedInUpdate},      {Phase::stream, outcome::closedInUpdate},
+    {Phase::installation, outcome::closedInUpdate}, {Phase::logHeader, outcome::closedBeforeLog},
+    {Phase::logParts, outcome::closedInLog},
+};
+
 /// More writes than any journey makes: all fail from then on (virtualbus::failNextWrites).
 inline constexpr int allWrites = 1000000000;
 

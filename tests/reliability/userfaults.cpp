@@ -2,13 +2,6 @@
 
 namespace {
 
-const ByPhase endsAtOnce{
-    {Phase::search, outcome::closedBefore},         {Phase::catalogue, outcome::closedBefore},
-    {Phase::changeLog, outcome::closedBefore},      {Phase::download, outcome::closedBefore},
-    {Phase::request, outcome::closedInUpdate},      {Phase::stream, outcome::closedInUpdate},
-    {Phase::installation, outcome::closedInUpdate}, {Phase::logHeader, outcome::closedBeforeLog},
-    {Phase::logParts, outcome::closedInLog},
-};
 const ByPhase carriesOnOrStops{
     {Phase::search, outcome::updated},       {Phase::catalogue, outcome::updated},
     {Phase::changeLog, outcome::updated},    {Phase::download, outcome::updated},
