@@ -15,7 +15,7 @@ junit=$PWD/artifacts/test/junit
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 export UBSAN_OPTIONS=print_stacktrace=1
 # Busy tests count for three of these, the others for one (tests/CMakeLists.txt).
-testJobs=$((3 * jobs))
+testJobs=$((4 * jobs))
 
 # build PRESET: configures and builds what the preset is for; once in a run is enough.
 declare -A built=()
