@@ -94,7 +94,8 @@ void tst_ending::windowClosed_data()
     QTest::newRow("while the unit does not answer")
         << ",fault=never-answers" << State(scenario::pressUpdate) << smallSize;
     QTest::newRow("in the middle of the transfer") << "" << State(scenario::streamImage) << longOnItsWay;
-    QTest::newRow("during the installation") << scenario::silentInstallation << State(scenario::install) << smallSize;
+    QTest::newRow("during the installation")
+        << scenario::silentInstallation << State(scenario::install) << smallSize;
 }
 
 void tst_ending::windowClosed()
