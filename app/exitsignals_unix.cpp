@@ -15,15 +15,38 @@ namespace exitsignals {
 
 namespace {
 
-/// Reading end and writing end of a pipe. What a signal writes stays in it, so that both who wait see it.
+/// Reading end and writing end of a pipe. What a signal writes stays in it, so that both waiters see it.
 std::array<int, 2> pipeEnds{-1, -1};
 
+/// By signal: 1 once one has come.
+std::array<volatile std::sig_atomic_t, NSIG> seen{};
+
+/// A terminal that is closed tells its program twice: the shell sends a SIGHUP, and the kernel another one
+/// when the shell has gone.
+bool isKernelsHangup(int signal, const siginfo_t& info)
+{
+#ifdef SI_KERNEL
+    return signal == SIGHUP && info.si_code == SI_KERNEL;
+#else
+    (void)info; // who sent it cannot be told
+    return signal == SIGHUP;
+#endif
+}
+
 /// A signal's handler: only calls that are safe in one.
-void note(int /*signal*/)
+void note(int signal, siginfo_t* info, void* /*context*/)
 {
     const int savedError = errno;
     const char byte = 0;
     (void)!write(pipeEnds[1], &byte, 1);
+    if (!isKernelsHangup(signal, *info)) {
+        const auto index = static_cast<std::size_t>(signal);
+        if (seen[index] != 0) {
+            std::signal(signal, SIG_DFL);
+            (void)raise(signal); // held back until this returns
+        }
+        seen[index] = 1;
+    }
     errno = savedError;
 }
 
@@ -33,8 +56,8 @@ void handle(int signal)
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
         return;
     action = {};
-    action.sa_handler = note;
-    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND); // the next one ends the process
+    action.sa_sigaction = note;
+    action.sa_flags = SA_RESTART | SA_SIGINFO;
     sigaction(signal, &action, nullptr);
 }
 

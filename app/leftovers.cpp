@@ -4,6 +4,7 @@
 #include "unit/hidio.h"
 
 #include <QThread>
+#include <QThreadPool>
 
 #include <atomic>
 #include <chrono>
@@ -49,6 +50,7 @@ void giveBack()
 
 void giveBackAtExit()
 {
+    (void)QThreadPool::globalInstance(); // made first, so that it waits for its threads last
     std::atexit([] {
         limitTheEnd(EXIT_FAILURE); // unless the end has begun before, with its own code
         giveBack();

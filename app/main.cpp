@@ -42,7 +42,8 @@ int main(int argc, char** argv)
         logMessageOutput(type, message.toLocal8Bit().constData());
     });
 #endif
-    // Else every window has Qt load the driver for OpenGL, half of the start; nothing here draws with it.
+    // Otherwise Qt loads the OpenGL driver for every window, half of the start-up time; nothing here draws
+    // with it.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
     QNetworkProxyFactory::setUseSystemConfiguration(true);

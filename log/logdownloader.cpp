@@ -6,6 +6,7 @@
 #include "unit/percent.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QThread>
 #include <QTimer>
 
@@ -42,6 +43,8 @@ bool LogDownloader::claimFile(const QDateTime& start)
         logFile.setFileName(name);
         if (QFile(name).open(QIODevice::WriteOnly | QIODevice::NewOnly))
             return logFile.open(QIODevice::WriteOnly | QIODevice::Truncate); // nobody else's from now on
+        if (const QFileInfo taken(name); !taken.exists() && !taken.isSymLink())
+            return false; // the folder cannot be written, whatever the name
     }
     return false;
 }

@@ -17,8 +17,8 @@ namespace windowscale {
 double screenFactor(double dotsPerInch)
 {
     constexpr double normal = 96;
-    // A server that nobody told a resolution reports what its monitor measures, up to 108 or so: no wish for
-    // a larger window. The next step that anybody chooses is 120.
+    // A server that nobody told a resolution reports what its monitor measures, up to 108 or so,
+    // which is not a request for a larger window. The next step that anybody chooses is 120.
     constexpr double firstLarger = 112;
     return dotsPerInch < firstLarger ? 1 : dotsPerInch / normal;
 }
@@ -56,8 +56,8 @@ namespace {
 
 using windowscale::Need;
 
-/// Qt's offscreen platform has no desktop on which a user could have chosen its default font, which is larger
-/// than any desktop's: there the layout waits for a font that the program is told.
+/// Qt's offscreen platform invents a default font that no user chose, larger than any desktop's. It must not
+/// stretch the layout; only a font that was set does.
 bool isFontChosen()
 {
     return QGuiApplication::platformName() != "offscreen" || QApplication::font().resolve() != 0;

@@ -8,7 +8,7 @@
 
 /// The calls on a unit: the only place where the HID library is given a handle. A deck that did not open has
 /// none; every call on it fails like a call on an unplugged unit, and the HID library never sees a null
-/// handle. At the program's end all calls fail so. Any thread.
+/// handle. Once the program is ending, every write fails in the same way. Any thread.
 namespace hidio {
 
 /// Result of a write or read that failed (hidapi.h).

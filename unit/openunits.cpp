@@ -33,7 +33,7 @@ bool OpenUnits::closeAll(std::chrono::milliseconds limit, const std::function<vo
     if (!calm || endlessCalls > 0)
         return false;
     for (hid_device* unit : std::exchange(units, {}))
-        close(unit); // under the lock: whoever else comes to end the process waits for it
+        close(unit); // under the lock: another thread that ends the process waits
     return true;
 }
 

@@ -8,8 +8,8 @@
 
 using hid_device = struct hid_device_;
 
-/// The units that are open, and the calls under way on them: at the program's end they are closed under
-/// nobody's hands, whichever thread uses them. Any thread.
+/// The units that are open, and the calls under way on them: when the program ends, none is
+/// closed while a thread is using it. Any thread.
 class OpenUnits
 {
 public:

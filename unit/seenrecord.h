@@ -6,7 +6,7 @@
 #include <optional>
 
 /// What the search for a unit makes of the records that the HID library lists under a unit's IDs, and what
-/// the diagnostics say of a unit that is there but cannot be had. Words for whoever helps its user: the
+/// the diagnostics say of a unit that is present but cannot be used. Meant for whoever helps the user: the
 /// window says only that no unit was found.
 namespace seenrecord {
 

@@ -105,7 +105,7 @@ void tst_blockedwrites::blockedForLong()
     QFETCH(Deed, end);
     Program program(desktop);
     MUST(endInBlockedWrite(program, forLong, block, end));
-    MUST(program.waitForExit(0)); // long before the write ends
+    MUST(program.waitForPromptExit(0)); // long before the write ends
     QCOMPARE(scenario::journal(program).last(), QString("not-taken"));
 }
 

@@ -1,4 +1,4 @@
-// Units are closed under nobody's hands, each once, whichever threads use them.
+// Units are closed once each, and none while a thread is using it.
 
 #include "unit/openunits.h"
 
