@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int wholeSize = 300'000; ///< five thousand reports: more would only make the same figure steadier
+constexpr int wholeSize = 1'000'000;
 constexpr int wholeReports = wholeSize / 60 + 1;
 constexpr int bareReports = 3000;
 constexpr int smallSize = 6000;
