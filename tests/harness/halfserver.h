@@ -2,6 +2,7 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 
 /// Answers as a proxy for an update server that falls silent in the middle of an image.
 class HalfServer : public QTcpServer
@@ -22,18 +23,37 @@ public:
 private:
     static void answer(QTcpSocket& client, int updaterVersion)
     {
-        constexpr int imageSize = 1'000'000;
         const QByteArray request = client.readAll();
-        const bool isImage = request.contains("HB4.sb");
         QByteArray body = "Faster.\n";
+        if (request.contains("HB4.sb")) {
+            sendHalf(client);
+            return;
+        }
         if (request.contains("versions.txt"))
             body = "MainVer=" + QByteArray::number(updaterVersion) +
                    "\nMainChangeLog=http://host/updater.txt\nMacMainBin=http://host/updater.zip\nHB4Ver=28\n"
                    "HB4Bin=http://host/HB4.sb\nHB4ChangeLog=http://host/HB4.txt\n";
-        if (isImage)
-            body = QByteArray(imageSize / 2, 'i');
-        const int announced = isImage ? imageSize : body.size();
-        client.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(announced) + "\r\n\r\n" +
-                     body);
+        client.write(header(body.size()) + body);
+    }
+
+    static QByteArray header(int size)
+    {
+        return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(size) + "\r\n\r\n";
+    }
+
+    /// In pieces: Qt tells of no progress before an answer has been coming for a while.
+    static void sendHalf(QTcpSocket& client)
+    {
+        constexpr int pieces = 20;
+        constexpr int pieceSize = 50'000;
+        constexpr int pauseMs = 50;
+        client.write(header(pieces * pieceSize));
+        auto* const timer = new QTimer(&client);
+        connect(timer, &QTimer::timeout, &client, [&client, timer, sent = 0]() mutable {
+            client.write(QByteArray(pieceSize, 'i'));
+            if (++sent == pieces / 2)
+                timer->stop();
+        });
+        timer->start(pauseMs);
     }
 };
