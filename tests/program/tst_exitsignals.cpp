@@ -1,6 +1,7 @@
 // The ends that come from outside: signals, and the loss of the display. In every phase the unit is given
 // back.
 
+#include "processtime.h"
 #include "program.h"
 #include "scenario.h"
 #include "updateserver.h"
@@ -186,6 +187,7 @@ void tst_exitsignals::signalWhileTheHeaderIsAwaited()
     MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
     MUST(scenario::startWithUnit(program, server.proxy(), ",fault=header-never-comes"));
     MUST(scenario::fetchLog(program, "log-request number=1"));
+    QTRY_VERIFY(isAsleep(program.processId())); // the worker is in its read
     program.sendSignal(signal);
     MUST(program.waitForPromptExit(0));
     QVERIFY(!scenario::journal(program).contains("closed"));
