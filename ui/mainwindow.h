@@ -135,8 +135,7 @@ private:
     int fakeProgressActive = 0; ///< 1: the installation's bar creeps
     hid_device* device = nullptr;
     hid_device* secondDevice = nullptr;
-    std::unique_ptr<hid_device_info>
-        pendingDeckInfo; ///< the first deck seen: product ID, and pendingDeckPath
+    std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen: product ID and path
     std::uint8_t deckCount = 1;
     bool firstDeckSeen = false;
     std::array<unsigned char, 25> reserveBlock{}; ///< zeroed, without use
