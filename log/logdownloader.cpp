@@ -1,9 +1,9 @@
 #include "log/logdownloader.h"
 
+#include "base/percent.h"
 #include "log/logfilename.h"
 #include "log/logprotocol.h"
 #include "unit/hidio.h"
-#include "unit/percent.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

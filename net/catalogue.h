@@ -1,6 +1,6 @@
 #pragma once
 
-#include "unit/unittype.h"
+#include "base/version.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -13,7 +13,7 @@ namespace catalogue {
 inline constexpr int reportedSize = 10245;
 
 /// Catalogue version of the updater itself from which on it is newer than this one.
-inline constexpr int UPDATER_VERSION_THRESHOLD = 12;
+inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;
 
 using Entries = QMap<QString, QString>;
 

@@ -1,8 +1,9 @@
 #include "net/updatechecker.h"
 
+#include "base/percent.h"
+#include "base/sizelimit.h"
 #include "net/catalogue.h"
 #include "net/plainaddress.h"
-#include "unit/percent.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -136,10 +137,10 @@ QByteArray UpdateChecker::takePiece()
     return piece;
 }
 
-/// Gives the request up, as a network error, once it has brought more than `largestAnswer` bytes.
+/// Gives the request up, as a network error, once it has brought more than `sizeLimit` bytes.
 void UpdateChecker::giveUpEndless()
 {
-    if (received <= largestAnswer)
+    if (received <= sizeLimit)
         return;
     // One more report of progress would start the clock again.
     // clang-format off

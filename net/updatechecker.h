@@ -13,9 +13,6 @@
 class QAuthenticator;
 class QTimer;
 
-/// Bytes of one answer, or of an image on disk; more is no catalogue, change log or image (15 MB are large).
-inline constexpr qint64 largestAnswer = 64LL * 1024 * 1024;
-
 /// The only HTTP client: the version catalogue, change logs and firmware images, one request at a time.
 /// Lives on the GUI thread. Every problem is told by youHaveProblem; the detail stands in the diagnostics.
 class UpdateChecker : public QObject

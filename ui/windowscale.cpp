@@ -1,7 +1,7 @@
 #include "ui/windowscale.h"
 
-#include "ui/labeltexts.h"
 #include "ui_mainwindow.h"
+#include "update/labeltexts.h"
 
 #include <QApplication>
 #include <QEvent>

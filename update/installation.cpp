@@ -1,7 +1,7 @@
-#include "ui/labeltexts.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
+#include "update/labeltexts.h"
 #include "update/sleepinhibitor.h"
 #include "update/transferprotocol.h"
 #include "update/transferstate.h"

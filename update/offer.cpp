@@ -1,7 +1,7 @@
-#include "app/version.h"
-#include "ui/labeltexts.h"
+#include "base/version.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
+#include "update/labeltexts.h"
 #include "update/shownversion.h"
 
 #include <QCoreApplication>
@@ -46,8 +46,8 @@ void MainWindow::onFindNewVersion(QString newVersion, QString detailText)
 
 void MainWindow::onFindMainNewVersion(QString newVersion, QString detailText)
 {
-    const Answer answer = offer("Your Talvex updater version: 0." + QString::number(updaterVersion) +
-                                    "\nLatest version: 0." + QString::number(newVersion.toInt()),
+    const Answer answer = offer("Your Talvex updater version: " + shownUpdaterVersion(updaterVersion) +
+                                    "\nLatest version: " + shownUpdaterVersion(newVersion.toInt()),
                                 detailText);
     if (answer == Answer::yes)
         emit needDownloadNewMainFirmware();

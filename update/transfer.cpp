@@ -1,4 +1,4 @@
-#include "net/updatechecker.h"
+#include "base/sizelimit.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
@@ -49,7 +49,7 @@ void MainWindow::updateDevice()
 bool MainWindow::readImage()
 {
     firmwareData.clear();
-    if (updaterFile.open(QIODevice::ReadOnly) && updaterFile.size() <= largestAnswer)
+    if (updaterFile.open(QIODevice::ReadOnly) && updaterFile.size() <= sizeLimit)
         firmwareData = updaterFile.readAll();
     const bool whole = updaterFile.error() == QFile::NoError && firmwareData.size() == updaterFile.size();
     updaterFile.close();

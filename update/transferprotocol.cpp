@@ -1,6 +1,6 @@
 #include "update/transferprotocol.h"
 
-#include "unit/percent.h"
+#include "base/percent.h"
 
 #include <algorithm>
 

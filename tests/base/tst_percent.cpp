@@ -1,4 +1,4 @@
-#include "unit/percent.h"
+#include "base/percent.h"
 
 #include <QtTest>
 

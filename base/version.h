@@ -1,0 +1,5 @@
+#pragma once
+
+/// The updater's own version: "11" in the window's title, "0.11" in the offer of a newer one. CMake reads it
+/// from this line.
+inline constexpr int updaterVersion = 11;
