@@ -13,6 +13,8 @@
 #include <QProgressBar>
 #include <QThread>
 
+#include <hidapi.h>
+
 #include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>

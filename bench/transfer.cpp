@@ -12,6 +12,8 @@
 #include <QProgressBar>
 #include <QTimer>
 
+#include <hidapi.h>
+
 #include <cstdlib>
 
 namespace {

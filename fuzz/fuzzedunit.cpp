@@ -1,5 +1,7 @@
 #include "fuzz/fuzzedunit.h"
 
+#include <hidapi.h>
+
 #include <algorithm>
 #include <array>
 

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "unit/hidhandle.h"
 #include "unit/report.h"
 
 #include <QByteArray>
 #include <QDateTime>
 #include <QFile>
 #include <QObject>
-
-#include <hidapi.h>
 
 #include <atomic>
 #include <mutex>

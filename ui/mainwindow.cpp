@@ -9,6 +9,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include <hidapi.h>
+
 namespace {
 
 struct Connection

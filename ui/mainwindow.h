@@ -1,13 +1,12 @@
 #pragma once
 
+#include "unit/hidhandle.h"
 #include "unit/unittype.h"
 
 #include <QByteArray>
 #include <QFile>
 #include <QMainWindow>
 #include <QString>
-
-#include <hidapi.h>
 
 #include <array>
 #include <cstdint>

@@ -3,6 +3,8 @@
 
 #include <QMessageBox>
 
+#include <hidapi.h>
+
 namespace {
 
 /// False, with a line in the diagnostics where one helps, for a record that is no unit that can be opened.

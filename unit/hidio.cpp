@@ -1,6 +1,9 @@
 #include "unit/hidio.h"
 
 #include "unit/openunits.h"
+#include "unit/report.h"
+
+#include <hidapi.h>
 
 #include <atomic>
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "unit/report.h"
-
-#include <hidapi.h>
+#include "unit/hidhandle.h"
 
 #include <chrono>
 

@@ -1,9 +1,12 @@
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "unit/hidio.h"
+#include "unit/report.h"
 #include "unit/seenrecord.h"
 
 #include <QMessageBox>
+
+#include <hidapi.h>
 
 namespace {
 

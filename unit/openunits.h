@@ -1,12 +1,12 @@
 #pragma once
 
+#include "unit/hidhandle.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <vector>
-
-using hid_device = struct hid_device_;
 
 /// The units that are open, and the calls under way on them: when the program ends, none is
 /// closed while a thread is using it. Any thread.

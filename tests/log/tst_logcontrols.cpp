@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QtTest>
 
+#include <hidapi.h>
+
 namespace {
 
 /// Attaches a single unit and opens it for the window, as a press of Connect does.

@@ -1,5 +1,7 @@
 #include "support/transferdesk.h"
 
+#include <hidapi.h>
+
 #include <algorithm>
 
 namespace {

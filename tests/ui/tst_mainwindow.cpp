@@ -13,6 +13,8 @@
 #include <QToolBar>
 #include <QtTest>
 
+#include <hidapi.h>
+
 #include <algorithm>
 
 class TestMainWindow : public QObject

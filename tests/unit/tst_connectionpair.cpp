@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <hidapi.h>
+
 namespace {
 
 constexpr hid_device* noHandle = nullptr;

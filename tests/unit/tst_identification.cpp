@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <hidapi.h>
+
 namespace {
 
 constexpr int notGiven = -1; // of a result

@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <hidapi.h>
+
 namespace {
 
 Bytes firstReport(std::uint8_t version)
