@@ -3,16 +3,10 @@
 #include "unit/unittype.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace seenrecord {
 
 namespace {
-
-/// The HID product strings that make a device acceptable, whatever its product ID is (meant so).
-constexpr std::array unitProductNames{
-    L"HB2",    L"HB4", L"PLT-70", L"PLT-65", L"TRK-300 L", L"TRK-300 R", L"TRK-900 L", L"TRK-900 R", L"PANEL",
-    L"PANEL4", L"HBX", L"DSK-10", L"DSK-9",  L"DSK-6",     L"DSK-5",     L"LMB-1",     L"LMB-2"};
 
 #ifdef Q_OS_LINUX
 constexpr auto remedy =
@@ -42,8 +36,7 @@ Kind kindOf(const wchar_t* product, const char* path)
 {
     if (product == nullptr)
         return Kind::nameless;
-    if (std::find(unitProductNames.begin(), unitProductNames.end(), std::wstring_view(product)) ==
-        unitProductNames.end())
+    if (!isProductName(product))
         return Kind::foreign;
     return path == nullptr ? Kind::pathless : Kind::unit;
 }

@@ -17,7 +17,7 @@ struct Identity
 
 /// The two mixers without an accepted product string of their own carry that of the first model, so that they
 /// can be connected; an option gives them any other.
-inline constexpr std::array<Identity, 17> identities{{
+inline constexpr auto identities = std::to_array<Identity>({
     {UNIT_HB4, "hb4", "HB4"},
     {UNIT_HB2, "hb2", "HB2"},
     {UNIT_HBX, "hbx", "HBX"},
@@ -35,7 +35,7 @@ inline constexpr std::array<Identity, 17> identities{{
     {UNIT_TRK900_LEFT, "trk900-left", "TRK-900 L"},
     {UNIT_TRK900_RIGHT, "trk900-right", "TRK-900 R"},
     {UNIT_PLT65, "plt65", "PLT-65"},
-}};
+});
 
 static_assert(
     [] {
