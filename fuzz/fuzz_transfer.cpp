@@ -46,7 +46,7 @@ void prepare(UnitType type, bool pair, const QByteArray& image)
     window->fakeProgressActive = 0;
     window->installationBoxes = 0;
     window->endTold = false;
-    fakeProgressValue = fakeProgressTick = 0;
+    transferstate::fakeProgressValue = transferstate::fakeProgressTick = 0;
     for (const char* name : {"progressBarTransfer", "progressBarUpdate"})
         window->findChild<QProgressBar*>(name)->setValue(0);
 }

@@ -13,6 +13,9 @@
 
 namespace {
 
+using transferstate::fakeProgressTick;
+using transferstate::fakeProgressValue;
+
 constexpr int pollReadMs = 100;
 constexpr int mostBoxes = 16; // open at once; thousands of nested ones would end in a stack overflow
 constexpr int complete = 100; ///< per cent

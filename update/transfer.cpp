@@ -14,6 +14,8 @@
 
 namespace {
 
+using transferstate::transferTimer;
+
 constexpr int tickMs = 1;
 constexpr int acceptanceReadMs = 1;
 

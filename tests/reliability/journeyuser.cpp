@@ -22,8 +22,8 @@ void Journey::goOn()
             if (before)
                 before(*this);
             QTest::mouseClick(button, Qt::LeftButton);
-            if (transferTimer != nullptr)
-                connect(transferTimer, &QTimer::timeout, this, &Journey::lookAtThePhase,
+            if (transferstate::transferTimer != nullptr)
+                connect(transferstate::transferTimer, &QTimer::timeout, this, &Journey::lookAtThePhase,
                         Qt::UniqueConnection);
         });
     };

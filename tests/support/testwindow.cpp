@@ -36,10 +36,10 @@ void clearProgramDirectory()
 void clearProgramState()
 {
     sleepinhibitor::release();
-    delete transferTimer;
-    transferTimer = nullptr;
-    fakeProgressValue = 0;
-    fakeProgressTick = 0;
+    delete transferstate::transferTimer;
+    transferstate::transferTimer = nullptr;
+    transferstate::fakeProgressValue = 0;
+    transferstate::fakeProgressTick = 0;
 }
 
 } // namespace

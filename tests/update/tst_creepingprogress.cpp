@@ -53,8 +53,8 @@ void TestCreepingProgress::inactive()
     desk.window->applyingPhase = 1;
     virtualbus::unplug(desk.unit->number);
     desk.tick(20);
-    QCOMPARE(fakeProgressValue, 0);
-    QCOMPARE(fakeProgressTick, 0);
+    QCOMPARE(transferstate::fakeProgressValue, 0);
+    QCOMPARE(transferstate::fakeProgressTick, 0);
 }
 
 void TestCreepingProgress::alsoWhileTheImageIsSent()
@@ -72,22 +72,22 @@ void TestCreepingProgress::beforeAnythingElseInATick()
     desk.window->applyingPhase = 1;
     desk.unit->sayStatus(0xE0);
     desk.tick(); // starts the creeping, does not step
-    QCOMPARE(fakeProgressTick, 0);
+    QCOMPARE(transferstate::fakeProgressTick, 0);
     desk.unit->sayStatus(0x05);
     desk.tick();
-    QCOMPARE(fakeProgressTick, 1);
+    QCOMPARE(transferstate::fakeProgressTick, 1);
     QVERIFY(quits([&] {
         desk.unit->sayStatus(0xF0);
         desk.tick(); // steps to 0, then finishes
     }));
-    QCOMPARE(fakeProgressValue, 1);
+    QCOMPARE(transferstate::fakeProgressValue, 1);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), 100);
 }
 
 void TestCreepingProgress::goesOnWhereTheLastOneStopped()
 {
     TransferDesk desk(UNIT_HB4);
-    fakeProgressValue = 40; // of an earlier installation
+    transferstate::fakeProgressValue = 40; // of an earlier installation
     desk.window->applyingPhase = 1;
     virtualbus::unplug(desk.unit->number);
     desk.window->fakeProgressActive = 1;
@@ -99,7 +99,7 @@ void TestCreepingProgress::goesOnWhereTheLastOneStopped()
 void TestCreepingProgress::silentUnit()
 {
     TransferDesk desk(UNIT_HB4);
-    fakeProgressValue = 97;
+    transferstate::fakeProgressValue = 97;
     placeFile("updater.sb", imageOf(10));
     desk.window->applyingPhase = 1;
     desk.unit->sayStatus(0xE0);

@@ -12,6 +12,8 @@ using Trouble = std::function<void(TransferDesk&)>;
 
 namespace {
 
+using transferstate::transferTimer;
+
 void timeOut(TransferDesk& desk)
 {
     desk.unit->sayStatus(0xA5);
