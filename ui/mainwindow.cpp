@@ -4,6 +4,7 @@
 #include "net/updatechecker.h"
 #include "ui/windowscale.h"
 #include "ui_mainwindow.h"
+#include "update/imagestore.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -30,9 +31,7 @@ void connectChecked(const Connection& connection)
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent),
-      ui(std::make_unique<Ui_MainWindow>()),
-      updaterFile(QCoreApplication::applicationDirPath() + "/updater.sb")
+    : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()), updaterFile(ImageStore::imagePath())
 {
     ui->setupUi(this);
     scale = std::make_unique<WindowScale>(*this, *ui);

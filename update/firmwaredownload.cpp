@@ -1,20 +1,11 @@
 #include "net/updatechecker.h"
 #include "update/imagestore.h"
-#include "update/openeraddress.h"
 
-#include <QCoreApplication>
-#include <QProcess>
 #include <QTimer>
 
 namespace {
 
-#if defined(Q_OS_MACOS)
-constexpr auto opener = "open";
-#elif defined(Q_OS_WIN)
-constexpr auto opener = "explorer";
-#else
-constexpr auto opener = "xdg-open";
-#endif
+constexpr auto notSaved = "Error saving firmware to disk."; ///< shown, and in the diagnostics
 
 /// True for any content encoding but "identity", which is none.
 bool isEncoded(const QNetworkReply& answer)
@@ -66,29 +57,22 @@ void UpdateChecker::replyFinishedOnDone()
 void UpdateChecker::storeFirmware()
 {
     const auto problem = [this](const char* logLine) {
-        emit youHaveProblem(QStringLiteral("Error saving firmware to disk."),
-                            QStringLiteral("Check the HD, connections between PC and the unit and to try the "
-                                           "update again."));
+        emit youHaveProblem(
+            notSaved,
+            QStringLiteral("Check the HD, connections between PC and the unit and to try the update again."));
         qErrnoWarning("%s", logLine);
     };
     const QString error = reply->errorString();
-    const ImageStore store(QCoreApplication::applicationDirPath() + "/updater.sb");
+    const ImageStore store;
     const bool written = store.writeDownload(firmwareData);
     if (!written)
         problem("Error saving firmware to disk.");
     // Meant so: also without a download, so that the old image is never taken for the new one.
     const bool replaced = store.replaceImage();
     if (written && !replaced)
-        problem("Error saving firmware to disk.");
+        problem(notSaved);
     if (!store.hasImage()) {
         problem("Error not found update file");
         emit checkversionError(error);
     }
-}
-
-void UpdateChecker::onNeedDownloadNewMainFirmware()
-{
-    if (!QProcess::startDetached(opener, {openerAddress(mainBinUrl)}))
-        qErrnoWarning("Can't start %s", opener);
-    emit startDownloadMainUpdate();
 }

@@ -1,5 +1,6 @@
 #include "update/imagestore.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,8 +24,13 @@ bool sync(const QFile& file)
 
 } // namespace
 
-ImageStore::ImageStore(const QString& imagePath)
-    : imageName(imagePath), downloadName(imagePath + ".upd"), backupName(imagePath + ".bkp")
+QString ImageStore::imagePath()
+{
+    return QCoreApplication::applicationDirPath() + '/' + imageFile;
+}
+
+ImageStore::ImageStore(const QString& path)
+    : imageName(path), downloadName(path + downloadSuffix), backupName(path + backupSuffix)
 {
 }
 

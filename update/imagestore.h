@@ -3,17 +3,24 @@
 #include <QByteArray>
 #include <QString>
 
-/// The firmware image on disk: the image itself, the new download beside it (".upd") and the backup of the
-/// previous image (".bkp"). At every moment the previous image or the new one is whole under one of the
+/// The firmware image on disk: the image itself, the new download beside it and the backup of the previous
+/// image. At every moment the previous image or the new one is whole under one of the
 /// three names, also when the process is killed.
 class ImageStore
 {
 public:
-    explicit ImageStore(const QString& imagePath);
+    static constexpr auto imageFile = "updater.sb";
+    static constexpr auto downloadSuffix = ".upd";
+    static constexpr auto backupSuffix = ".bkp";
 
-    /// Removes the ".upd" file of an earlier download and, unless it is the only image there is, the ".bkp"
-    /// file; writes `image` to ".upd".
-    /// False if it could not be created or does not hold every byte; nothing is left at ".upd" then.
+    /// The image's path: beside the program, wherever it was started.
+    [[nodiscard]] static QString imagePath();
+
+    explicit ImageStore(const QString& path = imagePath());
+
+    /// Removes an earlier download and, unless it is the only image there is, the backup; writes `image` as
+    /// the new download.
+    /// False if it could not be created or does not hold every byte; no download is left then.
     [[nodiscard]] bool writeDownload(const QByteArray& image) const;
 
     /// Makes the image the backup and the download the image. With no image before, no backup is left.
