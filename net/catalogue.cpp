@@ -27,6 +27,12 @@ Entries parse(const QByteArray& bytes)
     return entries;
 }
 
+QString keyStem(UnitType type)
+{
+    const UnitModel* model = findUnitModel(type);
+    return model != nullptr ? model->catalogueStem : "HB2";
+}
+
 Offer lookUp(const Entries& entries, const QString& stem)
 {
     Offer offer;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/version.h"
+#include "unit/unittype.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -42,7 +43,11 @@ enum class Decision {
 /// their blanks; a later line replaces an earlier one of the same key; lines without "=" are remarks.
 [[nodiscard]] Entries parse(const QByteArray& bytes);
 
-/// The entries under the model's key stem, for example "HB4" or "PLT70", and the updater's own.
+/// What the model's keys begin with, for example "HB4" or "PLT70". Intentional: "HB2" for a type without a
+/// model.
+[[nodiscard]] QString keyStem(UnitType type);
+
+/// The entries under this key stem, and the updater's own.
 [[nodiscard]] Offer lookUp(const Entries& entries, const QString& stem);
 
 /// Compares the offer with the unit's version in decimal text.

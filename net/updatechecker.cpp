@@ -189,17 +189,18 @@ void UpdateChecker::replyFinished()
         return;
     }
     if (infoData.size() > catalogue::reportedSize)
-        exitSlot(); // meant so: only a warning, the catalogue is used all the same
-    const UnitModel* model = findUnitModel(unitType);
-    if (model == nullptr)
+        exitSlot(); // intentional: only a warning, the catalogue is used all the same
+    if (findUnitModel(unitType) == nullptr)
         qErrnoWarning("Can't recog unitType %d", static_cast<int>(unitType));
-    act(model != nullptr ? model->catalogueStem : "HB2");
+    act();
 }
 
-/// Takes over what the catalogue says under this key stem and does what follows from it.
-void UpdateChecker::act(const QString& stem)
+/// Takes over what the catalogue says for the unit's model and does what follows from it. Intentional: on the
+/// updater's road infoData is kept.
+void UpdateChecker::act()
 {
-    const catalogue::Offer offer = catalogue::lookUp(catalogue::parse(infoData), stem);
+    const catalogue::Offer offer =
+        catalogue::lookUp(catalogue::parse(infoData), catalogue::keyStem(unitType));
     newVersion = offer.newVersion;
     binUrl = offer.binUrl;
     changeLogUrl = offer.changeLogUrl;
@@ -225,7 +226,7 @@ void UpdateChecker::act(const QString& stem)
         emit youHaveLastVersion();
 }
 
-/// Reports a change log that did not arrive; its text so far stays, meant so, in front of the next one.
+/// Reports a change log that did not arrive. Intentional: its text so far stays in front of the next one.
 bool UpdateChecker::changeLogFailed(const char* logLine)
 {
     timeoutTimer->stop();

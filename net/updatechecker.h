@@ -75,7 +75,7 @@ private:
     void releaseReply();
     void reportProblem();
     void reportFailedDownload(const char* logLine);
-    void act(const QString& stem);
+    void act();
     void storeFirmware();
     [[nodiscard]] bool changeLogFailed(const char* logLine);
 

@@ -1,6 +1,7 @@
 #include "ui/mainwindow.h"
 
 #include "log/logdownloader.h"
+#include "log/logoffer.h"
 #include "net/updatechecker.h"
 #include "ui/windowscale.h"
 #include "ui_mainwindow.h"
@@ -134,10 +135,11 @@ void MainWindow::startUpdateCheck()
     updateChecker->checkUpdate();
 }
 
-/// With one single unit connected, no update or log begun, and no answer of the update server awaited: an
-/// image that arrives would enable Update Device in mid-log.
 bool MainWindow::mayOfferLog() const
 {
-    const bool logBegun = !ui->stopDownloadingFile->isHidden();
-    return device != nullptr && deckCount == 1 && !updateBegun && !logBegun && !updateChecker->isBusy();
+    return logoffer::isAllowed({.unitIsOpen = device != nullptr,
+                                .isPair = deckCount == 2,
+                                .updateHasBegun = updateBegun,
+                                .logHasBegun = !ui->stopDownloadingFile->isHidden(),
+                                .answerIsAwaited = updateChecker->isBusy()});
 }

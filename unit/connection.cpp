@@ -5,14 +5,17 @@
 
 #include <hidapi.h>
 
+#include <utility>
+
 namespace {
 
-/// False, with a line in the diagnostics where one helps, for a record that is no unit that can be opened.
-bool isUsable(const hid_device_info& record)
+/// Writes the diagnostics of the records that the search has passed, up to the one that ended it.
+void reportSkipped(const hid_device_info* first, const hid_device_info* end)
 {
-    if (const auto line = seenrecord::lineForSkipped(record.product_id, record.product_string, record.path))
-        qWarning("%s", qUtf8Printable(*line));
-    return seenrecord::kindOf(record.product_string, record.path) == seenrecord::Kind::unit;
+    for (const hid_device_info* record = first; record != end; record = record->next)
+        if (const auto line =
+                seenrecord::lineForSkipped(record->product_id, record->product_string, record->path))
+            qWarning("%s", qUtf8Printable(*line));
 }
 
 bool isDeck(const UnitModel& model)
@@ -50,29 +53,18 @@ bool MainWindow::searchModel(const UnitModel& model, int& result)
     const std::unique_ptr<hid_device_info, FreeEnumeration> list(
         hid_enumerate(unitVendorId, model.productId));
 
-    hid_device_info* taken = nullptr;
-    for (hid_device_info* record = list.get(); record != nullptr && taken == nullptr; record = record->next) {
-        if (!isUsable(*record))
-            continue;
-        if (!isDeck(model)) {
-            taken = record;
-        } else if (!firstDeckSeen) {
-            rememberFirstDeck(*record);
-        } else {
-            deckCount = 2;
-            findDevice(record, result);
-            firstDeckSeen = false;
-            return true;
-        }
-    }
+    const seenrecord::Choice choice = seenrecord::choose(list.get(), isDeck(model), firstDeckSeen);
+    reportSkipped(list.get(), choice.chosen);
+    if (choice.firstDeck != nullptr)
+        rememberFirstDeck(*choice.firstDeck);
+    if (isDeck(model) && choice.chosen != nullptr)
+        deckCount = 2;
 
     // A deck without its twin waits for the next model, unless a pair was open already when the search began.
     if (!firstDeckSeen || deckCount == 2) {
-        findDevice(taken, result);
-        if (firstDeckSeen) {
-            firstDeckSeen = false;
+        findDevice(choice.chosen, result);
+        if (std::exchange(firstDeckSeen, false))
             return true;
-        }
     }
     return result == 0 && deckCount != 2;
 }

@@ -2,6 +2,8 @@
 
 #include "unit/unittype.h"
 
+#include <hidapi.h>
+
 #include <algorithm>
 
 namespace seenrecord {
@@ -39,6 +41,21 @@ Kind kindOf(const wchar_t* product, const char* path)
     if (!isProductName(product))
         return Kind::foreign;
     return path == nullptr ? Kind::pathless : Kind::unit;
+}
+
+Choice choose(hid_device_info* first, bool isDeck, bool firstDeckSeen)
+{
+    Choice choice;
+    for (hid_device_info* record = first; record != nullptr; record = record->next) {
+        if (kindOf(record->product_string, record->path) != Kind::unit)
+            continue;
+        if (!isDeck || firstDeckSeen || choice.firstDeck != nullptr) {
+            choice.chosen = record;
+            break;
+        }
+        choice.firstDeck = record;
+    }
+    return choice;
 }
 
 std::optional<QString> lineForSkipped(std::uint16_t productId, const wchar_t* product, const char* path)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "unit/hidhandle.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -9,6 +11,17 @@
 /// the diagnostics say of a unit that is present but cannot be used. Meant for whoever helps the user: the
 /// window says only that no unit was found.
 namespace seenrecord {
+
+/// What the search does with the records listed for one model.
+struct Choice
+{
+    hid_device_info* chosen = nullptr;    ///< a single unit, or the deck that completes a pair; ends the walk
+    hid_device_info* firstDeck = nullptr; ///< a deck that has to wait for its twin
+};
+
+/// Walks the records from `first` on, in their order. `isDeck`: they are decks, `firstDeckSeen`: one of the
+/// two was seen before. The records stay those of the list.
+[[nodiscard]] Choice choose(hid_device_info* first, bool isDeck, bool firstDeckSeen);
 
 /// How a record looks before anything is opened.
 enum class Kind {

@@ -14,6 +14,7 @@
 
 namespace {
 
+using transferprotocol::PacketKind;
 using transferstate::transferTimer;
 
 constexpr int tickMs = 1;
@@ -170,21 +171,21 @@ void MainWindow::writeRequest(hid_device* unit, const unsigned char* request)
     applyingPhase = 1;
 }
 
-/// Writes the next packet: a full data packet while 60 bytes are left, then the final one, also for 0 bytes.
+/// Writes the next packet.
 void MainWindow::transfer(unsigned char* buffer, int /*unused*/)
 {
     ui->progressBarTransfer->setValue(transferprotocol::transferPercent(packetNumber, updateSize));
     ++packetNumber;
     const auto number = static_cast<std::uint32_t>(packetNumber);
-    const qint64 left = transferprotocol::bytesLeft(updateSize, packetNumber);
+    const PacketKind kind = transferprotocol::packetKind(updateSize, packetNumber);
     const transferprotocol::ImageBytes bytes = transferprotocol::packetBytes(firmwareData, packetNumber);
-    const bool isFinal = left >= 0 && left < static_cast<qint64>(report::dataLength);
-    const report::Output packet = isFinal ? transferprotocol::buildFinalPacket(layout(), number, bytes)
-                                          : transferprotocol::buildDataPacket(layout(), number, bytes);
+    const report::Output packet = kind == PacketKind::final
+                                      ? transferprotocol::buildFinalPacket(layout(), number, bytes)
+                                      : transferprotocol::buildDataPacket(layout(), number, bytes);
     std::copy(packet.begin(), packet.end(), buffer);
-    if (isFinal || left < 0)
+    if (kind != PacketKind::full)
         endTransferPhase();
-    if (left < 0) // meant so: the packet without data is written all the same
+    if (kind == PacketKind::behindTheEnd) // intentional: its packet is written all the same
         QMessageBox::critical(this, tr("Error"), tr("Cannot read from file updater"),
                               tr("Check the HD free space and try again."), QString(), QString(), 0, -1);
     const int written = hidio::write(device, buffer);

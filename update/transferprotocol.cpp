@@ -57,6 +57,14 @@ qint64 bytesLeft(qint64 imageSize, int number)
     return imageSize - (number * dataLength - dataLength);
 }
 
+PacketKind packetKind(qint64 imageSize, int number)
+{
+    const qint64 left = bytesLeft(imageSize, number);
+    if (left < 0)
+        return PacketKind::behindTheEnd;
+    return left < dataLength ? PacketKind::final : PacketKind::full;
+}
+
 ImageBytes packetBytes(const QByteArray& image, int number)
 {
     const qint64 left = bytesLeft(image.size(), number);

@@ -54,6 +54,15 @@ using ImageBytes = std::span<const unsigned char>;
 /// Negative where the packet would begin behind the image's end.
 [[nodiscard]] qint64 bytesLeft(qint64 imageSize, int number);
 
+enum class PacketKind {
+    full,         ///< a data packet of 60 bytes
+    final,        ///< 0 to 59 bytes: the image ends with it
+    behindTheEnd, ///< a data packet without data: the image has ended before
+};
+
+/// What packet `number` (from 1) of an image of `imageSize` bytes is.
+[[nodiscard]] PacketKind packetKind(qint64 imageSize, int number);
+
 /// The bytes that packet `number` (from 1) carries: at most 60, none behind the image's end.
 [[nodiscard]] ImageBytes packetBytes(const QByteArray& image, int number);
 
