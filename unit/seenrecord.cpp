@@ -12,8 +12,7 @@ namespace {
 
 #ifdef Q_OS_LINUX
 constexpr auto remedy =
-    " The udev rule 70-talvex-updater.rules gives permission; after installing it, plug the unit in "
-    "again.";
+    " The udev rule 70-talvex-updater.rules gives permission; after installing it, plug the unit in again.";
 #else
 constexpr auto remedy = "";
 #endif

@@ -40,9 +40,9 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
     case transferprotocol::digestDiffers:
         sleepinhibitor::release();
         openInstallationBox(false, [this] {
-            QMessageBox::critical(this, tr("Error"),
-                                  tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the "
-                                     "unit and to try the update again."));
+            QMessageBox::critical(
+                this, tr("Error"),
+                tr("Transfer failed. Wrong md5.\nCheck the connections between PC and the unit and to try the update again."));
         });
         break;
     case transferprotocol::installationFailed:
@@ -50,8 +50,7 @@ void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
         openInstallationBox(false, [this] {
             QMessageBox::critical(
                 this, tr("Error"),
-                tr("Updating failed. Wrong file or some internal error.\nCheck the connections "
-                   "between PC and the unit and to try the update again."));
+                tr("Updating failed. Wrong file or some internal error.\nCheck the connections between PC and the unit and to try the update again."));
         });
         break;
     default:
@@ -83,9 +82,7 @@ void MainWindow::showInstallationFinished()
     openInstallationBox(isFirst, [this] {
         QMessageBox::information(
             this, tr("Info"),
-            tr("Update installed correctly, please close program, and disconnect/power off "
-               "your controller.\nWhen reconnected/power ON your device will have the "
-               "latest software."));
+            tr("Update installed correctly, please close program, and disconnect/power off your controller.\nWhen reconnected/power ON your device will have the latest software."));
         QCoreApplication::quit();
     });
 }

@@ -68,9 +68,9 @@ void MainWindow::onChangeUpdateFileName(QString filename)
 
 void MainWindow::onStartDownloadMainUpdate()
 {
-    QMessageBox::information(this, tr("Info"),
-                             tr("Wait for download new Talvex Updater.\nClose program and insall new version "
-                                "Talvex Updater.\nTry again update unit.")); // spelt so
+    QMessageBox::information(
+        this, tr("Info"),
+        tr("Wait for download new Talvex Updater.\nClose program and insall new version Talvex Updater.\nTry again update unit.")); // intentional spelling
     QCoreApplication::quit();
 }
 

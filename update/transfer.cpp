@@ -123,13 +123,11 @@ void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
         return std::find(statuses.begin(), statuses.end(), code) != statuses.end();
     };
     if (anyIs(transferprotocol::transferTimedOut))
-        abandonTransfer(
-            tr("Transfer timeout failed.\nCheck the connections between PC and the unit and to try "
-               "the update again."));
+        abandonTransfer(tr(
+            "Transfer timeout failed.\nCheck the connections between PC and the unit and to try the update again."));
     if (anyIs(transferprotocol::packetsSkipped))
-        abandonTransfer(
-            tr("Transfer failed. Packets skipped.\nCheck the connections between PC and the unit and "
-               "to try the update again."));
+        abandonTransfer(tr(
+            "Transfer failed. Packets skipped.\nCheck the connections between PC and the unit and to try the update again."));
 }
 
 void MainWindow::abandonTransfer(const QString& text)
