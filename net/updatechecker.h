@@ -89,7 +89,7 @@ private:
     QNetworkAccessManager networkManager;
     QNetworkReply* reply = nullptr; ///< owned by networkManager
     UnitType unitType = UNIT_HB4;
-    unsigned char curVersionByte = 0;
+    unsigned char curVersionByte = 0; ///< intentional: never read
     QString curVersion;
     QByteArray infoData;
     QByteArray firmwareData;

@@ -37,7 +37,7 @@ MainWindow::MainWindow(QWidget* parent)
     ui->setupUi(this);
     scale = std::make_unique<WindowScale>(*this, *ui);
     pendingDeckInfo = std::make_unique<hid_device_info>();
-    // These two live to the process's end, meant so: a reply or a read may still be under way.
+    // Intentional: these two live until the process ends; a reply or a read may still be under way.
     updateChecker = new UpdateChecker;
     logDownloader = new LogDownloader(device, nullptr);
     startLogWorker();

@@ -137,11 +137,11 @@ private:
     std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen: product ID and path
     std::uint8_t deckCount = 1;
     bool firstDeckSeen = false;
-    std::array<unsigned char, 25> reserveBlock{}; ///< zeroed, without use
+    std::array<unsigned char, 25> reserveBlock{}; ///< intentional: zeroed, not used
     UnitType unitType = UNIT_HB4;
     std::uint8_t headerOffset = 0;
     std::uint8_t payloadOffset = 0;
-    bool logAckPending = false; ///< timerSlot acknowledges a log part; nothing sets it
+    bool logAckPending = false; ///< timerSlot acknowledges a log part; intentional: nothing sets it
     std::string pendingDeckPath;
     bool updateBegun = false;  ///< Update Device was pressed
     bool problemShown = false; ///< a problem's box is open or was: the program ends with it

@@ -32,8 +32,8 @@ struct FreeEnumeration
 
 void MainWindow::connectSlot()
 {
-    // Meant so: only this result starts anew. A deck seen without its twin stays remembered, and Connect is
-    // then without effect for the rest of the run.
+    // Intentional: only this result starts anew. A deck seen without its twin stays remembered, and Connect
+    // then has no effect for the rest of the run.
     int result = 0;
     for (const UnitModel& model : unitModels)
         if (searchModel(model, result))

@@ -50,7 +50,7 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     hid_device* const opened = record != nullptr ? openUnit(*record) : nullptr;
     if (record != nullptr)
         device = opened;
-    // Meant so: a second deck that opens makes up for a first one that did not.
+    // Intentional: a second deck that opens makes up for a first one that did not.
     secondDevice = pendingDeckInfo->path != nullptr ? openUnit(*pendingDeckInfo) : nullptr;
     if (secondDevice == nullptr) {
         result = 1;
@@ -65,11 +65,11 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     hidio::askForSerialNumber(secondDevice);
     if (readVersion(device))
         tellVersion();
-    // Meant so: the second deck's version is kept here, while the checker goes by the first deck's.
+    // Intentional: the second deck's version is kept here, while the checker goes by the first deck's.
     (void)readVersion(secondDevice);
     if (const UnitModel* model = findUnitModel(unitType); model != nullptr && model->pairMessage != nullptr)
         showConnected(model->pairMessage);
-    startUpdateCheck(); // meant so: the log downloader gets no device of a pair
+    startUpdateCheck(); // intentional: the log downloader gets no device of a pair
 }
 
 /// Takes the version from the first report, which a unit sends by itself. One that sends none in time has

@@ -51,7 +51,7 @@ void UpdateChecker::replyFinishedOnDone()
     releaseReply();
     infoData.clear();
     firmwareData.clear();
-    emit newUpdateFileDownloaded(true); // meant so: also after an error, whose box ends the program
+    emit newUpdateFileDownloaded(true); // intentional: also after an error, whose box ends the program
 }
 
 void UpdateChecker::storeFirmware()
@@ -66,8 +66,8 @@ void UpdateChecker::storeFirmware()
     const ImageStore store;
     const bool written = store.writeDownload(firmwareData);
     if (!written)
-        problem("Error saving firmware to disk.");
-    // Meant so: also without a download, so that the old image is never taken for the new one.
+        problem(notSaved);
+    // Intentional: also without a download, so that the old image is never taken for the new one.
     const bool replaced = store.replaceImage();
     if (written && !replaced)
         problem(notSaved);

@@ -22,8 +22,8 @@ constexpr int complete = 100; ///< per cent
 
 } // namespace
 
-/// Reads one status and acts on it. Meant so: with two decks both must answer, and the second one's status
-/// counts. A silent unit is waited for without a limit.
+/// Reads one status and acts on it. Intentional: with two decks both must answer, and the second one's status
+/// counts. Waits indefinitely for a silent unit.
 void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
 {
     if (hidio::read(device, buffer, pollReadMs) <= 0)
@@ -70,6 +70,8 @@ void MainWindow::showInstallationStarted()
     fakeProgressActive = 1;
 }
 
+/// Intentional: the transfer's label is not touched; without an earlier "started" status it goes on saying
+/// "Transfer: in progress".
 void MainWindow::showInstallationFinished()
 {
     sleepinhibitor::release();
@@ -88,7 +90,7 @@ void MainWindow::showInstallationFinished()
 }
 
 /// Opens a box outside the tick, whose timer would otherwise stand still under it: polling and creeping go
-/// on, and a repeated status opens a further box on top, meant so.
+/// on. Intentional: a repeated status opens a further box on top.
 template<typename ShowBox> void MainWindow::openInstallationBox(bool always, ShowBox showBox)
 {
     if (installationBoxes >= mostBoxes && !always)

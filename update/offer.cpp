@@ -29,6 +29,8 @@ MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeL
     }
 }
 
+/// Intentional: a version that is no whole number is offered as 0.0 ("1.5", for one), though the catalogue's
+/// decision goes by its value.
 void MainWindow::onFindNewVersion(QString newVersion, QString detailText)
 {
     const Answer answer = offer("Your unit current version: " + shownVersion(currentVersion) +
@@ -57,8 +59,8 @@ void MainWindow::onFindMainNewVersion(QString newVersion, QString detailText)
 
 void MainWindow::reportUnansweredOffer()
 {
-    qErrnoWarning("Bug with avaible download window\n"); // spelt so
-    emit notNeedDownloadNewFirmware();
+    qErrnoWarning("Bug with avaible download window\n"); // intentional spelling
+    emit notNeedDownloadNewFirmware();                   // intentional: nothing is connected to it
 }
 
 void MainWindow::onChangeUpdateFileName(QString filename)
@@ -84,7 +86,7 @@ void MainWindow::onYouHaveProblem(QString text, QString msg2)
     if (problemShown) // the first problem's box ends the program; the diagnostics tell of the others
         return;
     problemShown = true;
-    // Meant so: a detail that is empty, not null, adds its line break.
+    // Intentional: a detail that is empty, not null, adds its line break.
     const QString shown = msg2.isNull() ? text : text + "\n" + msg2;
     QMessageBox::critical(this, tr("Error"), shown);
     QCoreApplication::quit();

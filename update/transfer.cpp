@@ -22,6 +22,7 @@ constexpr int acceptanceReadMs = 1;
 
 } // namespace
 
+/// Begins an update. Intentional: a second press, while the timer exists, only stops it.
 void MainWindow::updateDevice()
 {
     updateBegun = true;
@@ -32,7 +33,7 @@ void MainWindow::updateDevice()
     if (!readImage()) {
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
-        applyingPhase = 1; // meant so: the timer starts all the same and only polls the installation
+        applyingPhase = 1; // intentional: the timer starts all the same and only polls the installation
     }
     if (transferTimer != nullptr) {
         sleepinhibitor::release();
@@ -98,7 +99,7 @@ void MainWindow::startTransfer()
     refuseTransfer({status});
 }
 
-/// Meant so: either deck may accept or refuse, but only when both have answered in one tick; and neither
+/// Intentional: either deck may accept or refuse, but only when both have answered in one tick; and neither
 /// the bar nor the label is touched.
 void MainWindow::startTransferOfPair()
 {
@@ -137,7 +138,7 @@ void MainWindow::abandonTransfer(const QString& text)
     endTransferPhase();
 }
 
-/// From the next tick on the installation is followed; meant so: also after an error.
+/// From the next tick on the installation is followed. Intentional: also after an error.
 void MainWindow::endTransferPhase()
 {
     transferStarted = 0;

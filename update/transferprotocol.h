@@ -36,7 +36,7 @@ enum Code : unsigned char {
     installationFinished = 0xF0,
 };
 
-inline constexpr std::size_t digestIndex = 2; ///< output index of the digest text, meant so in both layouts
+inline constexpr std::size_t digestIndex = 2; ///< in the output; intentional: the same in both layouts
 inline constexpr std::size_t digestLength = 32;
 
 using ImageBytes = std::span<const unsigned char>;
