@@ -45,7 +45,7 @@ step_shipped() {
 }
 
 step_format() {
-    sources '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
+    sources '*.cpp' '*.h' | xargs clang-format --dry-run -Werror && scripts/check-includes.sh
 }
 
 step_scripts() {
