@@ -49,6 +49,7 @@ private slots:
     void modelsAreSeventeen();
     void model_data();
     void model();
+    void mixersHaveNoProductName();
     void noModel_data();
     void noModel();
 };
@@ -84,6 +85,14 @@ void TestUnitType::model()
     QCOMPARE(int{model->layout.headerOffset}, row.headerOffset);
     QCOMPARE(int{model->layout.payloadOffset}, row.payloadOffset);
     QCOMPARE(model->pairMessage, row.pairMessage);
+}
+
+void TestUnitType::mixersHaveNoProductName()
+{
+    for (const UnitModel& model : unitModels) {
+        const bool isMixer = model.type == UNIT_ZEQ_PRO || model.type == UNIT_ZEQ_IO;
+        QVERIFY2((model.productNames.front() == nullptr) == isMixer, model.connectedMessage);
+    }
 }
 
 void TestUnitType::noModel_data()
