@@ -1,0 +1,29 @@
+#!/bin/bash
+# Checks that every file and every test that the documents name exists. Exit code 1: one does not; it is printed.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")/.."
+failed=0
+complain() {
+    echo "check-docs.sh: $*" >&2
+    failed=1
+}
+
+# named DOCUMENT PATTERN: what the document names in backticks, once each.
+named() {
+    { grep -oE "\`$2\`" "$1" || true; } | tr -d '`' | sort -u
+}
+
+mapfile -t documents < <(git ls-files --cached --others --exclude-standard -- '*.md')
+for document in "${documents[@]}"; do
+    while read -r path; do
+        case $path in
+            artifacts/* | build*) continue ;; # come into being later
+        esac
+        [ -e "$path" ] || complain "$document: there is no $path"
+    done < <(named "$document" '[a-z.][A-Za-z0-9_.-]*/[A-Za-z0-9_./-]*')
+    while IFS=: read -r program _ function; do
+        grep -qs "\b$function()" tests/*/"$program.cpp" || complain "$document: there is no $program::$function"
+    done < <(named "$document" 'tst_[a-z0-9]+::[A-Za-z0-9_]+')
+done
+exit "$failed"
