@@ -19,11 +19,10 @@ enum class Verdict { None, Refused, Receiving, Installing, Installed, WrongDiges
 [[nodiscard]] const char* wordOf(Verdict verdict);
 
 /// The unit's side of a firmware transfer: takes the request and the packets, checks every byte, keeps the
-/// image and installs it. A breach of the wire format is an error line in the journal; what the host is told
-/// of it:
-///   a malformed request:      "packets skipped", and nothing is accepted
-///   a wrong packet number:    "packets skipped" at once; the transfer goes on behind the gap
-///   any of these in the end:  "rejected" after the final packet, if the digest is right all the same
+/// image and installs it. A violation of the wire format is an error line in the journal; the host is told:
+///   of a malformed request:      "packets skipped", and nothing is accepted
+///   of a wrong packet number:    "packets skipped" at once; the transfer continues after the gap
+///   of any of these at the end:  "rejected" after the final packet, even if the digest is right
 class FirmwareReceiver
 {
 public:
@@ -33,7 +32,7 @@ public:
     /// A report whose command is a request, a data packet or a final packet.
     void receive(Command command, const Report& report, Milliseconds now);
 
-    /// A report with an unknown command: it spoils a transfer that is under way.
+    /// A report with an unknown command: it spoils a transfer in progress.
     void spoil() { spoilt = true; }
 
     /// When advance() has something to do, or `never`.
@@ -42,12 +41,12 @@ public:
     /// Does what is due at `now`.
     void advance(Milliseconds now);
 
-    /// The bytes received since the last request, also while more are coming.
+    /// The bytes received since the last request, even while more are arriving.
     [[nodiscard]] const std::vector<std::uint8_t>& image() const { return received; }
 
     [[nodiscard]] Verdict verdict() const { return outcome; }
 
-    /// Whether the unit has told of an installation and says nothing more.
+    /// Whether the unit has reported an installation and now stays silent.
     [[nodiscard]] bool hasGoneSilent() const;
 
 private:
@@ -73,8 +72,8 @@ private:
     std::string announcedDigest;
     std::vector<std::uint8_t> received;
     std::uint32_t nextNumber = 1; ///< of the packet that must come next, 28 bits
-    bool spoilt = false;          ///< the running transfer broke the wire format
-    bool complained = false;      ///< about packets that nobody asked for
+    bool spoilt = false;          ///< the transfer in progress violated the wire format
+    bool complained = false;      ///< about unexpected packets
     Milliseconds answerAt = never;
     Milliseconds installedAt = never;
 };

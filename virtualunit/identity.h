@@ -15,8 +15,8 @@ struct Identity
     std::string_view product; ///< USB product string
 };
 
-/// The two mixers without an accepted product string of their own carry that of the first model, so that they
-/// can be connected; an option gives them any other.
+/// The two mixers without an accepted product string of their own carry the first model's, so that they can
+/// be connected; an option sets any other.
 inline constexpr auto identities = std::to_array<Identity>({
     {UNIT_HB4, "hb4", "HB4"},
     {UNIT_HB2, "hb2", "HB2"},
@@ -51,7 +51,7 @@ static_assert(
     return identities.at(static_cast<std::size_t>(type));
 }
 
-/// The model of that option name, or nothing.
+/// The model with this option name, or nothing.
 [[nodiscard]] constexpr std::optional<UnitType> findTypeByName(std::string_view name)
 {
     for (const Identity& identity : identities)

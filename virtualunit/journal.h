@@ -6,17 +6,17 @@
 
 namespace virtualunit {
 
-/// What happened to one unit, a line an event, in words that README.md lists. Lines carry no time, so that
-/// they can be compared as they stand.
+/// What happened to one unit, one line per event, in words that README.md lists. Lines carry no time, so that
+/// they can be compared as they are.
 class Journal
 {
 public:
-    /// Appends to the file at `path` as well, each line at once; empty: no file.
+    /// Also appends each line at once to the file at `path`; empty: no file.
     explicit Journal(const std::string& path);
 
     void add(const std::string& line);
 
-    /// A breach of the wire format by the host: the line begins with "error ".
+    /// A violation of the wire format by the host: the line begins with "error ".
     void addError(const std::string& what) { add("error " + what); }
 
     [[nodiscard]] const std::vector<std::string>& lines() const { return all; }

@@ -4,9 +4,9 @@
 
 namespace virtualunit {
 
-/// The unit's side of a log download. A request starts a sequence of replies; each waits for what the host
-/// owes for the one before: an acknowledge for the header and for every part, a resend request for an unknown
-/// reply.
+/// The unit's side of a log download. A request starts a sequence of replies; each waits for the host's
+/// answer to the one before: an acknowledgement of the header and of every part, a resend request for an
+/// unknown reply.
 class LogServer
 {
 public:
@@ -16,13 +16,13 @@ public:
     /// A report whose command is a log request, an acknowledge or a resend.
     void receive(Command command, const Report& report, Milliseconds now);
 
-    /// Something else than a log is wanted, or the host is gone: ends what is being served.
+    /// The host wants something other than a log, or is gone: stops serving.
     void abandon();
 
-    /// From the request to the last acknowledge, or, where the unit falls silent, to abandon().
+    /// From the request to the last acknowledgement, or, if the unit falls silent, to abandon().
     [[nodiscard]] bool isActive() const { return active; }
 
-    /// When takeReply() has something to say, or `never`.
+    /// When takeReply() has a reply, or `never`.
     [[nodiscard]] Milliseconds nextEventAt() const { return replyAt; }
 
     /// The reply that is due; nothing: the unit vanishes now.

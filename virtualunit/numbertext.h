@@ -29,7 +29,7 @@ namespace virtualunit {
     return text;
 }
 
-/// Two lower-case hexadecimal digits a byte, without separators.
+/// Two lower-case hexadecimal digits per byte, without separators.
 [[nodiscard]] inline std::string hexText(std::span<const std::uint8_t> bytes)
 {
     std::string text;

@@ -25,14 +25,13 @@ struct Options
     std::string journalPath;                      ///< journal lines are appended here; empty: nowhere
     std::optional<std::vector<std::uint8_t>> log; ///< the unit's log; nothing: it has none
     Faults faults;
-    Milliseconds periodMs =
-        8; ///< between two input reports; 0: only at the opening and on a change of status
-    Milliseconds acceptMs = 0;   ///< from the request to its answer
+    Milliseconds periodMs = 8; ///< between two input reports; 0: only when opened and when the status changes
+    Milliseconds acceptMs = 0; ///< from the request to its answer
     Milliseconds installMs = 50; ///< from the start of the installation to its end
     std::uint8_t lowNibble = 5;  ///< of every status byte; a host must not care
-    bool repeatsOutcome = false; ///< an outcome is repeated in every report, not told once
-    bool floodsLog = false;      ///< the periodic reports go on while a log is served
-    std::size_t flood = 0; ///< reports that wait for a host at any time, however fast it reads; 0: no flood
+    bool repeatsOutcome = false; ///< an outcome is repeated in every report instead of reported once
+    bool floodsLog = false;      ///< the periodic reports continue while a log is served
+    std::size_t flood = 0; ///< reports waiting for the host at any time, however fast it reads; 0: no flood
 };
 
 /// One or more units, or what is wrong with the text they were read from.
@@ -46,7 +45,7 @@ struct ParsedOptions
 /// `log` key names. On an error there are no units.
 [[nodiscard]] ParsedOptions parseOptions(std::string_view text);
 
-/// The product string with which the unit is listed, or nothing.
+/// The product string that the unit is listed with, or nothing.
 [[nodiscard]] std::optional<std::string> productOf(const Options& options);
 
 } // namespace virtualunit

@@ -17,8 +17,8 @@ inline constexpr std::uint8_t wrongDigest = 0xC;
 inline constexpr std::uint8_t rejected = 0x7;
 } // namespace status
 
-/// The status that a unit's reports carry: a state that is repeated, and outcomes that go in front of it,
-/// each in one report.
+/// The status that a unit's reports carry: a state that is repeated, and outcomes that precede it, each in
+/// one report.
 class Status
 {
 public:
@@ -31,7 +31,7 @@ public:
         held = nibble;
     }
 
-    /// The next report carries `nibble`; one that repeats its outcomes goes on with it.
+    /// The next report carries `nibble`; a unit that repeats its outcomes keeps sending it.
     void tell(std::uint8_t nibble)
     {
         if (repeats)
@@ -40,7 +40,7 @@ public:
         news = true;
     }
 
-    /// The nibble of the report that is being built.
+    /// The nibble of the report being built.
     [[nodiscard]] std::uint8_t take()
     {
         const std::uint8_t nibble = outcomes.empty() ? held : outcomes.front();

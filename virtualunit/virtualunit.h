@@ -8,7 +8,7 @@
 namespace virtualunit {
 
 /// One unit as a host sees it through its reports. It owns no clock and no transport: whoever carries the
-/// reports says what time it is, in ms of any steady clock, never going back. Not thread-safe.
+/// reports says what time it is, in ms of any clock that never goes back. Not thread-safe.
 class VirtualUnit
 {
 public:
@@ -16,21 +16,21 @@ public:
     VirtualUnit(const VirtualUnit&) = delete;
     VirtualUnit& operator=(const VirtualUnit&) = delete;
 
-    /// The host begins to take input reports; the first one is due at once. False: the unit cannot be opened.
+    /// The host starts to read input reports; the first one is due at once. False: the unit cannot be opened.
     [[nodiscard]] bool open(Milliseconds now);
 
-    /// The host goes away. A transfer goes on when it comes back; a log does not.
+    /// The host goes away. A transfer continues when it comes back; a log does not.
     void close(Milliseconds now);
 
-    /// Pulls the plug, for ever. Reports that were due before can still be taken.
+    /// Unplugs the unit for good. Reports that were due before can still be read.
     void unplug();
 
-    /// What became of an output report.
+    /// What happened to an output report.
     struct Receipt
     {
         bool taken = true;
         Milliseconds blockedMs =
-            0; ///< how long the host is kept waiting before it hears that it was not taken
+            0; ///< how long the host waits before it learns that the report was not accepted
     };
 
     /// Gives the unit `bytes` as the host wrote them: the report ID 0, then 64 payload bytes. Any other
@@ -40,7 +40,7 @@ public:
     /// The oldest input report that is due at `now` and was not taken yet, or nothing.
     [[nodiscard]] std::optional<Report> takeInput(Milliseconds now);
 
-    /// A further report for a host for which only so many are waiting, if the unit floods it, or nothing.
+    /// Another report, if the unit floods its host and only this many are waiting there; otherwise nothing.
     [[nodiscard]] std::optional<Report> takeFlood(std::size_t waiting);
 
     /// When takeInput() may have something next, or `never`.
@@ -70,7 +70,7 @@ private:
 
     bool pluggedIn = true;
     bool isOpen = false;
-    Milliseconds clock = 0; ///< the latest time heard of
+    Milliseconds clock = 0; ///< the latest time given
     std::uint64_t outputReports = 0;
     Milliseconds reportAt = never; ///< when the next periodic report is due
     std::deque<Report> due;

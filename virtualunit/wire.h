@@ -10,7 +10,7 @@
 #include <string>
 
 /// The unit's reading of the 64-byte reports a host writes. Pure functions, no state.
-/// Every index is one into the 64 payload bytes; the host's report ID is gone before they get here.
+/// Every index is into the 64 payload bytes; the host's report ID has been removed before.
 namespace virtualunit {
 
 inline constexpr std::size_t reportSize = 64;
@@ -22,7 +22,7 @@ static_assert(blockSize + headerSize == reportSize);
 
 using Report = std::array<std::uint8_t, reportSize>;
 
-/// Bytes the host may put into the command place, or, for the last two, into byte 0 of any model.
+/// Bytes the host may put in the command's place, or, for the last two, in byte 0 for any model.
 namespace command {
 inline constexpr std::uint8_t firmwareRequest = 0x80;
 inline constexpr std::uint8_t finalPacket = 0xD0;
@@ -41,8 +41,8 @@ enum class Command {
     Unknown
 };
 
-/// What the host means by a report. Acknowledge and resend stand in byte 0 for every model; where the header
-/// is elsewhere they are told from a data packet by packet number 0, which no data packet has.
+/// What the host means by a report. Acknowledge and resend are in byte 0 for every model; where the header is
+/// elsewhere, packet number 0, which no data packet has, sets them apart from a data packet.
 [[nodiscard]] Command commandOf(const Report& report, const ReportLayout& layout);
 
 /// The byte at the command place, for complaints about an unknown one.
@@ -51,7 +51,7 @@ enum class Command {
 /// The 28 bits of a data packet's number, most significant byte first; the command in front of them is 0.
 [[nodiscard]] std::uint32_t dataPacketNumber(const Report& report, const ReportLayout& layout);
 
-/// The 16 bits that a final packet keeps of its number.
+/// The 16 bits of its number that a final packet keeps.
 [[nodiscard]] std::uint16_t finalPacketNumber(const Report& report, const ReportLayout& layout);
 
 /// Valid bytes that a final packet announces: 0 to 59 in a good one, 0 to 255 as read.
@@ -69,7 +69,7 @@ enum class Command {
 /// Whether `text` is 32 digits 0-9 or a-f.
 [[nodiscard]] bool isDigestText(const std::string& text);
 
-/// Index of the first byte that ought to be zero and is not; nothing when all is well.
+/// Index of the first byte that should be zero and is not; nothing if there is none.
 /// @{
 [[nodiscard]] std::optional<std::size_t> requestPadError(const Report& report, const ReportLayout& layout);
 [[nodiscard]] std::optional<std::size_t> finalPadError(const Report& report, const ReportLayout& layout);

@@ -5,7 +5,7 @@
 
 #include <poll.h>
 
-/// A virtual unit on a real bus. Times are in ms of any steady clock, never going back.
+/// A virtual unit on a real bus. Times are in ms of any clock that never goes back.
 class ServedUnit
 {
 public:
@@ -16,10 +16,10 @@ public:
 
     /// What to poll for before the next serve().
     [[nodiscard]] pollfd awaited() const;
-    /// When serve() has something to do in any case, or `never`.
+    /// When serve() has something to do whatever the poll finds, or `never`.
     [[nodiscard]] Milliseconds nextEventAt() const;
 
-    /// Takes and offers all that can be taken and offered now. `ready`: what the poll found.
+    /// Reads and offers all reports that it can now. `ready`: what the poll found.
     void serve(short ready, Milliseconds now);
 
     [[nodiscard]] const std::string& node() const { return usb.node(); }
@@ -32,11 +32,11 @@ private:
 
     virtualunit::VirtualUnit unit;
     const bool takesNothing;
-    const std::optional<virtualunit::Report> greeting; ///< what it says before anybody listens, if anything
-    int greetingsLeft = 2; ///< a device controller may take the first for itself, before the host fetches one
+    const std::optional<virtualunit::Report> greeting; ///< what it sends before anybody reads, if anything
+    int greetingsLeft = 2; ///< a device controller may swallow the first one before the host fetches any
     std::optional<virtualunit::Report> next; ///< the input report to be offered
-    bool isOffered = false;                  ///< a report is on offer and was not fetched yet
+    bool isOffered = false;                  ///< a report is on offer and has not been fetched
     bool hostListens = false;
     Milliseconds offeredAt = 0; ///< when a report was offered, or could not be
-    UsbDevice usb;              ///< last: it goes off the bus before the unit goes
+    UsbDevice usb;              ///< last: it leaves the bus before the unit is destroyed
 };

@@ -18,7 +18,7 @@ struct Slot
 {
     int number = 0;
     DeviceRecord record;
-    std::shared_ptr<Device> device; ///< nothing: the bus was cleared under an open handle
+    std::shared_ptr<Device> device; ///< nothing: the bus was cleared while a handle was open
     bool isOpen = false;
     bool unplugged = false;
     bool failsOpens = false;
@@ -31,7 +31,7 @@ struct Slot
 
 } // namespace virtualbus
 
-/// A handle. It is never freed, so that a caller which uses one after closing it is told so.
+/// A handle. It is never freed, so that using one after closing it can be reported.
 struct hid_device_
 {
     int number = 0;
@@ -45,8 +45,7 @@ struct hid_device_
 namespace virtualbus {
 
 /// State behind both faces of the library. Everything is guarded by `mutex`; there is no thread of its own:
-/// each call brings the devices up to the present time, and a reader that has nothing waits for the next
-/// event.
+/// each call brings the devices up to date, and a reader without a report waits for the next event.
 class Bus
 {
 public:
@@ -80,7 +79,7 @@ public:
     void record(Call call);
 
     std::mutex mutex;
-    std::condition_variable changed; ///< something a waiting reader or writer ought to look at
+    std::condition_variable changed; ///< something that a waiting reader or writer should look at
     std::vector<std::shared_ptr<Slot>> attached;
     std::vector<std::unique_ptr<hid_device>> handles; ///< every one ever opened
     std::set<hid_device_info*> lists;                 ///< enumerations given out since clear()

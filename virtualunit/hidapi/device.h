@@ -18,7 +18,7 @@ struct DeviceRecord
 {
     std::uint16_t vendorId = unitVendorId;
     std::uint16_t productId = 0;
-    bool hasPath = true; ///< false: NULL in the record too, so that nothing can open it
+    bool hasPath = true; ///< false: NULL in the record, so that it cannot be opened
     std::optional<std::string> product;
     std::optional<std::string> serial = "0001";
     std::optional<std::string> manufacturer = "Talvex";
@@ -36,15 +36,15 @@ public:
 
     virtual void close(Milliseconds now) = 0;
 
-    /// The bytes given to hid_write, the report ID in front. Not taken: hid_write returns -1, after the time
-    /// given.
+    /// The bytes given to hid_write, the report ID first. Not accepted: hid_write returns -1, after the given
+    /// time.
     [[nodiscard]] virtual virtualunit::VirtualUnit::Receipt write(std::span<const std::uint8_t> bytes,
                                                                   Milliseconds now) = 0;
 
     /// The oldest input report that is due and not yet taken, 0 to 64 bytes, or nothing.
     [[nodiscard]] virtual std::optional<std::vector<std::uint8_t>> takeInput(Milliseconds now) = 0;
 
-    /// A report that the device sends for no reason but to flood a host for which only so many are waiting.
+    /// A report that the device sends only to flood its host, if just this many are waiting there.
     [[nodiscard]] virtual std::optional<std::vector<std::uint8_t>> takeFlood(std::size_t /*waiting*/)
     {
         return std::nullopt;
@@ -53,7 +53,7 @@ public:
     /// When takeInput() may have something next, or `never`; a reader that waits wakes then.
     [[nodiscard]] virtual Milliseconds nextEventAt() const { return never; }
 
-    /// False: reads give what was taken before, then -1; writes give -1; it is not listed any more.
+    /// False: reads return what was queued before, then -1; writes return -1; it is no longer listed.
     [[nodiscard]] virtual bool isPluggedIn() const { return true; }
 };
 

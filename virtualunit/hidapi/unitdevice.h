@@ -39,8 +39,8 @@ private:
     }
 };
 
-/// What an enumeration says of a unit with these options: a host that may not ask, or does not find a product
-/// string, has none of the strings.
+/// What an enumeration says about a unit with these options: a host without permission, or one that finds no
+/// product string, gets none of the strings.
 [[nodiscard]] inline DeviceRecord recordOf(const virtualunit::Options& options)
 {
     DeviceRecord record;
