@@ -1,8 +1,8 @@
 #!/bin/bash
 # memory.sh BUILD-DIR IMAGE-BYTES
-# Runs the shipped program twice under the present screen and prints its peak resident sizes so far, "LABEL peak=KB":
-# idle: just started; then, by a mouse's clicks, connected: with a unit; streaming: an image of that size has been read
-# and its digest taken; sending: the image has been sent. Works in the current directory, which is empty.
+# Runs the shipped program twice on the current screen and prints its peak resident sizes so far, "LABEL peak=KB":
+# idle: just started; then, with mouse clicks, connected: to a unit; streaming: an image of that size has been read and
+# its digest computed; sending: the image has been sent. Works in the current directory, which must be empty.
 set -euo pipefail
 
 build=$1
@@ -34,7 +34,7 @@ peak() {
     awk '$1 == "VmHWM:" { print $2 }' "/proc/$program/status"
 }
 
-# The peak once it has not grown for a second: the window is painted.
+# The peak once it has not grown for a second: the window has been painted.
 settledPeak() {
     local before=0 now
     for _ in {1..20}; do
@@ -48,7 +48,7 @@ settledPeak() {
     echo "$now"
 }
 
-# told WORDS SECONDS: waits until the unit's diagnostics say so.
+# told WORDS SECONDS: waits until the unit's diagnostics say WORDS.
 told() {
     local end=$((SECONDS + $2))
     until grep -q "$1" diagnostics; do

@@ -1,4 +1,4 @@
-# talvex::hidapi: the HID library as the system installs it, one flavour a build.
+# talvex::hidapi: the system's HID library, one flavour per build.
 find_package(PkgConfig REQUIRED)
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   if(NOT TALVEX_HIDAPI MATCHES "^(libusb|hidraw)$")

@@ -1,4 +1,4 @@
-# talvex::warnings: what every target of this project is compiled with.
+# talvex::warnings: the warning options of every target.
 option(TALVEX_WERROR "Treat warnings as errors" OFF)
 add_library(talvex-warnings INTERFACE)
 add_library(talvex::warnings ALIAS talvex-warnings)

@@ -1,7 +1,7 @@
 #!/bin/bash
 # scripts/bench.sh [GROUP]...
-# Builds the benchmarks and prints each figure beside its baseline of the same run and its bar; about 13 minutes for
-# all groups: stream growth start log memory rules. Exits with 1 if a bar is missed. The machine should be at rest.
+# Builds the benchmarks and prints each figure beside its baseline from the same run and its limit; about 13 minutes for
+# all groups: stream growth start log memory rules. Exits with 1 if a limit is missed. The machine should be idle.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/lib/packages.sh
@@ -20,10 +20,10 @@ wanted() {
     return 1
 }
 
-# A screen of its own; without one the windows are painted in memory, and what needs a screen is left out.
+# Opens a screen; without one the windows are painted in memory, and whatever needs a screen is left out.
 openScreen() {
     export XDG_RUNTIME_DIR=$work QT_LOGGING_RULES='qt.qpa.xcb=false'
-    export DBUS_SESSION_BUS_ADDRESS=disabled: # else the first window with a text starts a bus of its own
+    export DBUS_SESSION_BUS_ADDRESS=disabled: # otherwise the first window with text starts a bus
     mkfifo "$work/display"
     Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3> "$work/display" 2> /dev/null &
     pids+=($!)
@@ -31,13 +31,13 @@ openScreen() {
     if read -r -t 20 number < "$work/display"; then
         export DISPLAY=:$number QT_QPA_PLATFORM=xcb
     else
-        echo "There is no Xvfb: no start, no memory of the whole program." >&2
+        echo "Xvfb does not start: start-up and whole-program memory are not measured." >&2
         unset DISPLAY
         export QT_QPA_PLATFORM=offscreen
     fi
 }
 
-# run LABEL PROGRAM ARGUMENT...: one run, in a directory of the program's own.
+# run LABEL PROGRAM ARGUMENT...: one run, in the program's directory.
 run() {
     local label=$1 program=$2 output
     shift 2
@@ -49,7 +49,7 @@ run() {
     echo "$label $output" >> "$results"
 }
 
-# alternate ROUNDS COMMAND...: runs the commands in turn, every second round in the opposite order.
+# alternate ROUNDS COMMAND...: runs the commands in turn, in reverse order every other round.
 alternate() {
     local rounds=$1 round i
     shift
@@ -80,7 +80,7 @@ bare() { logOf bare 250000; }
 lean() { logOf lean 250000; }
 chain() { logOf chain 250000; }
 
-# The long ones, side by side: a size in memory does not mind a busy processor.
+# The long ones, in parallel: a busy processor does not affect memory sizes.
 sizes() {
     if [ -n "${DISPLAY:-}" ]; then
         mkdir "$work/memory"

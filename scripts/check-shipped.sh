@@ -18,12 +18,12 @@ if grep -Ei 'virtual|probe|Qt5Test' <<< "$libraries"; then
     complain "linked to a library of the tests"
 fi
 symbols=$(nm -C "$program")
-grep -q 'MainWindow::connectSlot' <<< "$symbols" || complain "no symbols: this check sees nothing"
+grep -q 'MainWindow::connectSlot' <<< "$symbols" || complain "has no symbols, so this check cannot see anything"
 if grep -E 'virtualunit::|QTest::|\btst_|snapshot::take' <<< "$symbols"; then
-    complain "holds test code"
+    complain "contains test code"
 fi
 if grep ' T hid_' <<< "$symbols"; then
-    complain "brings its own HID library"
+    complain "contains an HID library of its own"
 fi
 if ! nm -D --undefined-only "$program" | grep -q ' U hid_open_path'; then
     complain "does not use the HID library"

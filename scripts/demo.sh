@@ -1,16 +1,16 @@
 #!/bin/bash
 # Shows a whole update: builds the program, starts an update server and a virtual unit, and opens the window.
-# Where there is a screen, you click through it. Without one, or with --auto, it runs in a virtual screen and a
-# driver presses the buttons, from Connect to "Update: finished", and keeps a picture of each stage.
-# Exit code 0: the unit holds the very image that the server handed out.
+# With a screen, you click through it. Without one, or with --auto, it runs on a virtual screen, and a driver presses
+# the buttons, from Connect to "Update: finished", and saves a picture of each stage.
+# Exit code 0: the unit holds exactly the image that the server sent.
 set -euo pipefail
 
 usage() {
     cat << 'END'
 usage: scripts/demo.sh [--auto] [--output FOLDER] [-- OPTION...]
-  --auto           let the driver press the buttons in a virtual screen
-  --output FOLDER  where the driver's pictures go (artifacts/demo unless told)
-  -- OPTION...     handed on to the driver
+  --auto           let the driver press the buttons on a virtual screen
+  --output FOLDER  where to put the driver's pictures (default: artifacts/demo)
+  -- OPTION...     passed on to the driver
 END
 }
 
@@ -39,7 +39,7 @@ while [ $# -gt 0 ]; do
 done
 
 work=$(mktemp -d)
-export TMPDIR=$work # so that nothing of the driver's stays behind either
+export TMPDIR=$work # so that the driver leaves nothing behind either
 child=
 cleanUp() {
     trap - EXIT INT TERM
@@ -54,7 +54,7 @@ trap cleanUp EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# Waits in such a way that a signal is heeded at once.
+# Waits so that a signal takes effect at once.
 runAndWait() {
     "$@" &
     child=$!
@@ -92,7 +92,7 @@ unit=hb4,version=23,image=$work/unit.image,journal=$work/unit.journal,install-ms
 
 if [ "$auto" = yes ]; then
     mkdir -p "$output"
-    echo "The driver updates a virtual unit with $imageBytes bytes, then pulls its log of $logBytes; its pictures:"
+    echo "The driver updates a virtual unit with $imageBytes bytes, then downloads its log of $logBytes. Pictures:"
     runAndWait "$build/bin/talvex-demo-driver" --proxy "$proxy" --unit "$unit" --pictures "$output" \
         --log "$work/stored.log" "$@"
 else
@@ -100,16 +100,16 @@ else
 fi
 
 echo
-echo "What happened at the unit:"
+echo "What the unit noted:"
 sed -e '/^log-part /d' -e 's/^/    /' "$work/unit.journal"
 if ! cmp "$work/unit.image" "$work/root/bin/HB4.sb"; then
-    echo "The unit does not hold the image that the server handed out." >&2
+    echo "The unit does not hold the image that the server sent." >&2
     exit 1
 fi
 echo "The unit holds the server's image, byte for byte ($(stat -c %s "$work/unit.image") bytes)."
 if [ "$auto" = yes ]; then
     if ! cmp "$work/stored.log" "$work/unit.log"; then
-        echo "The stored log is not the one that the unit handed out." >&2
+        echo "The stored log is not the one that the unit sent." >&2
         exit 1
     fi
     echo "The stored log is the unit's, byte for byte ($logBytes bytes)."

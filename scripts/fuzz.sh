@@ -1,7 +1,7 @@
 #!/bin/bash
 # scripts/fuzz.sh MINUTES
 # Builds the fuzz targets (clang, libFuzzer, address and undefined-behaviour sanitizers) and runs each for its share of
-# MINUTES, one on each processor, on its seeds (fuzz/seeds) and on what earlier runs found (build-fuzz/corpus). Prints a
+# MINUTES, one per processor, on its seeds (fuzz/seeds) and on what earlier runs found (build-fuzz/corpus). Prints a
 # table; inputs that crash or hang a target are kept in artifacts/fuzz. Exit code 1: there were some.
 set -euo pipefail
 
@@ -28,7 +28,7 @@ build() {
     cmake --preset fuzz > /dev/null && cmake --build --preset fuzz -j "$(nproc)"
 }
 
-# fuzz TARGET: one target's run; its output goes to its log.
+# fuzz TARGET: runs one target; its output goes to its log.
 fuzz() {
     local target=$1 dictionary=() corpus=$PWD/$folder/corpus/$1
     if [ -f "fuzz/$target.dict" ]; then
@@ -40,7 +40,7 @@ fuzz() {
         > "$folder/fuzz-$target.log" 2>&1
 }
 
-# figure TARGET NAME: a figure of the run's closing statistics.
+# figure TARGET NAME: a figure from the run's final statistics.
 figure() {
     sed -n "s/^stat::$2: *//p" "$folder/fuzz-$1.log"
 }
@@ -50,7 +50,7 @@ coverage() {
     sed -n 's/.* cov: \([0-9]*\) ft: \([0-9]*\) .*/\1 \2/p' "$folder/fuzz-$1.log" | tail -n 1
 }
 
-# report TARGET: its line of the table, and what it found. Returns 1 if it found something.
+# report TARGET: prints its line of the table and what it found. Returns 1 if it found something.
 report() {
     local target=$1 cov ft result
     result=$(cat "$folder/fuzz-$target.result")
@@ -59,7 +59,7 @@ report() {
         "$(figure "$target" average_exec_per_sec)" "$cov" "$ft" "$result"
     if [ "$result" -ne 0 ]; then
         tail -n 60 "$folder/fuzz-$target.log"
-        echo "kept in $crashes/$target; again: $folder/fuzz/$target.dir/fuzz_$target FILE"
+        echo "kept in $crashes/$target; to repeat: $folder/fuzz/$target.dir/fuzz_$target FILE"
         return 1
     fi
 }

@@ -1,14 +1,14 @@
 #!/bin/bash
 # scripts/mutate.sh [PATTERN]
-# Do the tests notice a wrong program? Makes the edits listed in tests/mutations, one at a time, in copies of the tree
+# Do the tests notice a broken program? Makes the edits listed in tests/mutations, one at a time, in copies of the tree
 # (build-mutants), and runs the test that each names. PATTERN: only files whose path matches it, as in [[ =~ ]].
-# Prints a table: killed (the test fails, crashes or comes to no end), survived, and what is wrong with the list: the
-# text is not in the file exactly once, or the edit does not build. Exit code 1: something is wrong with the list.
+# Prints a table: killed (the test fails, crashes or hangs), survived, and what is wrong with the list: the text does
+# not occur exactly once in the file, or the edit does not build. Exit code 1: something is wrong with the list.
 #
 #     = FILE TEST [FUNCTION[:ROW]]  for the edits below it
-#     - what stands in FILE         both may have several lines
-#     + what is to stand there
-#     ~ why no test can tell        in a survivor's row
+#     - the text in FILE            both may have several lines
+#     + what replaces it
+#     ~ why no test can tell        for a survivor
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -18,12 +18,12 @@ cd "$(dirname "$(realpath "$0")")/.."
 pattern=${1-.}
 scratch=$PWD/build-mutants
 workers=2
-slowest=5 # times as long as the test takes unchanged, and half a minute: then it has come to no end
+slowest=5 # times as long as the test takes unchanged, plus half a minute: then it counts as hanging
 export QT_QPA_PLATFORM=offscreen CMAKE_CXX_COMPILER_LAUNCHER=ccache
 files=() runs=() olds=() news=() reasons=()
 declare -A limits # of each of `runs`, in s
 
-# takeEdit: the edit read so far, if it is one of those wanted.
+# takeEdit: adds the edit read so far, if it is wanted.
 takeEdit() {
     if [ -n "$old" ] && [[ $file =~ $pattern ]]; then
         files+=("$file") runs+=("$run") olds+=("${old%$'\n'}") news+=("${new%$'\n'}") reasons+=("$reason")
@@ -48,7 +48,7 @@ readList() {
     takeEdit
 }
 
-# copyTree TREE: what git knows here or would take, edits not yet committed included.
+# copyTree TREE: copies what git tracks or would add, uncommitted changes included.
 copyTree() {
     rm -rf "$1" && mkdir -p "$1"
     git ls-files -z --cached --others --exclude-standard | tar --null --ignore-failed-read -T - -cf - | tar -xf - -C "$1"
@@ -59,11 +59,11 @@ build() {
     CCACHE_BASEDIR=$1 cmake --build "$1/build" -j "$2" --target "${@:3}" > "$1/build.log" 2>&1
 }
 
-# notices TREE LIMIT RUN: 0 if the test fails, with the first failure in `verdict`.
+# notices TREE LIMIT RUN: returns 0 if the test fails, with the first failure in `verdict`.
 notices() {
     local log=$1/test.log test function pid status=0
     read -r test function <<< "$3"
-    : > "$log" # not that of the edit before
+    : > "$log" # not the previous edit's
     timeout -k 10 "$2" "$(find "$1/build" -type f -perm -1 -name "$test")" ${function:+"$function"} > "$log" 2>&1 &
     pid=$!
     while kill -0 "$pid" 2> /dev/null; do
@@ -73,16 +73,16 @@ notices() {
         fi
         sleep 0.1
     done
-    { wait "$pid" || status=$?; } 2> /dev/null # bash itself would tell of a crash
+    { wait "$pid" || status=$?; } 2> /dev/null # bash itself would report a crash
     case $status in
         0) return 1 ;;
-        124 | 137) verdict="no end within $2 s" ;;
+        124 | 137) verdict="still running after $2 s" ;;
         *) verdict=$(sed -n 's/^FAIL! *: *//p' "$log" | head -n 1) ;;
     esac
     verdict=${verdict:-exit code $status}
 }
 
-# replaceOnce FILE OLD NEW: fails unless OLD stands there exactly once.
+# replaceOnce FILE OLD NEW: fails unless OLD occurs exactly once.
 replaceOnce() {
     local content before after
     content=$(< "$1")
@@ -91,7 +91,7 @@ replaceOnce() {
     [ "$before" != "$content" ] && [ "$after" = "${content##*"$2"}" ] && printf '%s\n' "$before$3$after" > "$1"
 }
 
-# try TREE INDEX: prints the edit's row.
+# try TREE INDEX: makes one edit and prints its row.
 try() {
     local tree=$1 file=${files[$2]} run=${runs[$2]} result verdict=''
     cp "$tree/$file" "$tree/unchanged"
@@ -104,11 +104,11 @@ try() {
     else
         result=SURVIVED verdict=${reasons[$2]:-$run passes}
     fi
-    cp "$tree/unchanged" "$tree/$file" # as new, so that it is compiled again
+    cp "$tree/unchanged" "$tree/$file" # with a new time stamp, so that it is compiled again
     printf '%s  %s: "%s" -> "%s"  (%s)\n' "$result" "$file" "${olds[$2]//$'\n'/\\n}" "${news[$2]//$'\n'/\\n}" "$verdict"
 }
 
-# work NUMBER: every edit that is this worker's.
+# work NUMBER: makes every edit that belongs to this worker.
 work() {
     local index
     for ((index = $1; index < ${#files[@]}; index += workers)); do
@@ -116,18 +116,18 @@ work() {
     done
 }
 
-# measure RUN: the unchanged program passes; how long it takes makes the limit.
+# measure RUN: checks that the unchanged program passes, and derives the limit from the time it takes.
 measure() {
     local verdict=''
     SECONDS=0
     if notices "$scratch/0" 600 "$1"; then
-        echo "not with the program unchanged: $1 ($verdict)" >&2
+        echo "$1 fails even with the unchanged program ($verdict)" >&2
         return 1
     fi
     limits[$1]=$((SECONDS * slowest + 30))
 }
 
-# rows WORD: those of this result.
+# rows WORD: the rows with this result.
 rows() {
     grep -h "^$1" "$scratch"/rows-* || true
 }
@@ -136,7 +136,7 @@ installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
 for list in tests/mutations/*.txt; do
     readList "$list"
 done
-[ ${#files[@]} -gt 0 ] || { echo "no edit of a file that matches $pattern" >&2; exit 2; }
+[ ${#files[@]} -gt 0 ] || { echo "no edit is listed for a file that matches $pattern" >&2; exit 2; }
 
 started=$(date +%s)
 mapfile -t tests < <(printf '%s\n' "${runs[@]%% *}" | sort -u)
@@ -160,7 +160,7 @@ done
 for pid in "${pids[@]}"; do
     wait "$pid"
 done
-printf '\nTo look at:\n'
+printf '\nTo be looked at:\n'
 rows '[A-Z]'
 printf '%s edits: %s killed, %s survived, %s not made; %s min\n' "${#files[@]}" "$(rows killed | wc -l)" \
     "$(rows SURVIVED | wc -l)" "$(rows '[TD]' | wc -l)" "$((($(date +%s) - started + 59) / 60))"

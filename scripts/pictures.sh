@@ -1,7 +1,7 @@
 #!/bin/bash
-# Pictures every stage of the program as its users see it: at 100 and 200 %, light and dark, with a large font. The
-# demo's driver uses the program; its pictures go into artifacts/pictures/LOOK/, a contact sheet of each look beside.
-# With names of stages ("problem", "transfer-50-percent") only their pictures are kept.
+# Takes pictures of every stage of the program as users see it: at 100 and 200 %, light and dark, with a large font. The
+# demo's driver operates the program; its pictures go to artifacts/pictures/LOOK/, with a contact sheet of each look
+# beside that folder. Given names of stages ("problem", "transfer-50-percent"), only their pictures are kept.
 set -euo pipefail
 
 usage="usage: scripts/pictures.sh [NAME...]"
@@ -34,7 +34,7 @@ endScreen() {
     children=()
 }
 
-# startScreen DPI: a screen of its own with a window manager; its name goes to TALVEX_TEST_DISPLAY.
+# startScreen DPI: starts a screen with a window manager; its name goes to TALVEX_TEST_DISPLAY.
 startScreen() {
     local number
     rm -f "$work/display"
@@ -51,7 +51,7 @@ startScreen() {
     done
 }
 
-# As a desktop keeps it for its programs: writeSettings FOLDER FONT-POINTS [dark].
+# Settings as a desktop keeps them for its programs: writeSettings FOLDER FONT-POINTS [dark].
 writeSettings() {
     mkdir -p "$1"
     {
@@ -92,15 +92,15 @@ take() {
         fi
     done
     if [ ${#kept[@]} -eq 0 ]; then
-        echo "No stage of that name: ${wanted[*]}" >&2
+        echo "No stage has this name: ${wanted[*]}" >&2
         return 1
     fi
-    mogrify -bordercolor black -border 1 -trim +repage "${kept[@]}" # what lies around the window is black
+    mogrify -bordercolor black -border 1 -trim +repage "${kept[@]}" # the area around the window is black
     montage -label '%t' "${kept[@]}" -tile 4x -geometry '1000x1000>+4+4' "$output/$look.png"
     echo "$output/$look.png"
 }
 
-# asDesktop FOLDER: the driver's options for a program that finds its settings there.
+# asDesktop FOLDER: the driver's options for a program that reads its settings from there.
 asDesktop() {
     printf '%s\n' --set XDG_CURRENT_DESKTOP=KDE --set KDE_SESSION_VERSION=5 --set "XDG_CONFIG_HOME=$1"
 }

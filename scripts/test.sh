@@ -1,6 +1,6 @@
 #!/bin/bash
-# Checks the project: builds the program as it is shipped and the tests, checks the format and the code, runs the tests.
-# Prints a table of all steps at the end; exit code 0: all good.
+# Checks the project: builds the program as shipped and the tests, checks format and code, and runs the tests. Prints a
+# table of all steps at the end; exit code 0: all passed.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -11,10 +11,10 @@ usage() {
     cat << END
 usage: scripts/test.sh [--all] [--no-install] [STEP...]
   without a STEP  all of: ${usualSteps[*]}
-  quick           the loop while you work: ${quickSteps[*]}
-  --all           the long ones too: ${longSteps[*]}
-  --no-install    say which packages are missing, install none
-Also: coverage. What a step needs is built first. Results for tools are kept in $junit.
+  quick           for use while you work: ${quickSteps[*]}
+  --all           also the long ones: ${longSteps[*]}
+  --no-install    only say which packages are missing
+There is also a step "coverage". Each step first builds what it needs. Machine-readable results are in $junit.
 END
 }
 
@@ -30,7 +30,7 @@ trap cleanUp EXIT
 table=$work/table
 failed=0
 
-# run STEP: one step; a line of its result for the table. Returns 1 if it failed.
+# run STEP: runs one step and adds its result to the table. Returns 1 if it failed.
 run() {
     local step=$1 result=good
     echo "== $step"
@@ -41,10 +41,10 @@ run() {
     [ "$result" = good ]
 }
 
-# runBeside STEP...: each beside the others, as most of their tests wait; what it says is shown once it has ended.
+# runBeside STEP...: runs the steps in parallel, as most of their tests wait; output is shown once a step has ended.
 runBeside() {
     local step pids=()
-    set -m # a process group each, to end them by
+    set -m # one process group each, to end them by
     for step in "$@"; do
         run "$step" > "$work/$step" 2>&1 &
         pids+=($!)
@@ -64,7 +64,7 @@ for argument in "$@"; do
         --all) steps=("${usualSteps[@]}" "${longSteps[@]}") && leftOut= ;;
         --no-install) export TALVEX_NO_INSTALL=1 ;;
         --help) usage && exit 0 ;;
-        quick) steps+=("${quickSteps[@]}") && leftOut="all but the quick loop" ;;
+        quick) steps+=("${quickSteps[@]}") && leftOut="everything but the quick steps" ;;
         *)
             for step in ${argument//+/ }; do
                 if ! declare -F "step_${step//-/_}" > /dev/null; then
@@ -73,7 +73,7 @@ for argument in "$@"; do
                     exit 2
                 fi
             done
-            steps+=("$argument") && leftOut="all but what was asked for"
+            steps+=("$argument") && leftOut="everything but the steps asked for"
             ;;
     esac
 done
@@ -98,7 +98,7 @@ done
 
 echo
 cat "$table"
-printf '%-27s %6d s\n' "in all" $(($(date +%s) - began))
+printf '%-27s %6d s\n' "total" $(($(date +%s) - began))
 if [ -n "$leftOut" ]; then
     echo "Left out: $leftOut."
 fi

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Tests the shipped program, in both flavours of the HID library, on a real USB bus: that of a guest system with
-# Debian's kernel, in an emulated computer. Installs what it needs. Needs root, or sudo, for that only.
+# Tests the shipped program, with both flavours of the HID library, on a real USB bus: that of a guest system with
+# Debian's kernel in an emulated computer. Installs what it needs, for which alone it needs root or sudo.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -19,9 +19,9 @@ build() {
     cmake --preset test && cmake --build "$tests" -j "$jobs" --target usb-tests
 }
 
-# Reports a second that the program reached, next to a loop that does nothing but write, paced by the same timer; and
-# those of a pair of decks, each of which gets all of them, next to a single deck's. Returns 1 if there is not a line
-# for each update that is to be measured.
+# Prints the reports per second that the program reached, next to those of a loop that only writes, paced by the same
+# timer; and those of a pair of decks, each of which gets all of them, next to those of a single deck. Returns 1 unless
+# there is one line for each update measured.
 printRates() {
     printf '%-8s %-8s %10s %10s %8s\n' flavour unit program/s loop/s ratio
     awk -v bar="$lowestRatio" -v updates=6 '
@@ -43,7 +43,7 @@ export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 build
 SECONDS=0
 result=0
-rm -rf "$guests" # what an earlier run has left must not speak for this one
+rm -rf "$guests" # an earlier run's results must not pass for this one's
 ctest --test-dir "$tests" -L usb --no-tests=error --output-on-failure --output-junit "$junit/usb.xml" -j 2 || result=$?
 printRates || result=1
 echo "USB tests: $SECONDS s"

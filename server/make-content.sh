@@ -1,6 +1,6 @@
 #!/bin/bash
-# Fills ROOT with what the update server hands out: a catalogue with one firmware for each key stem, its image of
-# BYTES random bytes, and the change logs.
+# Fills ROOT with what the update server serves: a catalogue with one firmware for each key stem, images of BYTES random
+# bytes, and the change logs.
 set -euo pipefail
 
 usage="usage: make-content.sh ROOT BYTES VERSION [HOST]"

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Serves ROOT on 127.0.0.1:PORT until it is ended; its logs lie in RUN (access.log, error.log).
-# The process becomes the server itself, so its process ID is the one to end.
+# Serves ROOT on 127.0.0.1:PORT until ended; its logs are in RUN (access.log, error.log).
+# The process becomes the server itself, so its process ID is the one to kill.
 set -euo pipefail
 
 if [ $# -ne 3 ]; then
@@ -17,5 +17,5 @@ template=${template//@ROOT@/$root}
 template=${template//@PORT@/$port}
 printf '%s\n' "${template//@RUN@/$run}" > "$run/nginx.conf"
 
-export PATH=$PATH:/usr/sbin # where Debian keeps it
+export PATH=$PATH:/usr/sbin # where Debian puts it
 exec nginx -e "$run/error.log" -p "$run" -c "$run/nginx.conf"

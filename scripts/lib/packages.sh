@@ -3,7 +3,7 @@
 # shellcheck disable=SC2034  # the lists are for those who source this
 
 buildPackages=(build-essential ccache cmake libhidapi-dev ninja-build pkg-config qtbase5-dev)
-# To run the program where nobody looks on: a screen, a window manager, fonts, the input; and the update server.
+# To run the program unattended: a screen, a window manager, fonts, input; and the update server.
 stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
 benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
 checkPackages=(at-spi2-core binutils clang-format clang-tidy dbus dbus-daemon lld openssl python3-dbusmock python3-pyatspi
@@ -15,19 +15,19 @@ isInstalled() {
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2> /dev/null)" = installed ]
 }
 
-# A web server that came with this installation must not begin to serve this machine.
+# A web server installed along the way must not start serving this machine.
 keepServerQuiet() {
     if [ -d /run/systemd/system ]; then
         "$@" systemctl disable --now nginx.service > /dev/null 2>&1 || true
     fi
 }
 
-# installMissing PACKAGE...: installs those that are not there yet, as root or by sudo. Returns 1, having said what
-# to do, where that is not possible, or not wanted (TALVEX_NO_INSTALL is set).
+# installMissing PACKAGE...: installs the missing ones, as root or with sudo. If that is not possible, or not wanted
+# (TALVEX_NO_INSTALL is set), says what to do and returns 1.
 installMissing() {
     local missing=() asRoot=() package
     if ! command -v apt-get > /dev/null; then
-        echo "This is no Debian system (there is no apt-get). Needed are: $*" >&2
+        echo "This is not a Debian system (apt-get is missing). Required packages: $*" >&2
         return 1
     fi
     for package in "$@"; do

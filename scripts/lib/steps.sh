@@ -1,11 +1,11 @@
 # shellcheck shell=bash
-# The steps of scripts/test.sh, one function each: step_<name>, with - for _. Sourced, not run, from the project's
-# folder. Every build folder is a preset's (CMakePresets.json).
+# The steps of scripts/test.sh, one function each: step_<name>, with _ for -. Sourced, not run, from the project's
+# folder. Every build folder belongs to a preset (CMakePresets.json).
 # shellcheck disable=SC2034  # the lists are for the script that sources this
 # shellcheck source=scripts/lib/packages.sh
 source scripts/lib/packages.sh
 
-# Steps joined by + run beside each other, once what they need has been built.
+# Steps joined by + run in parallel, once what they need has been built.
 usualSteps=(shipped format scripts tests in-process+program+code threads fuzz usb)
 longSteps=(sanitized-program)
 quickSteps=(shipped format quick-in-process quick-program)
@@ -14,10 +14,10 @@ jobs=$(nproc)
 junit=$PWD/artifacts/test/junit
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 export UBSAN_OPTIONS=print_stacktrace=1
-# Busy tests count for three of these, the others for one (tests/CMakeLists.txt).
+# A busy test takes three of these, any other takes one (tests/CMakeLists.txt).
 testJobs=$((4 * jobs))
 
-# build PRESET: configures and builds what the preset is for; once in a run is enough.
+# build PRESET: configures and builds a preset, once per run.
 declare -A built=()
 build() {
     if [ -n "${built[$1]:-}" ]; then
@@ -26,12 +26,12 @@ build() {
     cmake --preset "$1" > /dev/null && cmake --build --preset "$1" -j "$jobs" && built[$1]=yes
 }
 
-# runTests STEP FOLDER ARGUMENT...: the tests of a build folder that ctest chooses by the arguments.
+# runTests STEP FOLDER ARGUMENT...: runs the tests of a build folder that the arguments select.
 runTests() {
     ctest --test-dir "$2" --no-tests=error --output-on-failure --output-junit "$junit/$1.xml" -j "$testJobs" "${@:3}"
 }
 
-# sources PATTERN...: what git knows or would add.
+# sources PATTERN...: what git tracks or would add.
 sources() {
     git ls-files --cached --others --exclude-standard -- "$@"
 }
@@ -82,15 +82,15 @@ step_quick_program() {
     build shipped && build test && runTests quick-program build-test -L program -L quick
 }
 
-# The whole program with the sanitizers, its virtual library preloaded behind the sanitizers' own. Leaks are looked for
-# where no plugin of a screen adds its own: by tst_reliability, which runs the program from its main().
+# The whole program with the sanitizers; the virtual library is preloaded after the sanitizers' own. Leaks are left to
+# tst_reliability, which runs the program from its main() without a screen's plugin, which leaks too.
 step_sanitized_program() {
     build test && build asan && cmake --build build-asan -j "$jobs" --target talvex-updater &&
         ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0 TALVEX_TEST_PROGRAM=$PWD/build-asan/bin/talvex-updater \
             runTests sanitized-program build-test -L program -E '^(program.shipped|reliability.memcheck)$'
 }
 
-# The two threads of a log download, where no queue of Qt's lies between them (Debian's Qt is not instrumented).
+# The two threads of a log download, without one of Qt's queues between them (Debian's Qt is not instrumented).
 step_threads() {
     build tsan &&
         TSAN_OPTIONS="suppressions=$PWD/tests/support/tsan.supp halt_on_error=1" QT_QPA_PLATFORM=offscreen \

@@ -8,7 +8,7 @@ answers() {
     (exec 3<> "/dev/tcp/127.0.0.1/$1") 2> /dev/null
 }
 
-# Waits until the server started last answers; 1: it has ended, or does not answer within 10 s.
+# Waits until the most recently started server answers; 1: it has exited, or does not answer within 10 s.
 serverIsUp() {
     local waited
     for ((waited = 0; waited < 100; ++waited)); do
@@ -21,13 +21,13 @@ serverIsUp() {
     return 1
 }
 
-# startServer ROOT RUN: serves ROOT at a free port and waits until it answers; sets serverPid and serverPort.
+# startServer ROOT RUN: serves ROOT on a free port and waits until it answers; sets serverPid and serverPort.
 startServer() {
     local tried
     for ((tried = 0; tried < 20; ++tried)); do
         serverPort=$((20000 + RANDOM % 20000))
         if answers "$serverPort"; then
-            continue # somebody else's
+            continue # in use
         fi
         server/serve.sh "$1" "$serverPort" "$2" &
         serverPid=$!
@@ -36,7 +36,7 @@ startServer() {
         fi
         stopServer
     done
-    echo "The update server does not start; see $2/error.log" >&2
+    echo "The update server did not start; see $2/error.log" >&2
     return 1
 }
 
