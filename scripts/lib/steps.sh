@@ -49,7 +49,7 @@ step_format() {
 }
 
 step_scripts() {
-    sources '*.sh' .ci/run | xargs shellcheck -x
+    sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh
 }
 
 step_tests() {
