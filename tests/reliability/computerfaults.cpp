@@ -32,7 +32,7 @@ FaultRow row(const char* name, Scenario (*road)(Phase), const ByPhase& expected,
              const std::function<void()>& fault)
 {
     FaultRow row{
-        "computer", name, "this is done at one go: before and after it are the phases beside it", {}};
+        "computer", name, "this phase is a single step; the phases before and after it cover it", {}};
     for (const auto& [phase, outcome] : expected) {
         row.cells.push_back({road(phase), outcome});
         row.cells.back().scenario.fault = [fault](Journey&) { fault(); };
@@ -55,7 +55,7 @@ FaultRow kill()
 
 std::vector<FaultRow> computerFaults()
 {
-    constexpr auto keptAwake = "it is kept awake until the box that tells of the end";
+    constexpr auto keptAwake = "it is kept awake until the box that reports the end";
     constexpr auto endsOfAnUpdate = "tst_sleepinhibitor::endsOfAnUpdate";
     return {
         row("sleeps and wakes up", roadTo, carriesOn, [] { computer::suspend(napMs); }),
@@ -65,17 +65,16 @@ std::vector<FaultRow> computerFaults()
         kill(),
         {"computer",
          "is about to fall asleep by itself",
-         "only a unit being written keeps it awake",
+         "it is kept awake only while a unit is being updated",
          {},
          {{Phase::request, keptAwake, endsOfAnUpdate},
           {Phase::stream, keptAwake, endsOfAnUpdate},
           {Phase::installation, keptAwake, endsOfAnUpdate}}},
         {"computer",
          "has no system bus to be kept awake by",
-         "nobody asks it then",
+         "the bus is not needed then",
          {},
-         {{Phase::request,
-           "a line on standard error says so; all journeys of this document are made without one",
+         {{Phase::request, "a line on standard error says so; all runs behind this page are made without one",
            "tst_sleepinhibitor::withoutABusALineIsWritten"}}},
     };
 }

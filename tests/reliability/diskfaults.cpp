@@ -51,7 +51,7 @@ void resizeImage(qint64 bytes)
 std::vector<FaultRow> diskFaults()
 {
     constexpr auto written = "no file is written then";
-    constexpr auto stored = "only a download that is stored uses this name";
+    constexpr auto stored = "only storing a download uses this name";
     constexpr auto readOnce = "the image is read once, when Update Device is pressed";
     const auto fill = [] { computer::fillDisk(10000); };
     const auto lose = [] { QFile::remove(beside("updater.sb")); };
@@ -61,8 +61,8 @@ std::vector<FaultRow> diskFaults()
          written,
          {{at(Phase::store, fill), outcome::notSavedBackup}, {at(Phase::logParts, fill), outcome::cutLog}}},
         {"disk",
-         "takes no new file (read-only directory)",
-         "no file is made then; the log's is made when the program starts",
+         "accepts no new file (read-only directory)",
+         "no file is created then; the log file is created when the program starts",
          {{at(Phase::store, [] { computer::makeDirectoryReadOnly(); }), outcome::notSaved},
           {withoutLogFile(), outcome::noLog}}},
         {"disk",
@@ -75,7 +75,7 @@ std::vector<FaultRow> diskFaults()
          {{at(Phase::store, [] { takeName("updater.sb.bkp"); }), outcome::notSaved}}},
         {"disk",
          "has a directory named like the image",
-         "only the store and the press of Update Device use this name",
+         "only storing a download and pressing Update Device use this name",
          {{at(Phase::store, [] { takeName("updater.sb"); }), outcome::updatedWithoutBackup},
           {withoutImageAtThePress([] { takeName("updater.sb"); }), outcome::noFile}}},
         {"disk", "has lost the image", readOnce, {{withoutImageAtThePress(lose), outcome::noFile}}},

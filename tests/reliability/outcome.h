@@ -16,20 +16,20 @@ namespace diskword {
 inline constexpr auto newImage = "the new image is on disk, the old one is its backup";
 inline constexpr auto onlyNewImage = "the new image is on disk";
 inline constexpr auto oldImage = "the old image is on disk";
-inline constexpr auto onlyBackup = "the old image, as its backup, is on disk";
-inline constexpr auto cutImage = "an image cut short and the old image, as its backup, are on disk";
+inline constexpr auto onlyBackup = "only the old image is on disk, as the backup";
+inline constexpr auto cutImage = "a truncated image is on disk, the old one is its backup";
 inline constexpr auto noImage = "no image is on disk";
 inline constexpr auto noLog = "there is no log file";
 inline constexpr auto wholeLog = "the whole log is on disk";
 inline constexpr auto emptyLog = "the log file is empty";
 inline constexpr auto cutLog = "what was received is on disk";
-inline constexpr auto otherLog = "the log on disk has parts twice or other bytes";
+inline constexpr auto otherLog = "the log on disk has repeated parts or other wrong bytes";
 } // namespace diskword
 
 namespace endword {
 inline constexpr auto ends = "the program ends";
-inline constexpr auto waits = "the program waits for its user";
-inline constexpr auto gone = "the program is gone";
+inline constexpr auto waits = "the program waits for the user";
+inline constexpr auto gone = "the program has been killed";
 } // namespace endword
 /// @}
 

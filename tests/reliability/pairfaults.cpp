@@ -7,7 +7,7 @@ using virtualunit::Fault;
 namespace {
 
 constexpr auto elsewhere =
-    "as with a single unit, or the deck has no part in it; logs are fetched from single units only";
+    "as with a single unit, or the deck is not involved; logs are fetched from single units only";
 
 virtualunit::Options& unitOf(Scenario& scenario, int deck)
 {

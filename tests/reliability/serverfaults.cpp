@@ -28,7 +28,7 @@ const std::array<Asked, 3>& allRequests()
     return all;
 }
 
-constexpr auto noRequest = "no request to a server is under way then";
+constexpr auto noRequest = "no request is under way then";
 
 /// In place of the catalogue, the change log and the image.
 using Three = std::array<Outcome, 3>;
@@ -92,13 +92,14 @@ FaultRow unreachable()
 
 FaultRow twoAtOnce()
 {
-    return {"server",
-            "answers two requests at once",
-            "no control begins a second request then",
-            {},
-            {{Phase::catalogue, "whatever becomes of the two, the next check works",
-              "tst_overlappingrequests::secondCheckInFlight"},
-             {Phase::download, "no half image is stored", "tst_overlappingrequests::checkDuringADownload"}}};
+    return {
+        "server",
+        "answers two requests at once",
+        "no control starts a second request then",
+        {},
+        {{Phase::catalogue, "whatever happens to the two, the next check works",
+          "tst_overlappingrequests::secondCheckInFlight"},
+         {Phase::download, "no partial image is stored", "tst_overlappingrequests::checkDuringADownload"}}};
 }
 
 } // namespace
@@ -139,7 +140,7 @@ std::vector<FaultRow> serverFaults()
             [](const Asked& asked) {
                 return ok(qCompress(asked.body).mid(4), {"Content-Encoding: deflate"});
             }),
-        row("tells neither length nor end", allGood,
+        row("announces neither length nor end", allGood,
             [](const Asked& asked) { return Answer{{"HTTP/1.1 200 OK\r\n\r\n" + asked.body}}; }),
         row("never ends", allBad,
             [piece](const Asked&) {

@@ -65,7 +65,7 @@ Scenario flooding(Phase phase)
 
 std::vector<FaultRow> logFaults()
 {
-    constexpr auto elsewhere = "a log's answers come only while a log is fetched";
+    constexpr auto elsewhere = "a unit answers like this only while its log is fetched";
     const auto log = [](const char* name, Phase phase, const Outcome& expected, Fault fault, int argument = 0,
                         const QStringList& complaints = {}) {
         return FaultRow{"unit", name, elsewhere, {{withFault(phase, fault, argument), expected, complaints}}};
@@ -78,11 +78,11 @@ std::vector<FaultRow> logFaults()
             1000),
         log("announces one part too many", Phase::logParts, outcome::wholeLog, Fault::WrongCount, 1,
             startsOver),
-        log("sends three parts more than announced", Phase::logParts, outcome::otherLog, Fault::TooManyParts,
+        log("sends three more parts than announced", Phase::logParts, outcome::otherLog, Fault::TooManyParts,
             3, startsOver),
         log("announces 0 parts and sends a log", Phase::logParts, outcome::wholeLog, Fault::ZeroParts, 0,
             startsOver),
-        log("says that its last part holds 255 bytes", Phase::logParts, outcome::otherLog,
+        log("claims that its last part holds 255 bytes", Phase::logParts, outcome::otherLog,
             Fault::OverlongLastPart, 255),
         log("answers with unknown replies before the first part", Phase::logParts, outcome::wholeLog,
             Fault::UnknownReplies, 1000),
@@ -95,29 +95,28 @@ std::vector<FaultRow> anyByte()
     return {
         {"unit",
          "sends any status byte (256)",
-         "nothing is read from the unit then, or as in the installation (quit); a log's replies are below",
+         "nothing is read from the unit then, or as in the installation (quit); for a log, see below",
          {},
-         {{Phase::identification, "its version is read, whatever the status says",
+         {{Phase::identification, "the version is read, whatever the status says",
            "tst_everybyte::firstReport"},
           {Phase::request,
            "0x9_ starts the stream, 0xA_ and 0xB_ show their boxes and nothing is sent, all others are "
-           "waited out",
+           "ignored",
            "tst_everybyte::answerToTheRequest"},
           {Phase::stream, "the stream goes on: nothing is read before its end", "tst_everybyte::inTheStream"},
           {Phase::installation,
-           "0xE_ is shown as progress, 0xF_ as the good end, 0x7_ and 0xC_ as errors, all others are waited "
-           "out",
+           "0xE_ is shown as progress, 0xF_ as success, 0x7_ and 0xC_ as errors, all others are ignored",
            "tst_everybyte::inTheInstallation"}}},
         {"unit",
          "sends any reply code (256)",
-         "a log's answers come only while a log is fetched",
+         "a unit answers like this only while its log is fetched",
          {},
          {{Phase::logHeader,
            "0x60 ends with “Download log file is complete.…” and an empty file, all others but the header "
-           "are waited out",
+           "are ignored",
            "tst_everybyte::insteadOfTheHeader"},
           {Phase::logParts,
-           "0x40 and 0x50 are parts and stored, for all others the unit is asked to send again",
+           "0x40 and 0x50 are parts and are stored; for all others the unit is asked to send again",
            "tst_everybyte::insteadOfAPart"}}},
     };
 }
@@ -129,8 +128,8 @@ FaultRow only(const char* name, const char* elsewhere, const Scenario& scenario,
 
 std::vector<FaultRow> refusals()
 {
-    constexpr auto requests = "it answers requests only";
-    constexpr auto noImage = "it has no image before";
+    constexpr auto requests = "a unit refuses only requests";
+    constexpr auto noImage = "the unit has no image before";
     return {
         only("refuses: timed out", requests, withFault(Phase::request, Fault::RefusesTimeout),
              outcome::timedOut),
@@ -145,7 +144,7 @@ std::vector<FaultRow> refusals()
         only("finds the digest wrong", noImage, withFault(Phase::stream, Fault::WrongDigest),
              outcome::wrongDigest),
         only("rejects the image", noImage, withFault(Phase::stream, Fault::RejectsImage), outcome::rejected),
-        only("fails to install", "it installs nothing else",
+        only("fails to install", "the unit installs nothing at other times",
              withFault(Phase::installation, Fault::InstallationFails), outcome::rejected),
     };
 }
@@ -192,12 +191,11 @@ Scenario longRoadTo(Phase phase)
 
 std::vector<FaultRow> unitFaults()
 {
-    constexpr auto isOpen = "it is open from here on";
+    constexpr auto isOpen = "the unit is open from here on";
     std::vector<FaultRow> rows{
         {"unit",
          "is unplugged",
-         "the image is stored at one go, in one turn of the event loop; what happens meanwhile is noticed "
-         "after it",
+         "the image is stored in one turn of the event loop; what happens meanwhile is noticed afterwards",
          {{nothingPluggedIn(), outcome::notFound},
           {unpluggedInIdentification(), outcome::notWritten},
           {unpluggedIn(Phase::catalogue), outcome::notWritten},
@@ -214,14 +212,14 @@ std::vector<FaultRow> unitFaults()
              outcome::notFound),
         {"unit",
          "falls silent",
-         "nothing is awaited from the unit then",
+         "nothing is expected from the unit then",
          {{withFault(Phase::identification, Fault::NoVersionReport), outcome::updated},
           {withFault(Phase::request, Fault::NeverAnswers), outcome::keepsFirmware},
           {withFault(Phase::installation, Fault::SilentInstallation), outcome::keepsFirmware},
           {longRoadTo(Phase::logHeader), outcome::awaitsHeader},
           {withFault(Phase::logParts, Fault::StallsAfterPart, partInTheLog), outcome::awaitsPart}}},
         {"unit",
-         "takes nothing any more",
+         "accepts no more data",
          "nothing is written to the unit then",
          {{withFault(Phase::request, Fault::TakesNothing, 100), outcome::notWritten},
           {writesFailFrom(Phase::stream), outcome::keepsFirmware},

@@ -32,10 +32,9 @@ Scenario roadToBeStopped(Phase phase)
 
 std::vector<FaultRow> userFaults()
 {
-    constexpr auto noEvent =
-        "no event is taken in the middle of this, or a box stands in front of the window";
+    constexpr auto noEvent = "no event is handled during this phase, or a box blocks the window";
     constexpr auto noBox =
-        "no box opens then, unless another fault opens it; the closing one belongs to the installation";
+        "no box opens then, unless another fault opens one; the closing box belongs to the installation";
     return {
         row("closes the window", noEvent, endsAtOnce, longRoadTo,
             [](Journey& journey) { journey.window().close(); }),
