@@ -15,25 +15,25 @@ namespace exitsignals {
 
 namespace {
 
-/// Reading end and writing end of a pipe. What a signal writes stays in it, so that both waiters see it.
+/// The read end and the write end of a pipe. What a signal writes stays in it, so that both waiters see it.
 std::array<int, 2> pipeEnds{-1, -1};
 
-/// By signal: 1 once one has come.
+/// By signal number: 1 once the signal has arrived.
 std::array<volatile std::sig_atomic_t, NSIG> seen{};
 
-/// A terminal that is closed tells its program twice: the shell sends a SIGHUP, and the kernel another one
-/// when the shell has gone.
+/// Closing a terminal sends two SIGHUPs to its program: one from the shell, and one from the kernel once the
+/// shell has gone.
 bool isKernelsHangup(int signal, const siginfo_t& info)
 {
 #ifdef SI_KERNEL
     return signal == SIGHUP && info.si_code == SI_KERNEL;
 #else
-    (void)info; // who sent it cannot be told
+    (void)info; // the sender is unknown here
     return signal == SIGHUP;
 #endif
 }
 
-/// A signal's handler: only calls that are safe in one.
+/// The signal handler: makes only calls that are safe in one.
 void note(int signal, siginfo_t* info, void* /*context*/)
 {
     const int savedError = errno;
@@ -73,7 +73,7 @@ void awaitSignal()
 void listen(void (*told)())
 {
     if (pipe(pipeEnds.data()) != 0)
-        return; // the signals end the process as they always do
+        return; // the signals keep their default effect
     for (const int end : pipeEnds)
         fcntl(end, F_SETFD, FD_CLOEXEC);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
@@ -90,7 +90,7 @@ void quitOnSignal(QCoreApplication& application)
         return;
     auto* const notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, &application);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier] {
-        notifier->setEnabled(false); // what was written stays
+        notifier->setEnabled(false); // the byte stays in the pipe
         QCoreApplication::quit();
     });
 }

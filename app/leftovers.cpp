@@ -50,9 +50,9 @@ void giveBack()
 
 void giveBackAtExit()
 {
-    (void)QThreadPool::globalInstance(); // made first, so that it waits for its threads last
+    (void)QThreadPool::globalInstance(); // created first, so that it waits for its threads last
     std::atexit([] {
-        limitTheEnd(EXIT_FAILURE); // unless the end has begun before, with its own code
+        limitTheEnd(EXIT_FAILURE); // unless the end has already begun, with its own code
         giveBack();
     });
 }

@@ -20,7 +20,7 @@ void logMessageOutput(QtMsgType /*type*/, const char* message)
         if (file.open(QIODevice::WriteOnly | QIODevice::Append))
             stream.setDevice(&file);
     }
-    stream.setCodec("UTF-8"); // here: setDevice() sets it back
+    stream.setCodec("UTF-8"); // here, as setDevice() resets it
     if (message != nullptr && file.isOpen()) {
         stream << timestamp::forLine(QDateTime::currentDateTime()) << ' ' << ": "
                << QString::fromLocal8Bit(message) << Qt::endl;

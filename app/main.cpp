@@ -12,11 +12,11 @@
 
 namespace {
 
-/// Runs the window. The window, then the application, is gone when this returns.
+/// Runs the window. When this returns, the window and then the application have been destroyed.
 int runWindow(int argc, char** argv)
 {
 #ifdef Q_OS_WIN
-    // Each screen has a scale of its own there. On X the window's layout follows the one resolution there is.
+    // There, each screen has its own scale. On X there is one resolution, which the window's layout follows.
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 #endif
@@ -42,8 +42,8 @@ int main(int argc, char** argv)
         logMessageOutput(type, message.toLocal8Bit().constData());
     });
 #endif
-    // Otherwise Qt loads the OpenGL driver for every window, half of the start-up time; nothing here draws
-    // with it.
+    // Otherwise Qt loads the OpenGL driver for every window, which takes half of the start-up time; nothing
+    // here uses it.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
     QNetworkProxyFactory::setUseSystemConfiguration(true);

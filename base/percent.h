@@ -6,13 +6,13 @@
 #include <limits>
 
 /// `done` in per cent of `total`: done x 100 / total, truncated towards zero, not clamped to 100.
-/// Defined for every input: a total of 0 gives 0, a quotient outside int gives int's nearest end.
+/// Defined for every input: a total of 0 gives 0; a quotient outside int's range gives its nearest limit.
 [[nodiscard]] constexpr int percent(qint64 done, qint64 total)
 {
     if (total == 0)
         return 0;
     constexpr qint64 mayBeMultiplied = std::numeric_limits<qint64>::max() / 100;
-    if (done > mayBeMultiplied || done < -mayBeMultiplied) { // two digits of such numbers do not matter
+    if (done > mayBeMultiplied || done < -mayBeMultiplied) { // the last two digits do not matter
         done /= 100;
         total = total / 100 != 0 ? total / 100 : total;
     }

@@ -9,7 +9,7 @@
 
 namespace {
 
-bool only_one_time = false; ///< the closing box was shown; once in a run
+bool only_one_time = false; ///< the closing box has been shown; once per run
 
 } // namespace
 
@@ -44,7 +44,7 @@ void MainWindow::on_stopDownloadingFile_pressed()
     ui->updateDeviceButton->setEnabled(true);
     ui->progressBarTransfer->setValue(0);
     logDownloader->stopTransfer();
-    logDownloader->dumpFile(); // intentional: the closing box is asked for twice and shown once
+    logDownloader->dumpFile(); // intentional: requests the closing box again; it is shown once
 }
 
 /// Intentional: every end of a log download, good or bad, shows this box and ends the program.

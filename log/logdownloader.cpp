@@ -14,9 +14,9 @@ namespace {
 
 constexpr int partReadMs = 100;
 constexpr int nextPartMs = 1;    ///< the timer between two parts unwinds the stack
-constexpr int failedReadMs = 10; ///< pause after a failed read: a vanished unit must cost no processor
+constexpr int failedReadMs = 10; ///< pause after a failed read: a vanished unit must use no CPU
 
-/// What follows an acknowledge or a resend.
+/// What follows an acknowledgement or a resend request.
 enum Next { readPart = 0, nothing = 1, waitForHeader = 2 };
 enum AfterResend { headerAgain = 0, partAgain = 1 };
 
@@ -33,8 +33,8 @@ LogDownloader::LogDownloader(hid_device* unit, QObject* /*parent*/) : device(uni
         qErrnoWarning("LogDownloader::LogDownloader");
 }
 
-/// Opens a file that was not there: another program may have started in the same second, or the clock was set
-/// back, and a log that was pulled then must stay. False if no name could be had.
+/// Opens a file that did not exist: another instance may have started in the same second, or the clock may
+/// have been set back, and a log downloaded then must stay. False if no name is available.
 bool LogDownloader::claimFile(const QDateTime& start)
 {
     const QString folder = QCoreApplication::applicationDirPath() + "/";
@@ -42,7 +42,7 @@ bool LogDownloader::claimFile(const QDateTime& start)
         const QString name = folder + logfilename::at(start, attempt);
         logFile.setFileName(name);
         if (QFile(name).open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            return logFile.open(QIODevice::WriteOnly | QIODevice::Truncate); // nobody else's from now on
+            return logFile.open(QIODevice::WriteOnly | QIODevice::Truncate); // ours from now on
         if (const QFileInfo taken(name); !taken.exists() && !taken.isSymLink())
             return false; // the folder cannot be written, whatever the name
     }
@@ -81,7 +81,7 @@ void LogDownloader::waitLogFileMd5()
     emit needdataCompleted(readPart);
 }
 
-/// Reads until a header or the word that there is no log, for as long as it takes. False: the program ends.
+/// Reads until a header or the reply that there is no log, indefinitely. False: the program is ending.
 bool LogDownloader::readHeader()
 {
     while (!isProgramEnding()) {
@@ -109,8 +109,8 @@ void LogDownloader::needreadLogPart2()
     emit needreadLogPart();
 }
 
-/// Reads one part, asking again for as long as the replies are none: a loop, as a nested call for each would
-/// end in a stack overflow. Intentional: a read that brings nothing leaves the download standing.
+/// Reads one part, asking again while the replies are something else: in a loop, as nested calls would end in
+/// a stack overflow. Intentional: a read without a reply leaves the download standing.
 void LogDownloader::readLogPart()
 {
     while (!stopRequested && !isProgramEnding()) {
@@ -120,7 +120,7 @@ void LogDownloader::readLogPart()
     }
 }
 
-/// Takes the part in the buffer and goes on to the next step. False if the reply is no part.
+/// Takes the part in the buffer and starts the next step. False if the reply is not a part.
 bool LogDownloader::takePart()
 {
     switch (logprotocol::replyCode(report.data())) {
@@ -142,7 +142,7 @@ bool LogDownloader::takePart()
 }
 
 /// Ends the download by the count of parts; no digest is computed. Intentional: after a wrong count the unit
-/// is asked to start over, its new header is awaited and acknowledged, and the download ends all the same.
+/// is asked to start over, its new header is awaited and acknowledged, and the download ends anyway.
 void LogDownloader::checkFile()
 {
     if (partsReceived != partsTotal) {
@@ -163,8 +163,8 @@ void LogDownloader::resendMessage(int next)
         emit needwaitLogFileMd5();
 }
 
-/// A stop may have closed the file; what arrives then is dropped. Each part reaches the system at once, so
-/// that what was received so far survives any end of the program.
+/// A stop may have closed the file; what arrives then is dropped. Each part is flushed at once, so that what
+/// has been received survives any end of the program.
 void LogDownloader::store(const QByteArray& bytes)
 {
     const std::lock_guard locker(logFileLock);

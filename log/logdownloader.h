@@ -11,12 +11,13 @@
 #include <atomic>
 #include <mutex>
 
-/// Pulls the unit's log into a file beside the program, as received. Lives on the worker thread, which runs
-/// its protocol steps; the GUI thread calls setDevice, startDownload, stopTransfer and dumpFile directly.
+/// Downloads the unit's log, as received, into a file beside the program. Lives on the worker thread, which
+/// runs its protocol steps; the GUI thread calls setDevice, startDownload, stopTransfer and dumpFile
+/// directly.
 ///
-/// Who touches what: before startDownload has emitted its signal everything belongs to the GUI thread; from
-/// then on everything to the worker, save stopRequested (atomic) and logFile (under logFileLock), by which
-/// the GUI thread stops a download while the worker may be writing a part.
+/// Who may touch what: until startDownload emits its signal, everything belongs to the GUI thread; from then
+/// on everything belongs to the worker, except stopRequested (atomic) and logFile (under logFileLock), with
+/// which the GUI thread stops a download while the worker may be writing a part.
 class LogDownloader : public QObject
 {
     Q_OBJECT
@@ -27,7 +28,7 @@ public:
     /// file that exists already is never touched (logfilename.h).
     LogDownloader(hid_device* device, QObject* parent);
 
-    /// The unit to pull from; not owned.
+    /// The unit to download from; not owned.
     void setDevice(hid_device* unit, UnitType type);
 
 signals:
@@ -70,5 +71,5 @@ private:
     std::atomic<bool> stopRequested = false;
     QFile logFile;
     UnitType unitType = UNIT_HB4;
-    std::mutex logFileLock; ///< not Qt's: the thread sanitizer sees through this one
+    std::mutex logFileLock; ///< not QMutex, which the thread sanitizer does not understand
 };

@@ -13,8 +13,8 @@ struct Situation
     bool answerIsAwaited = false; ///< by the update checker
 };
 
-/// For a single unit, before any update and any other log. Not while the update server may still answer: an
-/// image that arrives would enable Update Device in mid-log.
+/// For a single unit, before any update or other log. Not while the update server may still answer: an image
+/// that arrives would enable Update Device during the log download.
 [[nodiscard]] constexpr bool isAllowed(const Situation& now)
 {
     return now.unitIsOpen && !now.isPair && !now.updateHasBegun && !now.logHasBegun && !now.answerIsAwaited;

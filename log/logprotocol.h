@@ -30,16 +30,16 @@ enum Reply : unsigned char {
     noLog = 0x60,
 };
 
-inline constexpr unsigned char requestNumber = 1; ///< the only number ever asked for
+inline constexpr unsigned char requestNumber = 1; ///< the only number ever requested
 
-/// Asks for the log; only the low 8 bits of `number` are sent. The command's place goes by the model.
+/// Requests the log; only the low 8 bits of `number` are sent. The command's place depends on the model.
 [[nodiscard]] report::Output buildRequest(UnitType type, int number);
 [[nodiscard]] report::Output buildAcknowledge();
 [[nodiscard]] report::Output buildResend();
 
 /// Readers of the 64 bytes of an input report.
 [[nodiscard]] unsigned char replyCode(const unsigned char* reply);
-[[nodiscard]] bool endsHeaderWait(const unsigned char* reply); ///< a header, or the word that there is no log
+[[nodiscard]] bool endsHeaderWait(const unsigned char* reply);      ///< a header, or that there is no log
 [[nodiscard]] QByteArray headerDigest(const unsigned char* reply);  ///< 32 bytes
 [[nodiscard]] std::int32_t headerParts(const unsigned char* reply); ///< negative from 2^31 parts on
 [[nodiscard]] QByteArray dataPartBytes(const unsigned char* reply); ///< 63 bytes

@@ -47,7 +47,7 @@ Offer lookUp(const Entries& entries, const QString& stem)
 
 Decision decide(const Offer& offer, const QString& curVersion)
 {
-    // The updater's change log is not required: its address fails when it is asked for.
+    // The updater's change log is not required: without an address, requesting it fails.
     const std::array required{&offer.newVersion, &offer.binUrl, &offer.changeLogUrl, &offer.mainBinUrl,
                               &offer.mainVersion};
     if (std::any_of(required.begin(), required.end(), [](const QString* value) { return value->isEmpty(); }))

@@ -7,18 +7,18 @@
 #include <QMap>
 #include <QString>
 
-/// The version catalogue: lines "key=value" that tell the newest versions and where they lie.
+/// The version catalogue: lines "key=value" with the newest versions and their addresses.
 namespace catalogue {
 
-/// A larger catalogue (bytes, after removal of carriage returns) is reported, and used all the same.
+/// A larger catalogue (in bytes, without carriage returns) is reported, but still used.
 inline constexpr int reportedSize = 10245;
 
-/// Catalogue version of the updater itself from which on it is newer than this one.
+/// The lowest updater version in the catalogue that is newer than this updater.
 inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;
 
 using Entries = QMap<QString, QString>;
 
-/// What the catalogue says for one model and for the updater; an absent key is an empty string.
+/// What the catalogue says about one model and about the updater; an absent key is an empty string.
 struct Offer
 {
     QString newVersion;
@@ -31,16 +31,16 @@ struct Offer
 
 enum class Decision {
     incomplete,   ///< a required value is missing or empty
-    newerUpdater, ///< comes before any firmware
+    newerUpdater, ///< takes precedence over any firmware
     newerFirmware,
     upToDate,
 };
 
-/// The bytes without any carriage return, wherever it stands.
+/// The bytes without carriage returns.
 [[nodiscard]] QByteArray withoutCarriageReturns(QByteArray bytes);
 
-/// Decodes UTF-8 up to the first NUL byte and takes the lines apart at their first "=". Keys and values keep
-/// their blanks; a later line replaces an earlier one of the same key; lines without "=" are remarks.
+/// Decodes UTF-8 up to the first NUL byte and splits each line at its first "=". Keys and values keep their
+/// blanks; a later line replaces an earlier one with the same key; lines without "=" are remarks.
 [[nodiscard]] Entries parse(const QByteArray& bytes);
 
 /// What the model's keys begin with, for example "HB4" or "PLT70". Intentional: "HB2" for a type without a
@@ -53,8 +53,8 @@ enum class Decision {
 /// Compares the offer with the unit's version in decimal text.
 [[nodiscard]] Decision decide(const Offer& offer, const QString& curVersion);
 
-/// The number that `text` begins with (blanks before it do not count), in the C locale: 27 for "27=x", 0.0
-/// for a text that begins with no number.
+/// The number at the start of `text` (leading blanks are skipped), in the C locale: 27 for "27=x", 0.0 for a
+/// text that does not start with a number.
 [[nodiscard]] double leadingNumber(const QString& text);
 
 } // namespace catalogue

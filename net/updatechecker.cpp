@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int silenceLimitMs = 30000;
-constexpr qint64 reportedTotal = 15000001; // bytes; an answer that announces as much is reported, not refused
+constexpr qint64 reportedTotal = 15000001; // bytes; an answer announcing this much is reported, not refused
 constexpr int okStatus = 200;
 
 } // namespace
@@ -59,7 +59,7 @@ bool UpdateChecker::isBusy() const
 
 void UpdateChecker::endNetwork()
 {
-    networkManager.clearConnectionCache(); // what ends the thread, and tells nobody
+    networkManager.clearConnectionCache(); // ends the thread without emitting anything
 }
 
 void UpdateChecker::checkUpdate()
@@ -71,7 +71,7 @@ void UpdateChecker::checkUpdate()
         emit newUpdateFileDownloaded(true);
         return;
     }
-    // Intentional: infoData is not cleared; what a failed check left behind comes before the fresh lines.
+    // Intentional: infoData is not cleared; what a failed check left behind precedes the new lines.
     get(QStringLiteral("http://" TALVEX_UPDATE_HOST "/wp-content/uploads/versions.txt"),
         SLOT(replyFinished()), SLOT(httpReadyRead()));
     timeoutTimer->start(silenceLimitMs);
@@ -124,12 +124,12 @@ void UpdateChecker::httpReadyRead3()
 {
     if (reply == nullptr)
         return;
-    // Intentional: each piece is decoded by itself, up to its first NUL byte, carriage returns included.
+    // Intentional: each piece is decoded separately, up to its first NUL byte, including carriage returns.
     changeLogText += QString::fromUtf8(takePiece().constData());
     giveUpEndless();
 }
 
-/// Reads what has arrived, kept or not later on.
+/// Reads what has arrived, whether or not it is kept later.
 QByteArray UpdateChecker::takePiece()
 {
     QByteArray piece = reply->readAll();
@@ -137,19 +137,19 @@ QByteArray UpdateChecker::takePiece()
     return piece;
 }
 
-/// Gives the request up, as a network error, once it has brought more than `sizeLimit` bytes.
+/// Abandons the request, as a network error, once more than `sizeLimit` bytes have arrived.
 void UpdateChecker::giveUpEndless()
 {
     if (received <= sizeLimit)
         return;
-    // One more report of progress would start the clock again.
+    // Another progress report would restart the clock.
     // clang-format off
     disconnect(reply, SIGNAL(downloadProgress(qint64,qint64)), this, nullptr);
     // clang-format on
     reply->abort();
 }
 
-/// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 is an answer.
+/// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 counts.
 bool UpdateChecker::replyFailed() const
 {
     return reply->error() != QNetworkReply::NoError ||
@@ -168,10 +168,10 @@ void UpdateChecker::reportProblem()
     emit youHaveProblem(QStringLiteral("Problem with internet connection"), QStringLiteral(""));
 }
 
-/// What a change log or an image that did not arrive is reported with.
+/// Reports a change log or an image that did not arrive.
 void UpdateChecker::reportFailedDownload(const char* logLine)
 {
-    const QString error = reply->errorString(); // taken now: a box may stay open for long
+    const QString error = reply->errorString(); // read now, as a box may stay open for long
     qErrnoWarning("%s", logLine);
     reportProblem();
     qErrnoWarning("Error by download update file");
@@ -189,14 +189,14 @@ void UpdateChecker::replyFinished()
         return;
     }
     if (infoData.size() > catalogue::reportedSize)
-        exitSlot(); // intentional: only a warning, the catalogue is used all the same
+        exitSlot(); // intentional: only a warning, the catalogue is still used
     if (findUnitModel(unitType) == nullptr)
         qErrnoWarning("Can't recog unitType %d", static_cast<int>(unitType));
     act();
 }
 
-/// Takes over what the catalogue says for the unit's model and does what follows from it. Intentional: on the
-/// updater's road infoData is kept.
+/// Stores what the catalogue says about the unit's model and acts on it. Intentional: infoData is kept if it
+/// leads to a newer updater.
 void UpdateChecker::act()
 {
     const catalogue::Offer offer =
@@ -226,7 +226,7 @@ void UpdateChecker::act()
         emit youHaveLastVersion();
 }
 
-/// Reports a change log that did not arrive. Intentional: its text so far stays in front of the next one.
+/// Reports a change log that did not arrive. Intentional: the part received precedes the next one.
 bool UpdateChecker::changeLogFailed(const char* logLine)
 {
     timeoutTimer->stop();
@@ -283,7 +283,7 @@ void UpdateChecker::downloadError()
 void UpdateChecker::sslErrors(QNetworkReply* /*failing*/, QList<QSslError> /*errors*/)
 {
     if (reply != nullptr)
-        reply->ignoreSslErrors(); // intentional: of the reply in flight, whichever is failing
+        reply->ignoreSslErrors(); // intentional: the reply in flight, whichever failed
 }
 
 void UpdateChecker::slotAuthenticationRequired(QNetworkReply* /*asking*/, QAuthenticator* /*authenticator*/)

@@ -14,7 +14,7 @@ class QAuthenticator;
 class QTimer;
 
 /// The only HTTP client: the version catalogue, change logs and firmware images, one request at a time.
-/// Lives on the GUI thread. Every problem is told by youHaveProblem; the detail stands in the diagnostics.
+/// Lives on the GUI thread. Every problem is signalled by youHaveProblem; the details are in the diagnostics.
 class UpdateChecker : public QObject
 {
     Q_OBJECT
@@ -22,20 +22,20 @@ class UpdateChecker : public QObject
 public:
     explicit UpdateChecker(QObject* parent = nullptr);
 
-    /// Takes the service file beside the program if there is one, else asks for the catalogue.
+    /// Uses the service file beside the program if there is one; otherwise requests the catalogue.
     void checkUpdate();
 
     void setUnitType(UnitType type);
     void setCurVersion(unsigned char version);
-    void setCurVersion(const QString& version); ///< decimal text; this form is the one compared
+    void setCurVersion(const QString& version); ///< decimal text; this form is compared
 
     void downloadError();
 
-    /// True while an answer is awaited.
+    /// True while waiting for an answer.
     [[nodiscard]] bool isBusy() const;
 
     /// For the program's end: stops the thread of Qt's HTTP client, and with it every request; nothing more
-    /// is signalled. Returns at once, after 5 s at most. GUI thread, once the event loop has ended.
+    /// is signalled. Usually returns at once, and within 5 s. GUI thread, after the event loop has ended.
     void endNetwork();
 
 signals:

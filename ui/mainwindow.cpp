@@ -47,8 +47,8 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow() = default;
 
-/// Ends the program at once: Qt's own end for the last window is a posted event, which a box that opens in
-/// this very moment would swallow; it would stand there alone.
+/// Ends the program at once: when the last window closes, Qt itself posts an event, which a box opening at
+/// that moment would swallow and then remain on its own.
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     QMainWindow::closeEvent(event);
@@ -62,18 +62,18 @@ MainWindow::Leftovers MainWindow::leftovers() const
 
 void MainWindow::startLogWorker()
 {
-    auto* worker = new QThread; // lives to the process's end: it may be blocked in a read
+    auto* worker = new QThread; // lives until the process ends: it may be blocked in a read
     logDownloader->moveToThread(worker);
     // clang-format off
-    connectChecked({worker, SIGNAL(started ()), logDownloader, SLOT(process ())}); // with their blanks
+    connectChecked({worker, SIGNAL(started ()), logDownloader, SLOT(process ())}); // blanks included
     // clang-format on
     worker->start(QThread::InheritPriority);
 }
 
-// The table's signatures are handed over with their blanks.
+// The signatures in this table are passed on with their blanks.
 // clang-format off
 
-/// Connections 2 to 20, in their order; startLogWorker has made the first.
+/// Connections 2 to 20, in order; startLogWorker has made the first.
 void MainWindow::connectAll()
 {
     const std::array<Connection, 19> connections{{
@@ -86,7 +86,7 @@ void MainWindow::connectAll()
         {logDownloader, SIGNAL(logDownloadFinished()), this,          SLOT(onLogDownloadFinished())},
         {logDownloader, SIGNAL(needwaitLogFileMd5()),  logDownloader, SLOT(waitLogFileMd5())},
         {logDownloader, SIGNAL(needreadLogPart()),     logDownloader, SLOT(readLogPart())},
-        // To the downloader itself: a direct call on the worker thread, as the log exchange needs it.
+        // To the downloader itself: a direct call on the worker thread, as the log exchange requires.
         {logDownloader, SIGNAL(needdataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},
         {logDownloader, SIGNAL(needresendMessage(int)), logDownloader, SLOT(resendMessage(int))},
         {this,          SIGNAL(needDataCompleted(int)), logDownloader, SLOT(dataCompleted(int))},

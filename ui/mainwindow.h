@@ -20,8 +20,8 @@ class Ui_MainWindow;
 class UpdateChecker;
 class WindowScale;
 
-/// The only window and the owner of all state of a connection with a unit. Lives on the GUI thread; its
-/// slots are defined in the folders of the subsystems that they belong to.
+/// The only window, and the owner of all state of the connection to a unit. Lives on the GUI thread; its
+/// slots are defined in the folders of the subsystems they belong to.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -31,11 +31,11 @@ public:
     ~MainWindow() override;
     Q_DISABLE_COPY_MOVE(MainWindow)
 
-    /// What the window leaves to the program's end: it stops no thread and closes no unit.
+    /// What the window leaves for the program's end: it stops no thread and closes no unit itself.
     struct Leftovers
     {
         QThread* worker = nullptr;        ///< runs the log downloader; never deleted
-        UpdateChecker* checker = nullptr; ///< has a thread of its own while it awaits answers; never deleted
+        UpdateChecker* checker = nullptr; ///< has its own thread while waiting for answers; never deleted
     };
     [[nodiscard]] Leftovers leftovers() const;
 
@@ -120,18 +120,18 @@ private:
     void reportUnansweredOffer();
 
     std::unique_ptr<Ui_MainWindow> ui;
-    std::unique_ptr<WindowScale> scale; ///< after ui, which it reads
-    UpdateChecker* updateChecker;       ///< lives to the process's end, like the next one
+    std::unique_ptr<WindowScale> scale; ///< declared after ui, which it reads
+    UpdateChecker* updateChecker;       ///< lives until the process ends, like the next one
     LogDownloader* logDownloader;       ///< lives on the worker thread
     std::uint8_t currentVersion = 0;
     QFile updaterFile; ///< the image to send
     QByteArray firmwareData;
-    int transferStarted = 0;    ///< 1: the unit accepted the transfer
+    int transferStarted = 0;    ///< 1: the unit has accepted the transfer
     int applyingPhase = 0;      ///< 1: ticks follow the installation
-    int requestSent = 0;        ///< 1: the transfer request is written
+    int requestSent = 0;        ///< 1: the transfer request has been written
     int updateSize = 1;         ///< bytes of the image being sent
     int packetNumber = 0;       ///< data packets sent so far
-    int fakeProgressActive = 0; ///< 1: the installation's bar creeps
+    int fakeProgressActive = 0; ///< 1: the installation's bar is creeping
     hid_device* device = nullptr;
     hid_device* secondDevice = nullptr;
     std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen: product ID and path
@@ -143,8 +143,8 @@ private:
     std::uint8_t payloadOffset = 0;
     bool logAckPending = false; ///< timerSlot acknowledges a log part; intentional: nothing sets it
     std::string pendingDeckPath;
-    bool updateBegun = false;  ///< Update Device was pressed
-    bool problemShown = false; ///< a problem's box is open or was: the program ends with it
-    bool endTold = false;      ///< the box of a finished installation was asked for
-    int installationBoxes = 0; ///< boxes of the installation phase asked for and not yet dismissed
+    bool updateBegun = false;  ///< Update Device has been pressed
+    bool problemShown = false; ///< a problem's box is or was open; the program ends with it
+    bool endTold = false;      ///< the box for a finished installation has been requested
+    int installationBoxes = 0; ///< boxes of the installation phase requested and not yet dismissed
 };

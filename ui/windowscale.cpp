@@ -17,8 +17,8 @@ namespace windowscale {
 double screenFactor(double dotsPerInch)
 {
     constexpr double normal = 96;
-    // A server that nobody told a resolution reports what its monitor measures, up to 108 or so,
-    // which is not a request for a larger window. The next step that anybody chooses is 120.
+    // A server without a configured resolution reports what its monitor measures, up to about 108, which is
+    // not a request for a larger window. The next step that anybody chooses is 120.
     constexpr double firstLarger = 112;
     return dotsPerInch < firstLarger ? 1 : dotsPerInch / normal;
 }
@@ -56,15 +56,15 @@ namespace {
 
 using windowscale::Need;
 
-/// Qt's offscreen platform invents a default font that no user chose, larger than any desktop's. It must not
-/// stretch the layout; only a font that was set does.
+/// Qt's offscreen platform has a default font that no user chose, larger than any desktop's. It must not
+/// stretch the layout; only a font that has been set may.
 bool isFontChosen()
 {
     return QGuiApplication::platformName() != "offscreen" || QApplication::font().resolve() != 0;
 }
 
-/// A line whose letters are centred in less than its height loses nothing while it only lacks the air above
-/// its highest and below its lowest letter.
+/// The height that a centred line needs: nothing is cut off while only the space above its highest and below
+/// its lowest letter is missing.
 int heightOfLetters(const QFontMetrics& metrics, const QString& text)
 {
     const QRect letters = metrics.tightBoundingRect(text);
@@ -127,7 +127,7 @@ bool WindowScale::eventFilter(QObject* watched, QEvent* event)
         watchScreen();
         break;
     case QEvent::Resize:
-        // A new screen's pixels change the size first and are told of next.
+        // A new screen's pixels first change the size; the notification follows.
         QMetaObject::invokeMethod(
             this, [this] { noteSize(); }, Qt::QueuedConnection);
         break;
@@ -150,8 +150,8 @@ void WindowScale::watchScreen()
     QObject::connect(handle, &QWindow::screenChanged, this, [this] { applyLater(); });
 }
 
-/// Once the change has reached all controls, and the window's size too: X keeps that in pixels of the screen,
-/// however large the new screen's own are.
+/// Waits until the change has reached all controls and the window's size: X keeps the size in screen pixels,
+/// however large the new screen's pixels are.
 void WindowScale::applyLater()
 {
     if (applyWaits)
@@ -195,8 +195,8 @@ void WindowScale::resizeWindow(const QSize& size)
     settledSize = size;
     const QRect now = window.geometry();
     QRect wanted(now.topLeft(), size);
-    // A window is on the screen that has its middle: where that would be another one, the middle stays, else
-    // two screens would hand the window to and fro.
+    // A window belongs to the screen that contains its centre. If resizing would move the centre to another
+    // screen, the centre stays; otherwise two screens could pass the window back and forth.
     QScreen* const screen = window.screen();
     const bool leaves =
         !screen->geometry().contains(wanted.center()) && screen->virtualSiblingAt(wanted.center()) != nullptr;
@@ -225,7 +225,7 @@ QVector<Need> WindowScale::needs() const
     return all;
 }
 
-/// The row of buttons is centred in its place, the lower end of which lies below the window's edge.
+/// The row of buttons is centred in its area, which ends below the window's edge.
 Need WindowScale::needOfRow() const
 {
     const QSize left = ui.connect_button->sizeHint();

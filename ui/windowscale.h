@@ -10,22 +10,22 @@ class QWidget;
 class QWindow;
 class Ui_MainWindow;
 
-/// By what factor a layout made for 100 % is stretched. Sizes are in the pixels of widgets.
+/// The factor by which a layout made for 100 % is scaled. Sizes are in widget pixels.
 namespace windowscale {
 
-/// What one control needs for its text.
+/// The space that one control needs for its text.
 struct Need
 {
     QSize laidOut; ///< its size in the layout at 100 %
-    QSize uncut;   ///< below this, letters are cut
-    QSize whole;   ///< takes whole lines with the style's margins
+    QSize uncut;   ///< below this, letters are cut off
+    QSize whole;   ///< fits whole lines with the style's margins
 };
 
-/// The factor of a screen with so many logical dots per inch (96 are 100 %); 1 at least.
+/// The factor for a screen with this many logical dots per inch (96 are 100 %); at least 1.
 [[nodiscard]] double screenFactor(double dotsPerInch);
 
-/// The screen's own factor where that cuts no letter, else the smallest one that gives every control its
-/// whole text.
+/// The screen's own factor if that cuts off no letter; otherwise the smallest factor at which every control
+/// shows its whole text.
 [[nodiscard]] double layoutFactor(double screenFactor, const QVector<Need>& needs);
 
 /// Position and size times the factor, each rounded to whole pixels.
@@ -34,12 +34,12 @@ struct Need
 
 } // namespace windowscale
 
-/// Keeps the main window's fixed layout as large as its screen and its fonts want it, from the start on.
+/// Keeps the main window's fixed layout as large as its screen and its fonts require, from the start.
 /// Belongs to the window, on the GUI thread.
 class WindowScale : public QObject
 {
 public:
-    /// `ui` is set up in `window`; both outlive this.
+    /// `ui` is set up in `window`; both must outlive this object.
     WindowScale(QMainWindow& window, const Ui_MainWindow& ui);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -62,11 +62,11 @@ private:
 
     QMainWindow& window;
     const Ui_MainWindow& ui;
-    QVector<Control> controls; ///< those at fixed places
+    QVector<Control> controls; ///< those with a fixed position
     int rowSpacing;
     QSize windowSize; ///< at 100 %
     double factor = 1;
-    QWindow* watchedWindow = nullptr; ///< only compared, never used
-    QSize settledSize;                ///< the window's, as it was before any change that waits for apply()
+    QWindow* watchedWindow = nullptr; ///< only compared, never dereferenced
+    QSize settledSize;                ///< the window's size before any change that waits for apply()
     bool applyWaits = false;
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Writes the diagnostics of the records that the search has passed, up to the one that ended it.
+/// Writes the diagnostics for the records that the search went through, up to the one that ended it.
 void reportSkipped(const hid_device_info* first, const hid_device_info* end)
 {
     for (const hid_device_info* record = first; record != end; record = record->next)
@@ -32,15 +32,15 @@ struct FreeEnumeration
 
 void MainWindow::connectSlot()
 {
-    // Intentional: only this result starts anew. A deck seen without its twin stays remembered, and Connect
-    // then has no effect for the rest of the run.
+    // Intentional: only this result is reset. A deck seen without its twin stays remembered, and Connect then
+    // has no effect for the rest of the run.
     int result = 0;
     for (const UnitModel& model : unitModels)
         if (searchModel(model, result))
             break;
     if (result == 0)
         return;
-    deckCount = 1; // a pair that could not be opened must not send the next press down the pair's road
+    deckCount = 1; // so that the next press does not treat every model as a pair
     QMessageBox::critical(this, tr("Error"), tr("Device is not found.\nPlease connect."));
 }
 
@@ -60,7 +60,7 @@ bool MainWindow::searchModel(const UnitModel& model, int& result)
     if (isDeck(model) && choice.chosen != nullptr)
         deckCount = 2;
 
-    // A deck without its twin waits for the next model, unless a pair was open already when the search began.
+    // A deck without its twin waits for the next model, unless a pair was already open when the search began.
     if (!firstDeckSeen || deckCount == 2) {
         findDevice(choice.chosen, result);
         if (std::exchange(firstDeckSeen, false))
@@ -69,7 +69,7 @@ bool MainWindow::searchModel(const UnitModel& model, int& result)
     return result == 0 && deckCount != 2;
 }
 
-/// Keeps what is needed to open the deck later: the record itself goes with its enumeration list.
+/// Keeps what is needed to open the deck later: the record itself is freed with its enumeration list.
 void MainWindow::rememberFirstDeck(const hid_device_info& record)
 {
     firstDeckSeen = true;

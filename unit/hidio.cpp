@@ -17,7 +17,7 @@ std::atomic<bool> writesRefused = false;
 
 OpenUnits& openUnits()
 {
-    static OpenUnits* const units = new OpenUnits; // lives to the process's end: a thread may be in a call
+    static OpenUnits* const units = new OpenUnits; // lives until the process ends: a thread may be in a call
     return *units;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int firstReportMs = 1000;
 
-/// Opens what `record` lists; nullptr, with a line in the diagnostics, if that fails.
+/// Opens the unit of `record`; nullptr, with a line in the diagnostics, if that fails.
 hid_device* openUnit(const hid_device_info& record)
 {
     hid_device* const opened = hidio::open(record.path);
@@ -23,8 +23,8 @@ hid_device* openUnit(const hid_device_info& record)
 
 } // namespace
 
-/// Opens the unit of `record`, or the pair that the record completes, and announces it. `result` becomes 0
-/// when it was opened and 1 when not.
+/// Opens the unit of `record`, or the pair that it completes, and announces it. Sets `result` to 0 if it was
+/// opened, otherwise to 1.
 void MainWindow::findDevice(hid_device_info* record, int& result)
 {
     if (deckCount == 2) {
@@ -72,8 +72,8 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     startUpdateCheck(); // intentional: the log downloader gets no device of a pair
 }
 
-/// Takes the version from the first report, which a unit sends by itself. One that sends none in time has
-/// version 0; false if the read failed, and the version stays as it was.
+/// Takes the version from the first report, which a unit sends unasked. A unit that sends none in time has
+/// version 0. False if the read failed; the version then stays unchanged.
 bool MainWindow::readVersion(hid_device* unit)
 {
     report::Input input{};

@@ -8,15 +8,16 @@
 #include <mutex>
 #include <vector>
 
-/// The units that are open, and the calls under way on them: when the program ends, none is
-/// closed while a thread is using it. Any thread.
+/// The open units and the calls in progress on them, so that no unit is closed while a thread is using it
+/// when the program ends. Any thread.
 class OpenUnits
 {
 public:
-    /// A call ends by itself (a write, a read with a limit), or perhaps never (a read without one).
+    /// A call that ends by itself (a write, a read with a time limit), or one that may never end (without
+    /// limit).
     enum class Call { limited, endless };
 
-    /// Makes a call on a unit and returns its result, or `refused`, without the call, once the end has begun.
+    /// Makes a call on a unit and returns its result; once the end has begun, only returns `refused`.
     template<typename Action, typename Result>
     [[nodiscard]] Result during(Call call, Result refused, Action action)
     {
@@ -27,23 +28,23 @@ public:
         return result;
     }
 
-    /// Notes a unit that was opened during a call.
+    /// Adds a unit that was opened during a call.
     void add(hid_device* unit);
-    /// Forgets it. False: it is not open.
+    /// Removes it. False: it is not open.
     bool remove(hid_device* unit);
 
-    /// Whether a call is under way that ends by itself.
+    /// Whether a call that ends by itself is in progress.
     [[nodiscard]] bool isBusy() const;
 
-    /// Refuses further calls, waits up to `limit` for those that end by themselves, and closes all units with
-    /// `close`, each once in all. False: a call is still under way, and none was closed.
+    /// Refuses further calls, waits up to `limit` for those that end by themselves, and closes every unit
+    /// with `close`, exactly once. False: a call is still in progress, and none was closed.
     bool closeAll(std::chrono::milliseconds limit, const std::function<void(hid_device*)>& close);
 
 private:
     [[nodiscard]] bool enter(Call call);
     void leave(Call call);
 
-    mutable std::mutex lock; ///< of all that follows
+    mutable std::mutex lock; ///< guards everything below
     std::condition_variable callEnded;
     std::vector<hid_device*> units;
     int limitedCalls = 0;

@@ -6,14 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The 64-byte HID report that everything a unit says or hears travels in.
+/// The 64-byte HID report that carries everything sent to or by a unit.
 ///
 ///     output report (65 bytes)          input report (64 bytes)
 ///     0       report ID, always 0x00    0 .. 63  payload
 ///     1 .. 64 payload
 ///
 /// So payload index i is output index i + 1 and input index i (USB HID 1.11, 8.2: the units use no report
-/// IDs; hidapi.h: hid_write wants the zero ID in front all the same, hid_read leaves it away).
+/// IDs; hidapi.h: hid_write still requires a leading zero ID, hid_read omits it).
 namespace report {
 
 inline constexpr std::size_t idLength = 1;
@@ -39,7 +39,7 @@ using Input = std::array<unsigned char, payloadLength>;
     return layout.headerOffset + idLength;
 }
 
-/// The high nibble in place (0x00 to 0xF0): the only part of a command or status byte that is a code.
+/// The high nibble in place (0x00 to 0xF0): only this part of a command or status byte is a code.
 [[nodiscard]] constexpr unsigned char highNibble(unsigned char byte)
 {
     return byte & 0xF0U;
@@ -51,7 +51,7 @@ void putBigEndian(unsigned char* first, std::size_t length, std::uint32_t value)
 /// Reads 4 bytes at `first`, most significant byte first.
 [[nodiscard]] std::uint32_t bigEndian32(const unsigned char* first);
 
-/// The high nibble of the status byte of an input report of a unit with this layout.
+/// The high nibble of the status byte in an input report from a unit with this layout.
 [[nodiscard]] unsigned char statusCode(const unsigned char* input, ReportLayout layout);
 
 /// The firmware version (0 to 255) in an input report of this model; byte 63 for a type without a model.

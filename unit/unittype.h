@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// The supported models. The value is the order in which a press of Connect tries them.
+/// The supported models. Connect tries them in the order of these values.
 enum UnitType : int {
     UNIT_HB4 = 0,
     UNIT_HB2 = 1,
@@ -30,20 +30,20 @@ enum UnitType : int {
 /// USB vendor ID of every unit.
 inline constexpr std::uint16_t unitVendorId = 0x3A5D;
 
-/// Where a 64-byte report keeps its two fields.
+/// Where the two fields of a 64-byte report are.
 struct ReportLayout
 {
     std::uint8_t headerOffset;  ///< 0-based index, in the 64 payload bytes, of the command or status byte
     std::uint8_t payloadOffset; ///< index, in the 65-byte output report, of the first of 60 data bytes
 };
 
-inline constexpr ReportLayout layoutA{0, 5};  ///< older family: header first, data behind it
+inline constexpr ReportLayout layoutA{0, 5};  ///< older family: header first, then data
 inline constexpr ReportLayout layoutB{60, 1}; ///< players: data first, header in the last four bytes
 
-/// HID product strings; nullptr behind the last one.
+/// HID product strings; nullptr after the last one.
 using ProductNames = std::array<const wchar_t*, 2>;
 
-/// What is fixed for one model.
+/// The fixed facts about one model.
 struct UnitModel
 {
     UnitType type;
@@ -51,7 +51,7 @@ struct UnitModel
     std::uint8_t versionByte; ///< 0-based index of the firmware version in a 64-byte input report
     ReportLayout layout;
     const char* catalogueStem;    ///< beginning of the model's keys in the version catalogue
-    ProductNames productNames;    ///< what its units may call themselves
+    ProductNames productNames;    ///< the names that its units may report
     const char* connectedMessage; ///< shown on connection; translated in the context "MainWindow"
     const char* pairMessage;      ///< the same for a deck opened with its twin; nullptr: not a deck
 };
@@ -81,7 +81,7 @@ inline constexpr auto unitModels = std::to_array<UnitModel>({
 });
 // clang-format on
 
-/// The model's line, or nullptr for a value without one.
+/// The model's line, or nullptr if the value has none.
 [[nodiscard]] constexpr const UnitModel* findUnitModel(UnitType type)
 {
     const auto index = static_cast<std::size_t>(type); // a negative value becomes a huge index

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr auto notSaved = "Error saving firmware to disk."; ///< shown, and in the diagnostics
+constexpr auto notSaved = "Error saving firmware to disk."; ///< shown and written to the diagnostics
 
 /// True for any content encoding but "identity", which is none.
 bool isEncoded(const QNetworkReply& answer)
@@ -14,7 +14,7 @@ bool isEncoded(const QNetworkReply& answer)
     return answer.hasRawHeader(header) && answer.rawHeader(header).trimmed().toLower() != "identity";
 }
 
-/// A compressed image cut short shows no error, and a captive portal's page must never become firmware.
+/// A truncated compressed image shows no error, and a captive portal's page must never become firmware.
 bool isNoImage(const QNetworkReply& answer)
 {
     const QString type = answer.header(QNetworkRequest::ContentTypeHeader).toString();
@@ -25,7 +25,7 @@ bool isNoImage(const QNetworkReply& answer)
 
 void UpdateChecker::onNeedDownloadNewFirmware()
 {
-    firmwareData.clear(); // of a download that did not end
+    firmwareData.clear(); // of a download that did not finish
     getPlain(binUrl, SLOT(replyFinishedOnDone()), SLOT(httpReadyRead2()));
 }
 
@@ -40,7 +40,7 @@ void UpdateChecker::httpReadyRead2()
 void UpdateChecker::replyFinishedOnDone()
 {
     timeoutTimer->stop();
-    // Only its own reply says that an image is whole: a check that began meanwhile has another one in flight.
+    // Only its own reply says that an image is whole: a check started meanwhile has another reply in flight.
     if (reply == nullptr || (sender() != nullptr && sender() != reply))
         return;
     if (replyFailed() || isNoImage(*reply)) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Asks for the file's bytes to reach the disk before a rename makes them the image (fsync(2), _commit).
+/// Flushes the file's bytes to the disk before a rename makes them the image (fsync(2), _commit).
 bool sync(const QFile& file)
 {
 #ifdef Q_OS_WIN
@@ -42,7 +42,7 @@ bool ImageStore::hasImage() const
 bool ImageStore::writeDownload(const QByteArray& image) const
 {
     QFile::remove(downloadName);
-    // Else the backup is the only image there is (a folder is none): kept until the new one is whole.
+    // Otherwise the backup is the only image (a folder is none) and is kept until the new one is whole.
     if (QFileInfo(imageName).isFile())
         QFile::remove(backupName);
     QFile download(downloadName);
@@ -56,7 +56,7 @@ bool ImageStore::writeDownload(const QByteArray& image) const
     return false;
 }
 
-/// Reads the download back, piece by piece: a full disk may show only here.
+/// Reads the download back, piece by piece: a full disk may become apparent only here.
 bool ImageStore::holds(const QByteArray& image) const
 {
     constexpr int pieceSize = 64 * 1024;
@@ -78,7 +78,7 @@ bool ImageStore::replaceImage() const
         return false;
     if (QFileInfo(downloadName).isFile() && !QFile::rename(downloadName, imageName))
         return false;
-    if (!hadImage && hasImage()) // the backup of an image that is no more
+    if (!hadImage && hasImage()) // the backup of an image that no longer exists
         QFile::remove(backupName);
     return true;
 }

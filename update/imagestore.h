@@ -3,9 +3,9 @@
 #include <QByteArray>
 #include <QString>
 
-/// The firmware image on disk: the image itself, the new download beside it and the backup of the previous
-/// image. At every moment the previous image or the new one is whole under one of the
-/// three names, also when the process is killed.
+/// The firmware image on disk: the image itself, the new download and the backup of the previous image, side
+/// by side. At every moment, even if the process is killed, the previous or the new image is whole under one
+/// of the three names.
 class ImageStore
 {
 public:
@@ -13,18 +13,18 @@ public:
     static constexpr auto downloadSuffix = ".upd";
     static constexpr auto backupSuffix = ".bkp";
 
-    /// The image's path: beside the program, wherever it was started.
+    /// The image's path: beside the program, whatever the working directory.
     [[nodiscard]] static QString imagePath();
 
     explicit ImageStore(const QString& path = imagePath());
 
     /// Removes an earlier download and, unless it is the only image there is, the backup; writes `image` as
     /// the new download.
-    /// False if it could not be created or does not hold every byte; no download is left then.
+    /// False if it could not be created or does not hold every byte; then no download remains.
     [[nodiscard]] bool writeDownload(const QByteArray& image) const;
 
-    /// Makes the image the backup and the download the image. With no image before, no backup is left.
-    /// False if a file that is there could not be renamed.
+    /// Makes the image the backup and the download the image. If there was no image, no backup remains.
+    /// False if an existing file could not be renamed.
     [[nodiscard]] bool replaceImage() const;
 
     [[nodiscard]] bool hasImage() const;

@@ -70,12 +70,12 @@ void MainWindow::showInstallationStarted()
     fakeProgressActive = 1;
 }
 
-/// Intentional: the transfer's label is not touched; without an earlier "started" status it goes on saying
+/// Intentional: the transfer's label is not touched; without an earlier "started" status it still says
 /// "Transfer: in progress".
 void MainWindow::showInstallationFinished()
 {
     sleepinhibitor::release();
-    const bool isFirst = !std::exchange(endTold, true); // is told on top of any number of errors
+    const bool isFirst = !std::exchange(endTold, true); // shown on top of any number of errors
     fakeProgressActive = 0;
     ui->progressBarUpdate->setValue(complete);
     ui->progressBarUpdate->setEnabled(false);
@@ -89,8 +89,8 @@ void MainWindow::showInstallationFinished()
     });
 }
 
-/// Opens a box outside the tick, whose timer would otherwise stand still under it: polling and creeping go
-/// on. Intentional: a repeated status opens a further box on top.
+/// Opens a box outside the tick, as the timer would otherwise stand still under it: polling and creeping
+/// continue. Intentional: a repeated status opens another box on top.
 template<typename ShowBox> void MainWindow::openInstallationBox(bool always, ShowBox showBox)
 {
     if (installationBoxes >= mostBoxes && !always)
@@ -103,7 +103,7 @@ template<typename ShowBox> void MainWindow::openInstallationBox(bool always, Sho
     QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
 }
 
-/// Moves the installation's bar by one, every second time, up to 99: the unit reports no percentage.
+/// Moves the installation's bar by one, on every second call, up to 99: the unit reports no percentage.
 void MainWindow::updateFakeProgressSlot()
 {
     constexpr int highest = 99;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The longest texts of the two labels. The window's scale leaves room for them from the start.
+/// The longest texts of the two labels. The window leaves room for them from the start.
 namespace labeltexts {
 
 inline constexpr const char* longestOfTransfer = "Transfer: download new version";

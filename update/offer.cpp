@@ -8,7 +8,7 @@
 #include <QMessageBox>
 #include <QTextEdit>
 
-/// Shows an offer and its change log. Neither: the box ended with the program, without an answer.
+/// Shows an offer and its change log. Neither: the program ended before the box was answered.
 MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)
 {
     QMessageBox box;
@@ -18,7 +18,7 @@ MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeL
     box.setDefaultButton(QMessageBox::Yes);
     box.setDetailedText(changeLog);
     if (auto* const details = box.findChild<QTextEdit*>())
-        details->setFocusPolicy(Qt::StrongFocus); // Qt leaves it to the mouse: a long one needs scrolling
+        details->setFocusPolicy(Qt::StrongFocus); // Qt leaves it to the mouse, but long ones need keys
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::yes;
@@ -29,8 +29,8 @@ MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeL
     }
 }
 
-/// Intentional: a version that is no whole number is offered as 0.0 ("1.5", for one), though the catalogue's
-/// decision goes by its value.
+/// Intentional: a version that is not a whole number, such as "1.5", is offered as 0.0, although the decision
+/// uses its value.
 void MainWindow::onFindNewVersion(QString newVersion, QString detailText)
 {
     const Answer answer = offer("Your unit current version: " + shownVersion(currentVersion) +
@@ -83,7 +83,7 @@ void MainWindow::onYouHaveLastVersion()
 
 void MainWindow::onYouHaveProblem(QString text, QString msg2)
 {
-    if (problemShown) // the first problem's box ends the program; the diagnostics tell of the others
+    if (problemShown) // the first problem's box ends the program; the others are in the diagnostics
         return;
     problemShown = true;
     // Intentional: a detail that is empty, not null, adds its line break.

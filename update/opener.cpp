@@ -15,7 +15,7 @@ constexpr auto opener = "xdg-open";
 
 } // namespace
 
-/// Hands the address of the updater's own new version to the system's opener, and so to the user's browser.
+/// Passes the address of the newer updater to the system's opener, and so to the user's browser.
 void UpdateChecker::onNeedDownloadNewMainFirmware()
 {
     if (!QProcess::startDetached(opener, {openerAddress(mainBinUrl)}))

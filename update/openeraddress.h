@@ -2,9 +2,9 @@
 
 #include <QString>
 
-/// The address as it is handed to the system's opener: each byte above 0x7F of its UTF-8 as "%" and two
-/// hexadecimal digits, as the local encoding may lack the letter. Every ASCII character stays as it is, also
-/// one that QUrl would alter.
+/// The address as passed to the system's opener: each UTF-8 byte above 0x7F becomes "%" and two hexadecimal
+/// digits, as the local encoding may lack the character. Every ASCII character stays as it is, including
+/// those that QUrl would alter.
 [[nodiscard]] inline QString openerAddress(const QString& address)
 {
     constexpr unsigned char lastAscii = 0x7F;

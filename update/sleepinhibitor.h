@@ -1,14 +1,14 @@
 #pragma once
 
-/// Keeps the computer awake while a unit is being written: on Linux by logind's inhibitor lock "sleep:idle"
-/// (org.freedesktop.login1.Manager.Inhibit), elsewhere by the platform's own call. An update runs all the
-/// same where that fails, with a line in the diagnostics. GUI thread; never waits.
+/// Keeps the computer awake while a unit is being updated: on Linux with logind's inhibitor lock "sleep:idle"
+/// (org.freedesktop.login1.Manager.Inhibit), elsewhere with the platform's own call. If that fails, the
+/// update runs anyway, with a line in the diagnostics. GUI thread; never blocks.
 namespace sleepinhibitor {
 
-/// From now on the computer stays awake. Without effect while it is held already.
+/// From now on the computer stays awake. No effect if already held.
 void hold();
 
-/// The computer may sleep again. Without effect while nothing is held. The end of the process does the same.
+/// The computer may sleep again. No effect if nothing is held. The end of the process does the same.
 void release();
 
 } // namespace sleepinhibitor

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int answerMs = 5000;
 
-/// Shared by the GUI thread and the thread that waits for the bus, under its lock.
+/// Shared by the GUI thread and the thread that waits for the bus; guarded by its lock.
 struct State
 {
     QMutex lock;
@@ -30,7 +30,7 @@ State& state()
     return *only;
 }
 
-/// Waits for the bus and for logind; a bus that is slow or silent must not hold the window up.
+/// Waits for the bus and for logind, on a pool thread: a slow or silent bus must not block the window.
 void ask(int number)
 {
     const QString name = "sleepinhibitor" + QString::number(number);

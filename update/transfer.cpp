@@ -33,7 +33,7 @@ void MainWindow::updateDevice()
     if (!readImage()) {
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
-        applyingPhase = 1; // intentional: the timer starts all the same and only polls the installation
+        applyingPhase = 1; // intentional: the timer starts anyway and only polls the installation
     }
     if (transferTimer != nullptr) {
         sleepinhibitor::release();
@@ -49,7 +49,7 @@ void MainWindow::updateDevice()
         sleepinhibitor::hold();
 }
 
-/// Reads the whole image. False if the file cannot be opened or read, or holds no image at all.
+/// Reads the whole image. False if the file cannot be opened or read, or is empty or too large.
 bool MainWindow::readImage()
 {
     firmwareData.clear();
@@ -77,8 +77,8 @@ void MainWindow::transmitSlot()
         transfer(buffer.data(), 0);
 }
 
-/// Looks once for the unit's answer to the request. Boxes opened here hold the ticks up: one box, then its
-/// state change.
+/// Looks once for the unit's answer to the request. Boxes opened here stop the ticks: one box, then its state
+/// change.
 void MainWindow::startTransfer()
 {
     if (deckCount == 2) {
@@ -117,7 +117,7 @@ void MainWindow::startTransferOfPair()
     refuseTransfer({firstStatus, secondStatus});
 }
 
-/// Shows what a status says against the transfer and leaves the transfer phase.
+/// Reports a status that refuses the transfer, and leaves the transfer phase.
 void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
 {
     const auto anyIs = [statuses](unsigned char code) {
@@ -138,7 +138,7 @@ void MainWindow::abandonTransfer(const QString& text)
     endTransferPhase();
 }
 
-/// From the next tick on the installation is followed. Intentional: also after an error.
+/// From the next tick on, follows the installation. Intentional: even after an error.
 void MainWindow::endTransferPhase()
 {
     transferStarted = 0;
@@ -146,7 +146,7 @@ void MainWindow::endTransferPhase()
     packetNumber = 0;
 }
 
-/// Announces the image by its digest; written once, without a time-out of the program's own.
+/// Announces the image by its digest; written once, with no time-out on the answer.
 void MainWindow::transferRequest(int /*unused*/, unsigned char* buffer)
 {
     updateSize = firmwareData.size();
@@ -184,12 +184,12 @@ void MainWindow::transfer(unsigned char* buffer, int /*unused*/)
     std::copy(packet.begin(), packet.end(), buffer);
     if (kind != PacketKind::full)
         endTransferPhase();
-    if (kind == PacketKind::behindTheEnd) // intentional: its packet is written all the same
+    if (kind == PacketKind::behindTheEnd) // intentional: its packet is still written
         QMessageBox::critical(this, tr("Error"), tr("Cannot read from file updater"),
                               tr("Check the HD free space and try again."), QString(), QString(), 0, -1);
     const int written = hidio::write(device, buffer);
     if (deckCount == 2)
         hidio::write(secondDevice, buffer);
     else if (written == hidio::failed)
-        hidio::write(device, buffer); // once more, whatever comes of it; nothing else is resent
+        hidio::write(device, buffer); // once more, whatever the result; nothing else is resent
 }

@@ -50,23 +50,23 @@ using ImageBytes = std::span<const unsigned char>;
 /// Final packet `number` (16 bits are sent) with 0 to 59 bytes of `data`, padded with 0x00.
 [[nodiscard]] report::Output buildFinalPacket(ReportLayout layout, std::uint32_t number, ImageBytes data);
 
-/// Bytes of an image of `imageSize` that are left from the start of packet `number` (from 1) on.
-/// Negative where the packet would begin behind the image's end.
+/// How many bytes of an image of `imageSize` remain at the start of packet `number` (from 1). Negative if the
+/// packet would start beyond the image's end.
 [[nodiscard]] qint64 bytesLeft(qint64 imageSize, int number);
 
 enum class PacketKind {
     full,         ///< a data packet of 60 bytes
-    final,        ///< 0 to 59 bytes: the image ends with it
-    behindTheEnd, ///< a data packet without data: the image has ended before
+    final,        ///< 0 to 59 bytes: the image ends with this packet
+    behindTheEnd, ///< a data packet without data: the image has already ended
 };
 
-/// What packet `number` (from 1) of an image of `imageSize` bytes is.
+/// Which kind packet `number` (from 1) of an image of `imageSize` bytes is.
 [[nodiscard]] PacketKind packetKind(qint64 imageSize, int number);
 
-/// The bytes that packet `number` (from 1) carries: at most 60, none behind the image's end.
+/// The bytes that packet `number` (from 1) carries: at most 60, none beyond the image's end.
 [[nodiscard]] ImageBytes packetBytes(const QByteArray& image, int number);
 
-/// Per cent of an image of `imageSize` bytes that `packets` full packets are, truncated.
+/// The percentage of an image of `imageSize` bytes that `packets` full packets amount to, truncated.
 [[nodiscard]] int transferPercent(int packets, int imageSize);
 
 } // namespace transferprotocol

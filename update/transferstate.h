@@ -2,11 +2,11 @@
 
 class QTimer;
 
-/// What the transfer keeps once for the whole program. GUI thread only.
+/// The transfer's state that exists once in the program. GUI thread only.
 namespace transferstate {
 
 inline QTimer* transferTimer = nullptr; ///< 1 ms per tick; null while no transfer runs; owned here
-inline int fakeProgressValue = 0; ///< next value of the installation's bar; intentional: never starts anew
-inline int fakeProgressTick = 0;  ///< divides the ticks by two
+inline int fakeProgressValue = 0;       ///< next value of the installation's bar; intentional: never reset
+inline int fakeProgressTick = 0;        ///< makes only every second tick count
 
 } // namespace transferstate
