@@ -166,6 +166,7 @@ void TestWindowScale::noLargerThanNeeded()
     QCOMPARE(window->size(), windowscale::stretched(layoutSize, needed));
     QCOMPARE(window.bar("progressBarUpdate").geometry(),
              windowscale::stretched(QRect(20, 260, 451, 21), needed));
+    QCOMPARE(window->findChild<QLayout*>("horizontalLayout")->spacing(), qRound(6 * needed));
 }
 
 void TestWindowScale::smallFontLeavesTheLayout()
