@@ -187,9 +187,13 @@ void TestIdentification::whatIsToldWhen()
             QString::number(checked.count()),
         };
     };
+    bool toldBeforeTheCheck = false;
+    connect(&checker, &UpdateChecker::newUpdateFileDownloaded,
+            [&] { toldBeforeTheCheck = downloader.device != nullptr; });
     QCOMPARE(find(window, UNIT_PANEL4V, unit->path()), 0);
     QCOMPARE(underTheBox, (QStringList{"Connect disabled", "23", "model not told", "handle not told", "0"}));
     QCOMPARE(checker.unitType, UNIT_PANEL4V);
+    QVERIFY(toldBeforeTheCheck);
     QCOMPARE(downloader.device, window->device);
     QCOMPARE(downloader.unitType, UNIT_PANEL4V);
     QCOMPARE(checked.count(), 1);

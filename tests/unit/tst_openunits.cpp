@@ -15,7 +15,8 @@ Q_DECLARE_METATYPE(Call)
 namespace {
 
 constexpr auto noTime = 0ms;
-constexpr auto allTheTime = 10min; ///< what is awaited comes by itself
+constexpr auto allTheTime = 10min;                                      ///< what is awaited comes by itself
+const auto unseen = std::chrono::milliseconds(limits::lengthened(100)); ///< for an end that comes too early
 constexpr int refused = -1;
 
 /// Stands for the handle of an open unit, which nobody looks into.
@@ -160,7 +161,7 @@ void TestOpenUnits::limitedCallIsWaitedFor()
     // Once the wait has begun a call is refused.
     while (units->during(Call::limited, refused, [] { return 0; }) != refused)
         std::this_thread::yield();
-    QCOMPARE(ended.wait_for(noTime), std::future_status::timeout);
+    QCOMPARE(ended.wait_for(unseen), std::future_status::timeout);
     call.finish();
     QVERIFY(ended.get());
     QCOMPARE(closed, QVector<hid_device*>{unitNumber(1)});
