@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QLayout>
+#include <QProxyStyle>
 #include <QtTest>
 
 using windowscale::Need;
@@ -32,6 +33,35 @@ private:
     QFont before = QApplication::font();
 };
 
+/// A style that keeps so much room around a button's text.
+class RoomyButtons : public QProxyStyle
+{
+public:
+    RoomyButtons() : QProxyStyle("fusion") {}
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override
+    {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        return type == CT_PushButton ? size + QSize(2 * room, 2 * room) : size;
+    }
+    QRect subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const override
+    {
+        const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+        return element == SE_PushButtonContents ? rect.adjusted(room, room, -room, -room) : rect;
+    }
+
+private:
+    static constexpr int room = 20;
+};
+
+constexpr std::array buttonNames{"connect_button", "updateDeviceButton", "downloadLogFile",
+                                 "stopDownloadingFile"};
+
+bool fits(const QSize& need, const QWidget& control)
+{
+    return need.width() <= control.width() && need.height() <= control.height();
+}
+
 double factorOf(const TestWindow& window)
 {
     return window.label("labelUpdate").height() / 16.0;
@@ -56,7 +86,9 @@ private slots:
     void smallFontLeavesTheLayout();
     void fontChangesWhileShown();
     void sizeThatTheUserGaveKeepsItsShare();
-    void maximizedWindowStaysSo();
+    void styleChangesWhileShown();
+    void windowThatFillsTheScreenStaysSo_data();
+    void windowThatFillsTheScreenStaysSo();
 };
 
 /// What desktops use; the screen that is none has a larger one.
@@ -134,17 +166,13 @@ void TestWindowScale::largeFontCutsNothing()
     QFETCH(double, points);
     const LargerFont font(points);
     TestWindow window;
-    const auto fits = [](const QSize& need, const QWidget& control) {
-        return need.width() <= control.width() && need.height() <= control.height();
-    };
     QLabel& transfer = window.label("labelTransfer");
     QLabel& update = window.label("labelUpdate");
     transfer.setText("Transfer: download new version");
     update.setText("Update: in progress. Do not power off device!");
     QVERIFY(fits(transfer.sizeHint(), transfer));
     QVERIFY(fits(update.sizeHint(), update));
-    for (const char* name :
-         {"connect_button", "updateDeviceButton", "downloadLogFile", "stopDownloadingFile"}) {
+    for (const char* name : buttonNames) {
         const QPushButton& button = window.button(name);
         QVERIFY2(fits(button.sizeHint(), button), name);
         const QRect inWindow(button.mapTo(&*window, QPoint()), button.size());
@@ -202,10 +230,29 @@ void TestWindowScale::sizeThatTheUserGaveKeepsItsShare()
     QTRY_COMPARE(window->size(), windowscale::stretched(2 * layoutSize, factorOf(window)));
 }
 
-void TestWindowScale::maximizedWindowStaysSo()
+void TestWindowScale::styleChangesWhileShown()
 {
     TestWindow window;
-    window->showMaximized();
+    QCOMPARE(window->size(), layoutSize);
+    QApplication::setStyle(new RoomyButtons);
+    const auto setBack = qScopeGuard([] { QApplication::setStyle("fusion"); });
+    QTRY_VERIFY(factorOf(window) > 1);
+    for (const char* name : buttonNames)
+        QVERIFY2(fits(window.button(name).sizeHint(), window.button(name)), name);
+}
+
+void TestWindowScale::windowThatFillsTheScreenStaysSo_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::newRow("maximized") << int{Qt::WindowMaximized};
+    QTest::newRow("full screen") << int{Qt::WindowFullScreen};
+}
+
+void TestWindowScale::windowThatFillsTheScreenStaysSo()
+{
+    QFETCH(int, state);
+    TestWindow window;
+    window->setWindowState(static_cast<Qt::WindowState>(state));
     QTRY_VERIFY(window->size() != layoutSize);
     const QSize before = window->size();
     const LargerFont font(24);
