@@ -10,6 +10,8 @@
 #include <QThread>
 #include <QTimer>
 
+#include <cerrno>
+
 namespace {
 
 constexpr int partReadMs = 100;
@@ -43,7 +45,11 @@ bool LogDownloader::claimFile(const QDateTime& start)
         logFile.setFileName(name);
         if (QFile(name).open(QIODevice::WriteOnly | QIODevice::NewOnly))
             return logFile.open(QIODevice::WriteOnly | QIODevice::Truncate); // ours from now on
-        if (const QFileInfo taken(name); !taken.exists() && !taken.isSymLink())
+        const int reason = errno;
+        const QFileInfo taken(name);
+        const bool isFree = !taken.exists() && !taken.isSymLink();
+        errno = reason; // for the caller: looking for the file has set it, too
+        if (isFree)
             return false; // the folder cannot be written, whatever the name
     }
     return false;

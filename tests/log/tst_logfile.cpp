@@ -1,6 +1,7 @@
 #include "log/logdownloader.h"
 #include "log/logfilename.h"
 #include "support/easternlocales.h"
+#include "support/readonlyfolder.h"
 
 #include <QDir>
 #include <QtTest>
@@ -48,6 +49,9 @@ private slots:
     void firstFreeName();
     void noFreeName();
     void namesTakenByOtherThings();
+    void folderCannotBeWritten_data();
+    void folderCannotBeWritten();
+    void folderCannotBeWrittenAtTheStart();
     void startsOfOneSecond();
 
 private:
@@ -145,6 +149,38 @@ void TestLogFile::namesTakenByOtherThings()
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::optional(3));
     QVERIFY(!QFile::exists(pathOf("nowhere")));
+}
+
+void TestLogFile::folderCannotBeWritten_data()
+{
+    QTest::addColumn<int>("taken");
+    QTest::newRow("no name taken") << 0;
+    QTest::newRow("three names taken") << 3;
+}
+
+/// The first name that is free is the last that is tried: another one would fail in the same way.
+void TestLogFile::folderCannotBeWritten()
+{
+    QFETCH(int, taken);
+    for (const int number : upTo(taken))
+        place(logfilename::at(moment, number), "a log");
+    LogDownloader downloader(nullptr, nullptr);
+    {
+        const ReadOnlyFolder folder(QFile::encodeName(QCoreApplication::applicationDirPath()));
+        QCOMPARE(claim(downloader), std::nullopt);
+    }
+    QVERIFY(!downloader.logFile.isOpen());
+    QCOMPARE(downloader.logFile.fileName(), pathOf(logfilename::at(moment, taken + 1)));
+    QVERIFY(!QFile::exists(downloader.logFile.fileName()));
+}
+
+/// The program says so as it starts, and the log's parts then go nowhere.
+void TestLogFile::folderCannotBeWrittenAtTheStart()
+{
+    QTest::ignoreMessage(QtSystemMsg, "LogDownloader::LogDownloader (Permission denied)");
+    const ReadOnlyFolder folder(QFile::encodeName(QCoreApplication::applicationDirPath()));
+    const LogDownloader downloader(nullptr, nullptr);
+    QVERIFY(!downloader.logFile.isOpen());
 }
 
 void TestLogFile::startsOfOneSecond()
