@@ -38,6 +38,12 @@ QStringList journal(const Program& program, const QString& label)
     return text.split('\n', Qt::SkipEmptyParts);
 }
 
+QString lastWord(const Program& program)
+{
+    const QStringList lines = journal(program);
+    return lines.isEmpty() ? QString("closed") : lines.last();
+}
+
 QByteArray image(int size)
 {
     QRandomGenerator generator(static_cast<quint32>(size));

@@ -8,6 +8,7 @@ namespace scenario {
 
 inline constexpr int unitVersion = 23;
 inline constexpr const char* offeredVersion = "28";
+inline constexpr int longOnItsWay = 6'000'000; ///< an image of a hundred seconds at least: nobody misses it
 inline constexpr const char* silentInstallation = ",fault=silent-installation";
 /// For http_proxy: a port at which nobody ever listens.
 inline constexpr const char* deadProxy = "http://127.0.0.1:1";
@@ -19,6 +20,8 @@ inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- 
                                   const QString& label = "unit");
 [[nodiscard]] QByteArray receivedImage(const Program& program, const QString& label = "unit");
 [[nodiscard]] QStringList journal(const Program& program, const QString& label = "unit");
+/// The last line of it: "closed" once the unit is given back; also of one that was never opened.
+[[nodiscard]] QString lastWord(const Program& program);
 
 /// Bytes that differ from one size to another and do not repeat in step with a packet; always the same.
 [[nodiscard]] QByteArray image(int size);

@@ -1,24 +1,16 @@
 // The ways out of the program: in every state it ends at once, with exit code 0, whatever it was waiting for.
 
+#include "halfserver.h"
 #include "program.h"
 #include "scenario.h"
 #include "updateserver.h"
 
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QtTest>
 
 namespace {
 
 constexpr int smallSize = 6000;
-constexpr int longOnItsWay = 6'000'000; ///< a hundred seconds at least: nobody misses it
-
-/// The last word of the unit's journal: "closed" once it is given back, also when it was never opened.
-QString lastWord(const Program& program)
-{
-    const QStringList journal = scenario::journal(program);
-    return journal.isEmpty() ? QString("closed") : journal.last();
-}
 
 /// A server that takes connections and never answers.
 class SilentServer : public QTcpServer
@@ -26,25 +18,6 @@ class SilentServer : public QTcpServer
 public:
     SilentServer() { listen(QHostAddress::LocalHost); }
     [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(serverPort()); }
-};
-
-/// A server that sends the first half of an image, to whoever asks for anything, and then falls silent.
-class HalfServer : public QTcpServer
-{
-public:
-    HalfServer()
-    {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket* const client = nextPendingConnection();
-            connect(client, &QTcpSocket::readyRead, client, [client] {
-                client->readAll();
-                client->write("HTTP/1.1 200 OK\r\nContent-Length: 2000000\r\n\r\n" +
-                              QByteArray(1'000'000, 'i'));
-            });
-        });
-    }
-    [[nodiscard]] QString address() const { return QString("http://127.0.0.1:%1/HB4.sb").arg(serverPort()); }
 };
 
 using State = Outcome (*)(Program&);
@@ -93,7 +66,8 @@ void tst_ending::windowClosed_data()
     }) << smallSize;
     QTest::newRow("while the unit does not answer")
         << ",fault=never-answers" << State(scenario::pressUpdate) << smallSize;
-    QTest::newRow("in the middle of the transfer") << "" << State(scenario::streamImage) << longOnItsWay;
+    QTest::newRow("in the middle of the transfer")
+        << "" << State(scenario::streamImage) << scenario::longOnItsWay;
     QTest::newRow("during the installation")
         << scenario::silentInstallation << State(scenario::install) << smallSize;
 }
@@ -110,7 +84,7 @@ void tst_ending::windowClosed()
     MUST(reach(program));
     MUST(program.closeWindow());
     MUST(program.waitForPromptExit(0));
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 void tst_ending::closedWhileTheServerIsSilent()
@@ -130,17 +104,14 @@ void tst_ending::closedWhileTheHostIsLookedUp()
     MUST(scenario::lookHostUp(program));
     MUST(program.closeWindow());
     MUST(program.waitForPromptExit(0));
-    QCOMPARE(lastWord(program), QString("closed")); // though the look-up held the end up
+    QCOMPARE(scenario::lastWord(program), QString("closed")); // though the look-up held the end up
 }
 
 void tst_ending::closedWhileTheImageArrives()
 {
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
     HalfServer half;
-    MUST(server.publish(cataloguePath, catalogueOf("HB4", scenario::offeredVersion, half.address(),
-                                                   QString("http://%1/logs/HB4.txt").arg(updateHost))));
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::startWithUnit(program, half.address()));
     MUST(scenario::connectUnit(program, "HB4 connected"));
     MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     MUST(program.answer("Yes"));

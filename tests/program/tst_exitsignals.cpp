@@ -83,13 +83,6 @@ private:
     void (*before)(int);
 };
 
-/// What the unit saw last; "closed", too, for one that was never opened.
-QString lastWord(const Program& program)
-{
-    const QStringList journal = scenario::journal(program);
-    return journal.isEmpty() ? QString("closed") : journal.last();
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(State)
@@ -162,7 +155,7 @@ void tst_exitsignals::signalEndsTheProgram()
     MUST(reach(program));
     program.sendSignal(signal);
     MUST(program.waitForPromptExit(0));
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 void tst_exitsignals::signalWhileTheHostIsLookedUp()
@@ -171,7 +164,7 @@ void tst_exitsignals::signalWhileTheHostIsLookedUp()
     MUST(scenario::lookHostUp(program));
     program.sendSignal(SIGTERM);
     MUST(program.waitForPromptExit(0)); // the look-up takes a minute
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 void tst_exitsignals::signalWhileTheHeaderIsAwaited_data()
@@ -211,7 +204,7 @@ void tst_exitsignals::ignoredSignalStaysIgnored()
     MUST(seeOffer(program)); // it goes on
     program.sendSignal(signal == SIGTERM ? SIGINT : SIGTERM);
     MUST(program.waitForPromptExit(0));
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 void tst_exitsignals::secondSignalEndsAtOnce_data()
@@ -254,7 +247,7 @@ void tst_exitsignals::lostDisplay()
     MUST(reach(program));
     ownDesktop.takeAway();
     MUST(program.waitForPromptExit(1));
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 void tst_exitsignals::lostDisplayWhileTheHostIsLookedUp()
@@ -265,7 +258,7 @@ void tst_exitsignals::lostDisplayWhileTheHostIsLookedUp()
     MUST(scenario::lookHostUp(program));
     ownDesktop.takeAway();
     MUST(program.waitForPromptExit(1)); // the look-up takes a minute
-    QCOMPARE(lastWord(program), QString("closed"));
+    QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
 QTEST_GUILESS_MAIN(tst_exitsignals)
