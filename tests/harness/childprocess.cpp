@@ -3,7 +3,10 @@
 #include "support/limits.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 ChildProcess::~ChildProcess()
 {
@@ -24,4 +27,10 @@ void ChildProcess::end()
 void ChildProcess::setupChildProcess()
 {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (terminal < 0)
+        return;
+    if (setsid() < 0 || ioctl(terminal, TIOCSCTTY, 0) != 0)
+        _exit(EXIT_FAILURE);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        dup2(terminal, stream);
 }

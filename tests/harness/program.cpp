@@ -89,7 +89,7 @@ Outcome Program::start()
 {
     if (!QFile::copy(executable(), ownPath("talvex-updater")))
         return Outcome("cannot copy the program from " + executable());
-    environment.insert("DISPLAY", desktop.name());
+    environment.insert("DISPLAY", desktop.name() + startScreen);
     environment.insert("HOME", base.filePath("home"));
     environment.insert("XDG_RUNTIME_DIR", base.filePath("home"));
     environment.insert("LD_PRELOAD", libraries.join(':'));

@@ -4,6 +4,7 @@
 #include "desktop.h"
 #include "outcome.h"
 #include "probeclient.h"
+#include "terminal.h"
 #include "view.h"
 
 #include <QTemporaryDir>
@@ -34,8 +35,12 @@ public:
     void setVariable(const QString& name, const QString& value) { environment.insert(name, value); }
     /// Units that are plugged in, as the virtual HID library is told of them.
     void plugIn(const QStringList& units) { setVariable("TALVEX_VIRTUAL_UNITS", units.join(';')); }
-    /// A further library to preload.
-    void preload(const QString& library) { libraries += library; }
+    /// A further library to preload, before the others.
+    void preload(const QString& library) { libraries.prepend(library); }
+    /// A terminal to run in, as the program that the terminal was opened for.
+    void setTerminal(const Terminal& terminal) { process.setTerminal(terminal.programsEnd()); }
+    /// The screen to start on, of a desktop that has several of their own.
+    void setScreen(int number) { startScreen = QString(".%1").arg(number); }
     /// A directory to look for commands in before all others.
     void putFirstInPath(const QString& directory);
 
@@ -75,6 +80,8 @@ public:
     /// The same, within 3 s of its own time, asleep or at work: standing in line for a busy processor does
     /// not count.
     Outcome waitForPromptExit(int code);
+    /// Whether it came to its end in order, by leaving its event loop; not by exit() or a limit.
+    [[nodiscard]] bool hasQuit() const { return QFile::exists(base.filePath("probe-quit")); }
     /// That this signal ends it, without a word of its own.
     Outcome waitForDeathBy(int signal);
     /// That nothing of this kind shows up in so many looks. The program answers each from its event loop,
@@ -87,6 +94,7 @@ private:
     Outcome click(const QString& what, const std::function<std::optional<Target>(const View&)>& find);
 
     Desktop& desktop;
+    QString startScreen; ///< ".1"; empty: the desktop's first
     QTemporaryDir base;
     QProcessEnvironment environment;
     QStringList libraries;

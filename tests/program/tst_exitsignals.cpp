@@ -156,6 +156,7 @@ void tst_exitsignals::signalEndsTheProgram()
     program.sendSignal(signal);
     MUST(program.waitForPromptExit(0));
     QCOMPARE(scenario::lastWord(program), QString("closed"));
+    QVERIFY(program.hasQuit()); // and was not ended by the limit
 }
 
 void tst_exitsignals::signalWhileTheHostIsLookedUp()

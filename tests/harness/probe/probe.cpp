@@ -4,6 +4,7 @@
 #include "snapshot.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QJsonDocument>
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -37,6 +38,14 @@ void answer(QLocalSocket* socket)
     }
 }
 
+/// Tells, by an empty file, that the event loop was left.
+void noteQuit()
+{
+    QFile file(qEnvironmentVariable(nameVariable) + "-quit");
+    if (!file.open(QIODevice::WriteOnly))
+        qWarning("probe: cannot write %s", qPrintable(file.fileName()));
+}
+
 void stop()
 {
     delete server;
@@ -50,6 +59,7 @@ void start()
         return;
     server = new QLocalServer;
     qAddPostRoutine(stop);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, server, noteQuit);
     QObject::connect(server, &QLocalServer::newConnection, server, [] {
         QLocalSocket* const socket = server->nextPendingConnection();
         QObject::connect(socket, &QLocalSocket::readyRead, socket, [socket] { answer(socket); });
