@@ -2,13 +2,15 @@
 
 #include "net/updatechecker.h"
 #include "unit/hidio.h"
+#include "update/sleepinhibitor.h"
 
 #include <QThread>
-#include <QThreadPool>
 
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <future>
+#include <memory>
 #include <thread>
 
 namespace leftovers {
@@ -17,7 +19,19 @@ namespace {
 
 constexpr std::chrono::milliseconds
     longestEnd(2500); ///< longer than two blocked writes of the libusb flavour
+constexpr std::chrono::milliseconds longestClose(400); ///< a unit is usually given back within 10
 constexpr unsigned long workerEndMs = 300;
+
+/// Closing waits for the unit, too, and for a thread that is closing it already: perhaps without end.
+void closeWithinLimit()
+{
+    const auto closed = std::make_shared<std::promise<void>>();
+    std::thread([closed] {
+        hidio::closeAll(std::chrono::milliseconds(0));
+        closed->set_value();
+    }).detach();
+    closed->get_future().wait_for(longestClose);
+}
 
 } // namespace
 
@@ -29,7 +43,7 @@ void limitTheEnd(int exitCode)
     hidio::refuseWrites();
     std::thread([exitCode] {
         std::this_thread::sleep_for(longestEnd);
-        hidio::closeAll(std::chrono::milliseconds(0));
+        closeWithinLimit();
         std::_Exit(exitCode);
     }).detach();
 }
@@ -50,7 +64,7 @@ void giveBack()
 
 void giveBackAtExit()
 {
-    (void)QThreadPool::globalInstance(); // created first, so that it waits for its threads last
+    sleepinhibitor::prepare();
     std::atexit([] {
         limitTheEnd(EXIT_FAILURE); // unless the end has already begun, with its own code
         giveBack();

@@ -54,6 +54,12 @@ void ask(int number)
 
 } // namespace
 
+void prepare()
+{
+    (void)QThreadPool::globalInstance();
+    (void)QDBusConnection("none"); // asks nobody; the thread of all connections is there from now on
+}
+
 void hold()
 {
     const QMutexLocker locker(&state().lock);

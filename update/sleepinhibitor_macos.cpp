@@ -13,6 +13,8 @@ IOPMAssertionID assertion = kIOPMNullAssertionID;
 
 } // namespace
 
+void prepare() {}
+
 void hold()
 {
     if (assertion != kIOPMNullAssertionID)

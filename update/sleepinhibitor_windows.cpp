@@ -7,6 +7,8 @@
 // Written after Microsoft's documentation of SetThreadExecutionState; not yet built or run on Windows.
 namespace sleepinhibitor {
 
+void prepare() {}
+
 void hold()
 {
     if (SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED) == 0)
