@@ -7,10 +7,10 @@
 namespace leftovers {
 
 /// Call when the program starts to end: from now on nothing is written to a unit. If the end takes longer
-/// than 2.5 s, gives the unit back (waits at most 400 ms for that) and ends the process: Qt waits for its host
-/// name look-ups, and a write may block for longer. In the hidraw flavour the kernel keeps a process until its
-/// blocked write returns, after at most 5 s; until then its window stays on the screen, without reacting. Only
-/// the first call counts. Any thread.
+/// than 2.5 s, gives the unit back (waits at most 400 ms for that) and ends the process: Qt waits for its
+/// host name look-ups, and a write may block for longer. In the hidraw flavour the kernel keeps a process
+/// until its blocked write returns, after at most 5 s; until then its window stays on the screen, without
+/// reacting. Only the first call counts. Any thread.
 void limitTheEnd(int exitCode);
 
 /// Ends the worker and the network thread while the application object still exists: an event that Qt

@@ -1,17 +1,16 @@
 #include "reliability/computer.h"
 
+#include "support/readonlyfolder.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
-#include <array>
 #include <atomic>
 #include <csignal>
 #include <ctime>
 
-#include <linux/capability.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -19,19 +18,6 @@
 namespace {
 
 std::atomic<long> clockOffset = 0; // s
-
-/// Root, too, then keeps to the permissions of files.
-void dropOverride()
-{
-    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-    std::array<__user_cap_data_struct, 2> sets{};
-    if (syscall(SYS_capget, &header, sets.data()) != 0)
-        qFatal("capget");
-    sets[0].effective &= ~(1U << CAP_DAC_OVERRIDE);
-    sets[0].permitted &= ~(1U << CAP_DAC_OVERRIDE);
-    if (syscall(SYS_capset, &header, sets.data()) != 0)
-        qFatal("capset");
-}
 
 } // namespace
 
@@ -102,10 +88,6 @@ void computer::fillDisk(unsigned long bytes)
 
 void computer::makeDirectoryReadOnly()
 {
-    if (geteuid() == 0)
-        dropOverride();
-    const QByteArray directory = QFile::encodeName(QFileInfo("/proc/self/exe").symLinkTarget());
-    const QByteArray folder = directory.left(directory.lastIndexOf('/'));
-    if (chmod(folder.constData(), S_IRUSR | S_IXUSR) != 0)
-        qFatal("chmod");
+    const QByteArray program = QFile::encodeName(QFileInfo("/proc/self/exe").symLinkTarget());
+    static const ReadOnlyFolder fromNowOn(program.left(program.lastIndexOf('/')));
 }

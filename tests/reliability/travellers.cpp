@@ -1,5 +1,6 @@
 #include "reliability/travellers.h"
 
+#include "harness/processtime.h"
 #include "reliability/journeyfiles.h"
 
 #include <QCoreApplication>
@@ -16,10 +17,6 @@ constexpr std::size_t sideBySide = 10;
 const QStringList leakPhases{"installation", "log parts"};
 
 constexpr auto ending = "ending\n"; ///< said when the event loop ends
-
-/// Places in /proc/PID/stat, counted from the state; see proc(5).
-constexpr int userTimeField = 11;
-constexpr int systemTimeField = 12;
 
 } // namespace
 
@@ -70,19 +67,12 @@ void Traveller::take()
 /// Ticks count in which the process neither ran nor wanted to: it waited for something of its own choice.
 void Traveller::watchTheEnd()
 {
-    QFile file(QString("/proc/%1/stat").arg(process.processId()));
-    if (!file.open(QIODevice::ReadOnly))
+    const std::chrono::milliseconds computed = processorTime(process.processId());
+    if (computed.count() == 0) // it has ended
         return;
-    const QByteArray line = file.readAll();
-    const QByteArrayList fields =
-        line.mid(line.lastIndexOf(')') + 2).split(' '); // behind the name: state, ...
-    if (fields.size() <= systemTimeField)
-        return;
-    const qint64 ticks = fields[userTimeField].toLongLong() + fields[systemTimeField].toLongLong();
-    const qint64 computed = ticks * 1000 / sysconf(_SC_CLK_TCK);
     computedBefore = computedBefore.value_or(computed);
-    computedMs = computed - *computedBefore;
-    restingTicks += fields[0] == "S" ? 1 : 0;
+    computedMs = (computed - *computedBefore).count();
+    restingTicks += isAsleep(process.processId()) ? 1 : 0;
 }
 
 QStringList Traveller::said(const QString& word) const

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
@@ -46,7 +47,7 @@ private:
     QTimer endWatch; ///< runs from the first word of the end
     QByteArray output;
     QByteArray errors;
-    std::optional<qint64> computedBefore; ///< the end, in ms
+    std::optional<std::chrono::milliseconds> computedBefore; ///< the end
     qint64 computedMs = 0;
     qint64 restingTicks = 0;
 };
