@@ -21,16 +21,14 @@ bool OpenUnits::remove(hid_device* unit)
 
 bool OpenUnits::isBusy() const
 {
-    const std::lock_guard locker(lock);
-    return limitedCalls > 0;
+    return (calls.load() & limitedCalls) != 0;
 }
 
 bool OpenUnits::closeAll(std::chrono::milliseconds limit, const std::function<void(hid_device*)>& close)
 {
     std::unique_lock locker(lock);
-    refusing = true;
-    const bool calm = callEnded.wait_for(locker, limit, [this] { return limitedCalls == 0; });
-    if (!calm || endlessCalls > 0)
+    calls |= ending;
+    if (!callEnded.wait_for(locker, limit, [this] { return !isBusy(); }) || calls != ending)
         return false;
     for (hid_device* unit : std::exchange(units, {}))
         close(unit); // under the lock: another thread that ends the process waits
@@ -39,16 +37,17 @@ bool OpenUnits::closeAll(std::chrono::milliseconds limit, const std::function<vo
 
 bool OpenUnits::enter(Call call)
 {
-    const std::lock_guard locker(lock);
-    if (refusing)
-        return false;
-    ++(call == Call::limited ? limitedCalls : endlessCalls);
-    return true;
+    std::uint32_t before = calls;
+    while ((before & ending) == 0)
+        if (calls.compare_exchange_weak(before, before + one(call)))
+            return true;
+    return false;
 }
 
 void OpenUnits::leave(Call call)
 {
-    const std::lock_guard locker(lock);
-    --(call == Call::limited ? limitedCalls : endlessCalls);
+    if (((calls -= one(call)) & ending) == 0)
+        return;
+    const std::lock_guard locker(lock); // or the waiting one might just be about to wait
     callEnded.notify_all();
 }

@@ -2,8 +2,10 @@
 
 #include "unit/hidhandle.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -44,10 +46,13 @@ private:
     [[nodiscard]] bool enter(Call call);
     void leave(Call call);
 
-    mutable std::mutex lock; ///< guards everything below
-    std::condition_variable callEnded;
+    // What is counted in one word, so that a call, of which there are a thousand a second, takes no lock.
+    static constexpr std::uint32_t limitedCalls = 0xFFFF;
+    static constexpr std::uint32_t ending = 0x8000'0000; ///< the end has begun
+    static constexpr std::uint32_t one(Call call) { return call == Call::limited ? 1 : limitedCalls + 1; }
+
+    std::atomic<std::uint32_t> calls = 0; ///< under way, the limited ones in the low half
+    std::mutex lock;                      ///< of `units`
+    std::condition_variable callEnded;    ///< once the end has begun
     std::vector<hid_device*> units;
-    int limitedCalls = 0;
-    int endlessCalls = 0;
-    bool refusing = false;
 };
