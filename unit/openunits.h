@@ -46,12 +46,12 @@ private:
     [[nodiscard]] bool enter(Call call);
     void leave(Call call);
 
-    // What is counted in one word, so that a call, of which there are a thousand a second, takes no lock.
+    // All counts share one word, so that a call takes no lock: there are a thousand of them a second.
     static constexpr std::uint32_t limitedCalls = 0xFFFF;
     static constexpr std::uint32_t ending = 0x8000'0000; ///< the end has begun
     static constexpr std::uint32_t one(Call call) { return call == Call::limited ? 1 : limitedCalls + 1; }
 
-    std::atomic<std::uint32_t> calls = 0; ///< under way, the limited ones in the low half
+    std::atomic<std::uint32_t> calls = 0; ///< in progress, the limited ones in the low half
     std::mutex lock;                      ///< of `units`
     std::condition_variable callEnded;    ///< once the end has begun
     std::vector<hid_device*> units;

@@ -5,8 +5,8 @@
 /// update runs anyway, with a line in the diagnostics. GUI thread; never blocks.
 namespace sleepinhibitor {
 
-/// Call before anything is registered with atexit(): exit() waits for the same threads as hold() does, perhaps
-/// indefinitely, and waits last for what was created first.
+/// Call before anything is registered with atexit(): exit() waits for the same threads as hold() does,
+/// perhaps indefinitely, and waits last for what was created first.
 void prepare();
 
 /// From now on the computer stays awake. No effect if already held.
