@@ -188,14 +188,14 @@ void Program::sendSignal(int signal)
         ::kill(static_cast<pid_t>(id), signal);
 }
 
-bool Program::handlesSignal(int signal) const
+bool Program::isInSet(const QByteArray& set, int signal) const
 {
     QFile file(QString("/proc/%1/status").arg(process.processId()));
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray all = file.readAll();
-    const QByteArray caught = all.mid(all.indexOf("SigCgt:") + 7).trimmed().left(16);
-    return (caught.toULongLong(nullptr, 16) >> (signal - 1) & 1U) != 0;
+    const QByteArray members = all.mid(all.indexOf(set + ':') + set.size() + 1).trimmed().left(16);
+    return (members.toULongLong(nullptr, 16) >> (signal - 1) & 1U) != 0;
 }
 
 Outcome Program::waitForPromptExit(int code)

@@ -69,7 +69,9 @@ public:
     /// Sends the process a signal; nothing happens when it has ended.
     void sendSignal(int signal);
     /// Whether the process handles this signal in a way of its own.
-    [[nodiscard]] bool handlesSignal(int signal) const;
+    [[nodiscard]] bool handlesSignal(int signal) const { return isInSet("SigCgt", signal); }
+    /// Whether one was sent that it has not begun to handle.
+    [[nodiscard]] bool isPending(int signal) const { return isInSet("ShdPnd", signal); }
 
     Outcome waitFor(const QString& what, const std::function<bool(const View&)>& condition);
     /// A box on top that says exactly this.
@@ -90,6 +92,8 @@ public:
     Outcome staysAway(const QString& what, const std::function<bool(const View&)>& unwanted, int looks = 50);
 
 private:
+    /// Of the sets of signals in /proc/PID/status.
+    [[nodiscard]] bool isInSet(const QByteArray& set, int signal) const;
     [[nodiscard]] Outcome failed(const QString& what);
     Outcome click(const QString& what, const std::function<std::optional<Target>(const View&)>& find);
 

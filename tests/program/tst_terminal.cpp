@@ -19,13 +19,19 @@ class tst_terminal : public QObject
 
 private slots:
     void initTestCase();
+    void cleanup() { program.reset(); }
 
     void closed_data();
     void closed();
+    void closedBehindAShell();
 
 private:
+    Outcome begin(const QString& fault = {});
+
     Desktop desktop;
     UpdateServer server;
+    std::unique_ptr<Terminal> terminal;
+    std::unique_ptr<Program> program;
 };
 
 void tst_terminal::initTestCase()
@@ -36,34 +42,46 @@ void tst_terminal::initTestCase()
                          scenario::changeLog));
 }
 
+/// Starts the program in a terminal of its own.
+Outcome tst_terminal::begin(const QString& fault)
+{
+    terminal = std::make_unique<Terminal>();
+    if (terminal->programsEnd() < 0)
+        return Outcome("no terminal left");
+    program = std::make_unique<Program>(desktop);
+    program->setTerminal(*terminal);
+    return scenario::startWithUnit(*program, server.proxy(), fault);
+}
+
 void tst_terminal::closed_data()
 {
     QTest::addColumn<State>("reach");
-    QTest::addColumn<bool>("shellTells");
-    QTest::newRow("idle") << State(scenario::declineOffer) << false;
-    QTest::newRow("idle, told by the shell first") << State(scenario::declineOffer) << true;
-    QTest::newRow("in the middle of the transfer") << State(scenario::streamImage) << false;
-    QTest::newRow("in the middle of the transfer, told by the shell first")
-        << State(scenario::streamImage) << true;
+    QTest::newRow("idle") << State(scenario::declineOffer);
+    QTest::newRow("in the middle of the transfer") << State(scenario::streamImage);
 }
 
-/// The system tells of it; a shell in between does so, too, and goes.
 void tst_terminal::closed()
 {
     QFETCH(State, reach);
-    QFETCH(bool, shellTells);
-    Terminal terminal;
-    QVERIFY(terminal.programsEnd() >= 0);
-    Program program(desktop);
-    program.setTerminal(terminal);
-    MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(reach(program));
-    if (shellTells)
-        program.sendSignal(SIGHUP);
-    terminal.close();
-    MUST(program.waitForPromptExit(0));
-    QCOMPARE(scenario::lastWord(program), QString("closed"));
-    QVERIFY(program.hasQuit());
+    MUST(begin());
+    MUST(reach(*program));
+    terminal->close();
+    MUST(program->waitForPromptExit(0));
+    QCOMPARE(scenario::lastWord(*program), QString("closed"));
+    QVERIFY(program->hasQuit());
+}
+
+/// The shell tells of it, and while the program is still on its way out, the system does. A write that is
+/// blocked keeps it there.
+void tst_terminal::closedBehindAShell()
+{
+    MUST(begin(",fault=takes-nothing:60000,fault=takes-nothing-from:1"));
+    MUST(scenario::pressUpdate(*program));
+    QTRY_VERIFY(scenario::journal(*program).contains("not-taken"));
+    program->sendSignal(SIGHUP);
+    QTRY_VERIFY(!program->isPending(SIGHUP));
+    terminal->close();
+    MUST(program->waitForPromptExit(0));
 }
 
 QTEST_GUILESS_MAIN(tst_terminal)
