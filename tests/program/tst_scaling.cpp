@@ -39,6 +39,8 @@ private slots:
     void largeFont();
     void otherScreen_data();
     void otherScreen();
+    void screensOfTheirOwn_data();
+    void screensOfTheirOwn();
 };
 
 void tst_scaling::resolution_data()
@@ -140,6 +142,39 @@ void tst_scaling::otherScreen()
         return placeOf(view.widget("progressBarUpdate")) == layoutOfBar;
     }));
     QCOMPARE(screen.sizeOf(window), onSecond);
+}
+
+void tst_scaling::screensOfTheirOwn_data()
+{
+    QTest::addColumn<QString>("factors"); // %1: the desktop's name
+    QTest::addColumn<int>("screen");
+    QTest::addColumn<QSize>("size"); // in pixels of the screen
+
+    QTest::newRow("first, by name") << "%1.0=1;%1.1=2" << 0 << layoutSize;
+    QTest::newRow("second, by name") << "%1.0=1;%1.1=2" << 1 << layoutSize * 2;
+    // Qt counts from the screen that the program is started on.
+    QTest::newRow("first, by order") << "1;2" << 0 << layoutSize;
+    QTest::newRow("second, by order") << "2;1" << 1 << layoutSize * 2;
+}
+
+/// No window can be moved from one to the other. With RANDR both would have the same name.
+void tst_scaling::screensOfTheirOwn()
+{
+    QFETCH(QString, factors);
+    QFETCH(int, screen);
+    QFETCH(QSize, size);
+
+    Desktop desktop;
+    MUST(
+        desktop.start({"-extension", "RANDR", "-screen", "0", "1200x1000x24", "-screen", "1", "2000x1600x24"},
+                      "Xft.dpi:\t96\n"));
+    Program program(desktop);
+    program.setScreen(screen);
+    program.setVariable("QT_SCREEN_SCALE_FACTORS", factors.replace("%1", desktop.name()));
+    MUST(program.start());
+    const View view = program.look();
+    QTRY_COMPARE(desktop.screen().sizeOf(idOf(view)), size);
+    QCOMPARE(placeOf(view.widget("progressBarUpdate")), layoutOfBar);
 }
 
 QTEST_GUILESS_MAIN(tst_scaling)
