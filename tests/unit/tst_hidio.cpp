@@ -1,4 +1,5 @@
 #include "unit/hidio.h"
+#include "unit/report.h"
 
 #include "virtualunit/hidapi/virtualbus.h"
 
