@@ -4,10 +4,12 @@
 #include "unit/hidio.h"
 #include "update/sleepinhibitor.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <future>
 #include <memory>
@@ -68,6 +70,11 @@ void giveBackAtExit()
     std::atexit([] {
         limitTheEnd(EXIT_FAILURE); // unless the end has already begun, with its own code
         giveBack();
+        if (QCoreApplication::instance() == nullptr)
+            return;
+        // exit() in mid work: the next handlers would destroy what threads of Qt's are still using.
+        std::fflush(nullptr);
+        std::_Exit(EXIT_FAILURE);
     });
 }
 

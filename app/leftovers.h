@@ -21,7 +21,8 @@ void endThreads(const MainWindow::Leftovers& leftovers);
 /// Closes the open units once the calls on them have ended; closes none if the worker is blocked in a read.
 void giveBack();
 
-/// Makes exit(), which Qt calls when the display is lost, give the unit back too.
+/// Makes exit(), which Qt calls when the display is lost, give the unit back too and end the process then
+/// and there, with EXIT_FAILURE.
 void giveBackAtExit();
 
 } // namespace leftovers
