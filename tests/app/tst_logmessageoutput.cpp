@@ -12,7 +12,9 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <cstdlib>
 #include <functional>
+#include <latch>
 #include <thread>
 
 namespace {
@@ -80,9 +82,19 @@ const QMap<QString, std::function<void()>> speeches{
      }},
     {"two threads",
      [] {
-         std::thread other(sayMany, 'b');
-         sayMany('a');
+         std::latch begin(2);
+         const auto speak = [&](char speaker) {
+             begin.arrive_and_wait();
+             sayMany(speaker);
+         };
+         std::thread other(speak, 'b');
+         speak('a');
          other.join();
+     }},
+    {"crash",
+     [] {
+         say("last words");
+         std::_Exit(0); // as good as a crash: nothing is flushed
      }},
 };
 
@@ -107,6 +119,7 @@ private slots:
     void localEncodingBecomesUtf8();
     void noFileThenAFile();
     void twoThreads();
+    void lineBeforeACrash();
 
 private:
     void speak(const QString& speech, const QByteArray& locale = "C");
@@ -283,7 +296,14 @@ void TestLogMessageOutput::twoThreads()
         QVERIFY2(match.hasMatch(), qPrintable(text));
         QCOMPARE(match.captured(2).toInt(), next[text[0]]++);
     }
-    QCOMPARE(echo.count('\n'), 2 * linesEach);
+    QCOMPARE(QString(echo), written.join('\n') + '\n');
+}
+
+void TestLogMessageOutput::lineBeforeACrash()
+{
+    speak("crash");
+    QCOMPARE(texts(), QStringList{"last words"});
+    QCOMPARE(echo, QByteArray("last words\n"));
 }
 
 int main(int argc, char** argv)

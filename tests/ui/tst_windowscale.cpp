@@ -83,6 +83,8 @@ private slots:
     void largeFontCutsNothing_data();
     void largeFontCutsNothing();
     void noLargerThanNeeded();
+    void longTextsOfTheRowFit();
+    void wideLetters();
     void smallFontLeavesTheLayout();
     void fontChangesWhileShown();
     void sizeThatTheUserGaveKeepsItsShare();
@@ -134,6 +136,8 @@ void TestWindowScale::layout_data()
     QTest::newRow("too high") << 1.0 << QVector<Need>{tooHigh, roomy} << 1.5;
     QTest::newRow("the neediest decides") << 1.0 << QVector<Need>{tooWide, tooHigh, tight} << 1.5;
     QTest::newRow("the screen gives enough") << 2.0 << QVector<Need>{tooWide, tooHigh} << 2.0;
+    QTest::newRow("the screen gives enough but for air")
+        << 1.25 << QVector<Need>{{{100, 20}, {110, 10}, {130, 12}}} << 1.25;
     QTest::newRow("the screen gives too little")
         << 1.04 << QVector<Need>{tooHigh, {{100, 20}, {105, 1}, {106, 1}}} << 1.5;
     QTest::newRow("never less than the screen's")
@@ -195,6 +199,35 @@ void TestWindowScale::noLargerThanNeeded()
     QCOMPARE(window.bar("progressBarUpdate").geometry(),
              windowscale::stretched(QRect(20, 260, 451, 21), needed));
     QCOMPARE(window->findChild<QLayout*>("horizontalLayout")->spacing(), qRound(6 * needed));
+}
+
+/// As a translation may have them.
+void TestWindowScale::longTextsOfTheRowFit()
+{
+    TestWindow window;
+    QPushButton& connect = window.button("connect_button");
+    QPushButton& update = window.button("updateDeviceButton");
+    update.setText(QString(60, 'W'));
+    const LargerFont font(10); // has the scale look again
+    QTRY_VERIFY(factorOf(window) > 1);
+    QVERIFY(fits(update.sizeHint(), update));
+    QVERIFY(fits(connect.sizeHint(), connect));
+    const double needed = (update.sizeHint().width() + connect.sizeHint().width()) / (471.0 - 6);
+    QTRY_COMPARE(window->size(), windowscale::stretched(layoutSize, needed));
+}
+
+/// The widest text has its place before it is shown.
+void TestWindowScale::wideLetters()
+{
+    QFont font = QApplication::font();
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 10);
+    const QFont before = QApplication::font();
+    QApplication::setFont(font);
+    const auto setBack = qScopeGuard([&] { QApplication::setFont(before); });
+    TestWindow window;
+    QLabel& update = window.label("labelUpdate");
+    update.setText("Update: in progress. Do not power off device!");
+    QVERIFY(fits(update.sizeHint(), update));
 }
 
 void TestWindowScale::smallFontLeavesTheLayout()
