@@ -1,9 +1,10 @@
 #!/bin/bash
-# scripts/mutate.sh [PATTERN]
+# scripts/mutate.sh [--check] [PATTERN]
 # Do the tests notice a broken program? Makes the edits listed in tests/mutations, one at a time, in copies of the tree
 # (build-mutants), and runs the test that each names. PATTERN: only files whose path matches it, as in [[ =~ ]].
 # Prints a table: killed (the test fails, crashes or hangs), survived, and what is wrong with the list: the text does
 # not occur exactly once in the file, or the edit does not build. Exit code 1: something is wrong with the list.
+# --check only looks whether each text occurs exactly once.
 #
 #     = FILE TEST [FUNCTION[:ROW]]  for the edits below it
 #     - the text in FILE            both may have several lines
@@ -15,6 +16,11 @@ cd "$(dirname "$(realpath "$0")")/.."
 # shellcheck source=scripts/lib/packages.sh
 . scripts/lib/packages.sh
 
+onlyCheck=
+if [ "${1-}" = --check ]; then
+    onlyCheck=yes
+    shift
+fi
 pattern=${1-.}
 scratch=$PWD/build-mutants
 workers=2
@@ -82,13 +88,32 @@ notices() {
     verdict=${verdict:-exit code $status}
 }
 
-# replaceOnce FILE OLD NEW: fails unless OLD occurs exactly once.
-replaceOnce() {
-    local content before after
+# standsOnce FILE TEXT
+standsOnce() {
+    local content after
+    [ -f "$1" ] || return 1
     content=$(< "$1")
-    before=${content%%"$2"*}
     after=${content#*"$2"}
-    [ "$before" != "$content" ] && [ "$after" = "${content##*"$2"}" ] && printf '%s\n' "$before$3$after" > "$1"
+    [ "$after" != "$content" ] && [ "$after" = "${content##*"$2"}" ]
+}
+
+# replaceOnce FILE OLD NEW: fails unless OLD stands there exactly once.
+replaceOnce() {
+    local content
+    content=$(< "$1")
+    standsOnce "$1" "$2" && printf '%s\n' "${content%%"$2"*}$3${content#*"$2"}" > "$1"
+}
+
+# checkLists: fails, and says which, if there is an edit that cannot be made.
+checkLists() {
+    local index result=0
+    for index in "${!files[@]}"; do
+        if ! standsOnce "${files[index]}" "${olds[index]}"; then
+            echo "mutate.sh: not in ${files[index]} exactly once: ${olds[index]}" >&2
+            result=1
+        fi
+    done
+    return "$result"
 }
 
 # try TREE INDEX: makes one edit and prints its row.
@@ -132,11 +157,15 @@ rows() {
     grep -h "^$1" "$scratch"/rows-* || true
 }
 
-installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
 for list in tests/mutations/*.txt; do
     readList "$list"
 done
 [ ${#files[@]} -gt 0 ] || { echo "no edit is listed for a file that matches $pattern" >&2; exit 2; }
+if [ -n "$onlyCheck" ]; then
+    checkLists
+    exit
+fi
+installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
 
 started=$(date +%s)
 mapfile -t tests < <(printf '%s\n' "${runs[@]%% *}" | sort -u)

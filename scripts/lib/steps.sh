@@ -49,7 +49,7 @@ step_format() {
 }
 
 step_scripts() {
-    sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh
+    sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh && scripts/mutate.sh --check
 }
 
 step_tests() {
