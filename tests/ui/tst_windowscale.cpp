@@ -84,7 +84,6 @@ private slots:
     void largeFontCutsNothing();
     void noLargerThanNeeded();
     void longTextsOfTheRowFit();
-    void wideLetters();
     void smallFontLeavesTheLayout();
     void fontChangesWhileShown();
     void sizeThatTheUserGaveKeepsItsShare();
@@ -214,20 +213,6 @@ void TestWindowScale::longTextsOfTheRowFit()
     QVERIFY(fits(connect.sizeHint(), connect));
     const double needed = (update.sizeHint().width() + connect.sizeHint().width()) / (471.0 - 6);
     QTRY_COMPARE(window->size(), windowscale::stretched(layoutSize, needed));
-}
-
-/// The widest text has its place before it is shown.
-void TestWindowScale::wideLetters()
-{
-    QFont font = QApplication::font();
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 10);
-    const QFont before = QApplication::font();
-    QApplication::setFont(font);
-    const auto setBack = qScopeGuard([&] { QApplication::setFont(before); });
-    TestWindow window;
-    QLabel& update = window.label("labelUpdate");
-    update.setText("Update: in progress. Do not power off device!");
-    QVERIFY(fits(update.sizeHint(), update));
 }
 
 void TestWindowScale::smallFontLeavesTheLayout()
