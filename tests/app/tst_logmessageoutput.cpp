@@ -1,6 +1,6 @@
 #include "app/logmessageoutput.h"
 
-#include "support/easternlocales.h"
+#include "tests/support/easternlocales.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "base/timestamp.h"
 
-#include "support/easternlocales.h"
+#include "tests/support/easternlocales.h"
 
 #include <QCoreApplication>
 #include <QProcess>

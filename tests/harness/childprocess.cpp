@@ -1,6 +1,6 @@
-#include "childprocess.h"
+#include "tests/harness/childprocess.h"
 
-#include "support/limits.h"
+#include "tests/support/limits.h"
 
 #include <csignal>
 #include <cstdlib>

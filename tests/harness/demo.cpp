@@ -1,7 +1,7 @@
-#include "demo.h"
+#include "tests/harness/demo.h"
 
-#include "halfserver.h"
-#include "waiting.h"
+#include "tests/harness/halfserver.h"
+#include "tests/harness/waiting.h"
 
 #include <QFile>
 

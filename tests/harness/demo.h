@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program.h"
+#include "tests/harness/program.h"
 
 #include <QDir>
 

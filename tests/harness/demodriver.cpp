@@ -9,7 +9,7 @@
 // is for the program's environment. Exit code: 0 both runs came to their end and the program ended with 0; 1
 // a stage failed, said on the error output.
 
-#include "demo.h"
+#include "tests/harness/demo.h"
 
 #include <QCommandLineParser>
 

@@ -1,6 +1,6 @@
-#include "desktop.h"
+#include "tests/harness/desktop.h"
 
-#include "waiting.h"
+#include "tests/harness/waiting.h"
 
 Outcome Desktop::start(const QStringList& screens, const QByteArray& resources)
 {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "childprocess.h"
-#include "outcome.h"
-#include "xscreen.h"
+#include "tests/harness/childprocess.h"
+#include "tests/harness/outcome.h"
+#include "tests/harness/xscreen.h"
 
 /// A screen with a small window manager: one of its own (Xvfb, openbox), or the one that the environment
 /// variable TALVEX_TEST_DISPLAY names, to look on.

@@ -1,6 +1,6 @@
-#include "probeclient.h"
+#include "tests/harness/probeclient.h"
 
-#include "support/limits.h"
+#include "tests/support/limits.h"
 
 #include <QJsonDocument>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "view.h"
+#include "tests/harness/view.h"
 
 #include <QJsonDocument>
 #include <QLocalSocket>

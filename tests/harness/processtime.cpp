@@ -1,4 +1,4 @@
-#include "processtime.h"
+#include "tests/harness/processtime.h"
 
 #include <QDir>
 

@@ -1,7 +1,7 @@
-#include "program.h"
+#include "tests/harness/program.h"
 
-#include "processtime.h"
-#include "waiting.h"
+#include "tests/harness/processtime.h"
+#include "tests/harness/waiting.h"
 
 #include <QDir>
 #include <QFileInfo>

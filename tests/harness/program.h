@@ -1,11 +1,11 @@
 #pragma once
 
-#include "childprocess.h"
-#include "desktop.h"
-#include "outcome.h"
-#include "probeclient.h"
-#include "terminal.h"
-#include "view.h"
+#include "tests/harness/childprocess.h"
+#include "tests/harness/desktop.h"
+#include "tests/harness/outcome.h"
+#include "tests/harness/probeclient.h"
+#include "tests/harness/terminal.h"
+#include "tests/harness/view.h"
 
 #include <QTemporaryDir>
 

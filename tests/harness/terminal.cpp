@@ -1,4 +1,4 @@
-#include "terminal.h"
+#include "tests/harness/terminal.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
-#include "updateserver.h"
+#include "tests/harness/updateserver.h"
 
-#include "waiting.h"
+#include "tests/harness/waiting.h"
 
 #include <QDir>
 #include <QFile>

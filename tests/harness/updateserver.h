@@ -1,7 +1,7 @@
 #pragma once
 
-#include "childprocess.h"
-#include "outcome.h"
+#include "tests/harness/childprocess.h"
+#include "tests/harness/outcome.h"
 
 #include <QTemporaryDir>
 #include <QVector>

@@ -1,4 +1,4 @@
-#include "view.h"
+#include "tests/harness/view.h"
 
 #include <QJsonArray>
 

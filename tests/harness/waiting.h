@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/limits.h"
+#include "tests/support/limits.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>

@@ -1,4 +1,4 @@
-#include "xscreen.h"
+#include "tests/harness/xscreen.h"
 
 // Xlib's macros (None, Bool, ...) break Qt's headers: these come last.
 #include <X11/Xatom.h>

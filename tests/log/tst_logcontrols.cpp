@@ -1,7 +1,7 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/testwindow.h"
 #include "tests/log/replyingunit.h"
+#include "tests/support/testwindow.h"
 #include "ui/mainwindow.h"
 
 #include <QSignalSpy>

@@ -1,6 +1,6 @@
-#include "support/logcapture.h"
-#include "support/ticks.h"
 #include "tests/log/exchange.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/ticks.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #include "log/logdownloader.h"
 #include "log/logfilename.h"
-#include "support/easternlocales.h"
-#include "support/readonlyfolder.h"
+#include "tests/support/easternlocales.h"
+#include "tests/support/readonlyfolder.h"
 
 #include <QDir>
 #include <QtTest>

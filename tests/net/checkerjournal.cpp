@@ -1,4 +1,4 @@
-#include "net/checkerjournal.h"
+#include "tests/net/checkerjournal.h"
 
 #include "net/updatechecker.h"
 

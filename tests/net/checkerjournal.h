@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/logcapture.h"
+#include "tests/support/logcapture.h"
 
 #include <QObject>
 #include <QString>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "net/checkerjournal.h"
 #include "net/updatechecker.h"
-#include "support/rawserver.h"
+#include "tests/net/checkerjournal.h"
+#include "tests/support/rawserver.h"
 
 #include <QMap>
 #include <QMetaType>

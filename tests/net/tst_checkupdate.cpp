@@ -1,4 +1,4 @@
-#include "net/scene.h"
+#include "tests/net/scene.h"
 
 #include <QTimer>
 #include <QtTest>

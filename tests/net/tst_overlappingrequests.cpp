@@ -1,5 +1,5 @@
-#include "net/scene.h"
-#include "support/ticks.h"
+#include "tests/net/scene.h"
+#include "tests/support/ticks.h"
 
 #include <QFile>
 #include <QTimer>

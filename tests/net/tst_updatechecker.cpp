@@ -1,5 +1,5 @@
-#include "net/scene.h"
-#include "support/httpthreads.h"
+#include "tests/net/scene.h"
+#include "tests/support/httpthreads.h"
 
 #include <QAuthenticator>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "scenario.h"
+#include "tests/program/scenario.h"
 
 #include <X11/keysym.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "program.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
 
 /// The steps of an update that several tests share. The unit is at version 2.3, the server offers 2.8.
 namespace scenario {

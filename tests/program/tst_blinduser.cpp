@@ -2,10 +2,10 @@
 // blinduser.py is the user. Runs in a session of its own (dbus-run-session), in which the bus of assistive
 // technology is started.
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
-#include "waiting.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/harness/waiting.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

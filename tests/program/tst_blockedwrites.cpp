@@ -1,8 +1,8 @@
 // The program's end while a write to the unit is blocked: by a signal, or by closing the window.
 
-#include "program.h"
-#include "scenario.h"
-#include "waiting.h"
+#include "tests/harness/program.h"
+#include "tests/harness/waiting.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

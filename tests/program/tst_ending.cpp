@@ -1,9 +1,9 @@
 // The ways out of the program: in every state it ends at once, with exit code 0, whatever it was waiting for.
 
-#include "halfserver.h"
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/halfserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QTcpServer>
 #include <QtTest>

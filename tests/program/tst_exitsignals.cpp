@@ -1,10 +1,10 @@
 // The ends that come from outside: signals, and the loss of the display. In every phase the unit is given
 // back.
 
-#include "processtime.h"
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/processtime.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

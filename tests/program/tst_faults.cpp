@@ -1,8 +1,8 @@
 // A unit that misbehaves: what the user is told of it, and what the window shows afterwards.
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QCryptographicHash>
 #include <QtTest>

@@ -1,8 +1,8 @@
 // The program's end while something that it asked does not answer: it ends all the same.
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QLocalServer>
 #include <QtTest>

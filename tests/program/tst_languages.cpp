@@ -1,9 +1,9 @@
 // The shipped program where the user's language writes numbers with other digits than 0 to 9.
 
-#include "program.h"
-#include "scenario.h"
-#include "support/easternlocales.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
+#include "tests/support/easternlocales.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // The unit's log, from the keys that offer it to the stored file.
 
-#include "program.h"
-#include "scenario.h"
+#include "tests/harness/program.h"
+#include "tests/program/scenario.h"
 
 #include <X11/keysym.h>
 

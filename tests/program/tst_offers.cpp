@@ -1,8 +1,8 @@
 // What the server offers: nothing newer, a firmware, a newer updater; and what it fails to hand out.
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // Without a server.
 
-#include "program.h"
-#include "scenario.h"
+#include "tests/harness/program.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

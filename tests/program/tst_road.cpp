@@ -1,8 +1,8 @@
 // The whole road of an update, from Connect to "Update: finished".
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // The window on screens of other resolutions, and with the fonts of a user who sees badly.
 
-#include "program.h"
+#include "tests/harness/program.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
 // The window of the terminal that the program runs in is closed: the program ends, and the unit is given
 // back.
 
-#include "program.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/program.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // The window as a user meets it after the start, and the wiring behind it.
 
-#include "program.h"
+#include "tests/harness/program.h"
 
 #include <QJsonArray>
 #include <QtTest>

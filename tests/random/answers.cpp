@@ -1,6 +1,6 @@
-#include "random/answers.h"
+#include "tests/random/answers.h"
 
-#include "net/scene.h"
+#include "tests/net/scene.h"
 
 namespace {
 

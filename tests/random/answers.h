@@ -1,7 +1,7 @@
 #pragma once
 
-#include "random/plan.h"
-#include "support/rawserver.h"
+#include "tests/random/plan.h"
+#include "tests/support/rawserver.h"
 
 /// The paths of one run's server.
 namespace path {

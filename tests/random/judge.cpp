@@ -1,7 +1,7 @@
-#include "random/judge.h"
+#include "tests/random/judge.h"
 
-#include "random/answers.h"
-#include "support/closing.h"
+#include "tests/random/answers.h"
+#include "tests/support/closing.h"
 
 #include <algorithm>
 #include <array>

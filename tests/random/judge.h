@@ -1,6 +1,6 @@
 #pragma once
 
-#include "random/run.h"
+#include "tests/random/run.h"
 
 /// Everything about this ending that must not be; empty: the run was good.
 [[nodiscard]] QStringList violations(const Plan& plan, const Ending& ending);

@@ -1,4 +1,4 @@
-#include "random/observed.h"
+#include "tests/random/observed.h"
 
 // state of the run                                  Connect  Update  Download log  Stop
 // no unit open                                      must     no      no            no

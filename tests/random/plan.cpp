@@ -1,4 +1,4 @@
-#include "random/plan.h"
+#include "tests/random/plan.h"
 
 #include <QStringList>
 

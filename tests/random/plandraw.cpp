@@ -1,6 +1,6 @@
-#include "random/plan.h"
+#include "tests/random/plan.h"
 
-#include "random/draw.h"
+#include "tests/random/draw.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
-#include "random/run.h"
+#include "tests/random/run.h"
 
 #include "app/leftovers.h"
-#include "random/answers.h"
-#include "random/user.h"
-#include "support/filesizelimit.h"
-#include "support/limits.h"
+#include "tests/random/answers.h"
+#include "tests/random/user.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/limits.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "random/observed.h"
-#include "random/plan.h"
-#include "support/imagefiles.h"
+#include "tests/random/observed.h"
+#include "tests/random/plan.h"
+#include "tests/support/imagefiles.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 /// What is left of a run once the program has ended, and what was seen of it before.

@@ -1,7 +1,7 @@
-#include "random/shift.h"
+#include "tests/random/shift.h"
 
-#include "random/judge.h"
-#include "support/limits.h"
+#include "tests/random/judge.h"
+#include "tests/support/limits.h"
 
 #include <QMap>
 #include <QTextStream>

@@ -4,7 +4,7 @@
 //   tst_random --from 5000 --runs 20000 [--jobs 24]
 //   tst_random --seed 4711            one run, with all there is to say about it; also by TALVEX_SEED=4711
 
-#include "random/shift.h"
+#include "tests/random/shift.h"
 
 #include <cstdlib>
 #include <cstring>

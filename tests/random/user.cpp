@@ -1,8 +1,8 @@
-#include "random/user.h"
+#include "tests/random/user.h"
 
-#include "random/answers.h"
-#include "support/closing.h"
-#include "support/imagefiles.h"
+#include "tests/random/answers.h"
+#include "tests/support/closing.h"
+#include "tests/support/imagefiles.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "random/observed.h"
-#include "random/plan.h"
-#include "support/boxes.h"
-#include "support/rawserver.h"
+#include "tests/random/observed.h"
+#include "tests/random/plan.h"
+#include "tests/support/boxes.h"
+#include "tests/support/rawserver.h"
 #include "ui/mainwindow.h"
 
 #include <QPushButton>

@@ -1,6 +1,6 @@
-#include "reliability/computer.h"
+#include "tests/reliability/computer.h"
 
-#include "support/readonlyfolder.h"
+#include "tests/support/readonlyfolder.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "reliability/computer.h"
-#include "reliability/faults.h"
+#include "tests/reliability/computer.h"
+#include "tests/reliability/faults.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reliability/journey.h"
-#include "reliability/outcomes.h"
+#include "tests/reliability/journey.h"
+#include "tests/reliability/outcomes.h"
 
 /// A phase of a fault that another test tries, and what that test asserts.
 struct ShownElsewhere

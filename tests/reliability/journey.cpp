@@ -1,8 +1,8 @@
-#include "reliability/journey.h"
+#include "tests/reliability/journey.h"
 
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/limits.h"
+#include "tests/support/limits.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>

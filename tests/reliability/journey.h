@@ -1,9 +1,9 @@
 #pragma once
 
-#include "reliability/journeyfiles.h"
-#include "reliability/outcome.h"
-#include "support/boxes.h"
-#include "support/rawserver.h"
+#include "tests/reliability/journeyfiles.h"
+#include "tests/reliability/outcome.h"
+#include "tests/support/boxes.h"
+#include "tests/support/rawserver.h"
 #include "ui/mainwindow.h"
 #include "virtualunit/options.h"
 

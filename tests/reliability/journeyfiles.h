@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/testimage.h"
+#include "tests/support/testimage.h"
 
 /// The files of a journey: the server's firmware, the unit's log and, on disk from the beginning, the image
 /// of an earlier update.

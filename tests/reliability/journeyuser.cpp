@@ -1,6 +1,6 @@
 // What the user of a journey does.
 
-#include "reliability/journey.h"
+#include "tests/reliability/journey.h"
 #include "update/transferstate.h"
 
 #include <QPushButton>

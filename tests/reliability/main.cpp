@@ -2,8 +2,8 @@
 // the faults, parted by tabs: "row GROUP NAME REASON", for each of its journeys "cell GROUP NAME PHASE
 // OUTCOME COMPLAINTS" (parted by "|"), for what other tests show "shown GROUP NAME PHASE OUTCOME TEST".
 // GROUP, NAME and PHASE as arguments make one journey; what is seen of it is printed (Journey).
-#include "reliability/faults.h"
-#include "support/httpthreads.h"
+#include "tests/reliability/faults.h"
+#include "tests/support/httpthreads.h"
 
 #include <QCoreApplication>
 #include <QTimer>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "reliability/outcome.h"
-#include "support/boxlines.h"
-#include "support/closing.h"
+#include "tests/reliability/outcome.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/closing.h"
 
 /// The outcomes that the journeys are expected to have.
 namespace outcome {

@@ -1,7 +1,7 @@
-#include "reliability/travellers.h"
+#include "tests/reliability/travellers.h"
 
-#include "harness/processtime.h"
-#include "reliability/journeyfiles.h"
+#include "tests/harness/processtime.h"
+#include "tests/reliability/journeyfiles.h"
 
 #include <QCoreApplication>
 #include <QDir>

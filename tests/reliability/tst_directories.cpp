@@ -1,7 +1,7 @@
-#include "reliability/journeyfiles.h"
-#include "reliability/outcome.h"
-#include "reliability/travellers.h"
-#include "support/limits.h"
+#include "tests/reliability/journeyfiles.h"
+#include "tests/reliability/outcome.h"
+#include "tests/reliability/travellers.h"
+#include "tests/support/limits.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
-#include "support/boxlines.h"
-#include "support/limits.h"
-#include "support/transferdesk.h"
 #include "tests/log/exchange.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/limits.h"
+#include "tests/support/transferdesk.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "reliability/faults.h"
+#include "tests/reliability/faults.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/boxes.h"
+#include "tests/support/boxes.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/boxes.h"
+#include "tests/support/boxes.h"
 
 /// The boxes that an update can bring up, as Boxes::lines() gives them.
 namespace boxline {

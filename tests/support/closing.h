@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/boxlines.h"
+#include "tests/support/boxlines.h"
 
 #include <algorithm>
 

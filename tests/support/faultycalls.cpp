@@ -1,4 +1,4 @@
-#include "support/faultycalls.h"
+#include "tests/support/faultycalls.h"
 
 #include <array>
 #include <cerrno>

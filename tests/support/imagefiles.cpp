@@ -1,4 +1,4 @@
-#include "support/imagefiles.h"
+#include "tests/support/imagefiles.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "support/mocklogind.h"
+#include "tests/support/mocklogind.h"
 
-#include "support/limits.h"
+#include "tests/support/limits.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>

@@ -3,7 +3,7 @@
 // Included into every QtTest program by the build, in front of all else: Qt's own macros wait for 5 s, and
 // its watchdog ends a row after 5 min.
 
-#include "limits.h"
+#include "tests/support/limits.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "support/rawserver.h"
+#include "tests/support/rawserver.h"
 
 #include <QSslSocket>
 #include <QTcpServer>

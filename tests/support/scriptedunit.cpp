@@ -1,4 +1,4 @@
-#include "support/scriptedunit.h"
+#include "tests/support/scriptedunit.h"
 
 #include "virtualunit/identity.h"
 

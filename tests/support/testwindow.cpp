@@ -1,8 +1,8 @@
-#include "support/testwindow.h"
+#include "tests/support/testwindow.h"
 
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/limits.h"
+#include "tests/support/limits.h"
 #include "update/sleepinhibitor.h"
 #include "update/transferstate.h"
 #include "virtualunit/hidapi/virtualbus.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/boxes.h"
+#include "tests/support/boxes.h"
 #include "ui/mainwindow.h"
 
 #include <QByteArray>

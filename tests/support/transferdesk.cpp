@@ -1,4 +1,4 @@
-#include "support/transferdesk.h"
+#include "tests/support/transferdesk.h"
 
 #include <hidapi.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/scriptedunit.h"
-#include "support/testimage.h"
-#include "support/testwindow.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testimage.h"
+#include "tests/support/testwindow.h"
 
 /// A window with its unit, or pair of decks, open as after a press of Connect, driven tick by tick.
 class TransferDesk

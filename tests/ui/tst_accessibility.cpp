@@ -1,6 +1,6 @@
 // What the window tells assistive technology, and its use without a mouse.
 
-#include "support/testwindow.h"
+#include "tests/support/testwindow.h"
 
 #include <QAccessible>
 #include <QScrollBar>

@@ -1,5 +1,5 @@
-#include "support/easternlocales.h"
-#include "support/testwindow.h"
+#include "tests/support/easternlocales.h"
+#include "tests/support/testwindow.h"
 
 #include <QLocale>
 #include <QtTest>

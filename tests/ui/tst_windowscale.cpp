@@ -1,6 +1,6 @@
 #include "ui/windowscale.h"
 
-#include "support/testwindow.h"
+#include "tests/support/testwindow.h"
 
 #include <QApplication>
 #include <QLayout>

@@ -1,6 +1,6 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/testwindow.h"
+#include "tests/support/testwindow.h"
 
 #include <QMetaMethod>
 #include <QThread>

@@ -1,7 +1,7 @@
-#include "support/boxlines.h"
-#include "support/logcapture.h"
-#include "support/scriptedunit.h"
-#include "support/testwindow.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testwindow.h"
 #include "unit/seenrecord.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "support/boxlines.h"
-#include "support/scriptedunit.h"
-#include "support/testwindow.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testwindow.h"
 
 #include <QtTest>
 

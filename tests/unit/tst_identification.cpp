@@ -1,8 +1,8 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/scriptedunit.h"
-#include "support/testwindow.h"
-#include "support/ticks.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testwindow.h"
+#include "tests/support/ticks.h"
 
 #include <QSignalSpy>
 #include <QtTest>

@@ -1,7 +1,7 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "support/scriptedunit.h"
-#include "support/testwindow.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testwindow.h"
 
 #include <QSignalSpy>
 #include <QtTest>

@@ -1,5 +1,5 @@
-#include "net/scene.h"
-#include "support/imagefiles.h"
+#include "tests/net/scene.h"
+#include "tests/support/imagefiles.h"
 
 #include <QTimer>
 #include <QtTest>

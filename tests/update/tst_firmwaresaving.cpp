@@ -1,7 +1,7 @@
-#include "net/scene.h"
-#include "support/faultycalls.h"
-#include "support/filesizelimit.h"
-#include "support/imagefiles.h"
+#include "tests/net/scene.h"
+#include "tests/support/faultycalls.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/imagefiles.h"
 
 #include <QDir>
 #include <QtTest>

@@ -1,5 +1,5 @@
-#include "support/faultycalls.h"
-#include "support/imagefiles.h"
+#include "tests/support/faultycalls.h"
+#include "tests/support/imagefiles.h"
 #include "update/imagestore.h"
 
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
-#include "support/faultycalls.h"
-#include "support/filesizelimit.h"
-#include "support/imagefiles.h"
+#include "tests/support/faultycalls.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/imagefiles.h"
 #include "update/imagestore.h"
 
 #include <QDir>

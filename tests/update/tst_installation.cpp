@@ -1,6 +1,6 @@
-#include "support/boxlines.h"
-#include "support/ticks.h"
-#include "support/transferdesk.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/ticks.h"
+#include "tests/support/transferdesk.h"
 #include "update/transferstate.h"
 
 #include <QtTest>

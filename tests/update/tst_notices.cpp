@@ -1,6 +1,6 @@
 #include "net/updatechecker.h"
-#include "support/testwindow.h"
-#include "support/ticks.h"
+#include "tests/support/testwindow.h"
+#include "tests/support/ticks.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "net/updatechecker.h"
-#include "support/testwindow.h"
+#include "tests/support/testwindow.h"
 
 #include <QSignalSpy>
 #include <QtTest>

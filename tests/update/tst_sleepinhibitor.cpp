@@ -1,6 +1,6 @@
-#include "support/mocklogind.h"
-#include "support/scriptedunit.h"
-#include "support/testwindow.h"
+#include "tests/support/mocklogind.h"
+#include "tests/support/scriptedunit.h"
+#include "tests/support/testwindow.h"
 #include "update/sleepinhibitor.h"
 
 #include <QLocalServer>

@@ -1,5 +1,5 @@
-#include "support/boxlines.h"
-#include "support/transferdesk.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/transferdesk.h"
 
 #include <QDir>
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "support/boxlines.h"
-#include "support/testwindow.h"
-#include "support/transferdesk.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/testwindow.h"
+#include "tests/support/transferdesk.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QtTest>

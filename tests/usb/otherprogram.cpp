@@ -1,6 +1,6 @@
-#include "otherprogram.h"
+#include "tests/usb/otherprogram.h"
 
-#include "waiting.h"
+#include "tests/harness/waiting.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "childprocess.h"
-#include "outcome.h"
+#include "tests/harness/childprocess.h"
+#include "tests/harness/outcome.h"
 
 /// Another program that uses a unit of this vendor through the HID library of its own choice.
 class OtherProgram

@@ -1,7 +1,7 @@
-#include "pluggedunits.h"
+#include "tests/usb/pluggedunits.h"
 
-#include "processtime.h"
-#include "waiting.h"
+#include "tests/harness/processtime.h"
+#include "tests/harness/waiting.h"
 
 #include <QDir>
 #include <QElapsedTimer>

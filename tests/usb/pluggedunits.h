@@ -1,8 +1,8 @@
 #pragma once
 
-#include "childprocess.h"
-#include "outcome.h"
-#include "program.h"
+#include "tests/harness/childprocess.h"
+#include "tests/harness/outcome.h"
+#include "tests/harness/program.h"
 
 /// Virtual units on this machine's own USB bus: devices of its kernel like any others. They leave the bus
 /// with this object. Needs root and a free (simulated) USB device port for each.

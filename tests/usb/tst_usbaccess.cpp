@@ -1,9 +1,9 @@
 // An ordinary user at a unit on a real bus. Somebody else has plugged the unit in: its journal and image are
 // in the directory that TALVEX_TEST_UNIT names (unit.journal, unit.image).
 
-#include "pluggedunits.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <QtTest>
 

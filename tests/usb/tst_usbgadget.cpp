@@ -1,8 +1,8 @@
 // The program that is the units on this machine's bus leaves nothing behind, however it ends.
 
-#include "outcome.h"
-#include "pluggedunits.h"
-#include "waiting.h"
+#include "tests/harness/outcome.h"
+#include "tests/harness/waiting.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <QDir>
 #include <QtTest>

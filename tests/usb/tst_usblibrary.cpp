@@ -1,7 +1,7 @@
 // The real HID library on a real bus: the virtual one, on which most tests run, has to be like it.
 
-#include "observations.h"
-#include "pluggedunits.h"
+#include "tests/usb/pluggedunits.h"
+#include "tests/virtualunit/observations.h"
 
 #include <QtTest>
 

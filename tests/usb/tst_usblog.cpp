@@ -1,8 +1,8 @@
 // A unit's log, downloaded over a real bus.
 
-#include "pluggedunits.h"
-#include "scenario.h"
-#include "waiting.h"
+#include "tests/harness/waiting.h"
+#include "tests/program/scenario.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <X11/keysym.h>
 

@@ -1,9 +1,9 @@
 // Units on a real bus are found, named and read, and given back afterwards; others are left alone.
 
-#include "otherprogram.h"
-#include "pluggedunits.h"
-#include "scenario.h"
-#include "updateserver.h"
+#include "tests/harness/updateserver.h"
+#include "tests/program/scenario.h"
+#include "tests/usb/otherprogram.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <QtTest>
 

@@ -1,8 +1,8 @@
 // A unit that vanishes from a real bus, or lives on there without taking anything: the program neither
 // crashes nor spins, its window can be used, and it ends cleanly.
 
-#include "pluggedunits.h"
-#include "scenario.h"
+#include "tests/program/scenario.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <X11/keysym.h>
 

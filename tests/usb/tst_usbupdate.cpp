@@ -1,10 +1,10 @@
 // Updates over a real bus: whole ones, at the pace of a bare loop, and all that a unit may answer instead.
 
-#include "otherprogram.h"
-#include "pluggedunits.h"
-#include "scenario.h"
-#include "updateserver.h"
-#include "waiting.h"
+#include "tests/harness/updateserver.h"
+#include "tests/harness/waiting.h"
+#include "tests/program/scenario.h"
+#include "tests/usb/otherprogram.h"
+#include "tests/usb/pluggedunits.h"
 
 #include <QCryptographicHash>
 #include <QtTest>

@@ -1,9 +1,9 @@
 // A program that uses units through the HID library it is linked to, and tells line by line what it sees of
 // them. Its argument is one of the scenes below. The expected lines stand in observations.cpp.
 
-#include "host.h"
-#include "loghost.h"
-#include "support/limits.h"
+#include "tests/support/limits.h"
+#include "tests/virtualunit/host.h"
+#include "tests/virtualunit/loghost.h"
 
 #include <hidapi.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host.h"
+#include "tests/virtualunit/host.h"
 
 namespace host {
 

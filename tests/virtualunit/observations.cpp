@@ -1,4 +1,4 @@
-#include "observations.h"
+#include "tests/virtualunit/observations.h"
 
 std::vector<Observation> allObservations()
 {

@@ -1,5 +1,5 @@
-#include "host.h"
-#include "scripteddevice.h"
+#include "tests/virtualunit/host.h"
+#include "tests/virtualunit/scripteddevice.h"
 
 #include "virtualunit/hidapi/virtualbus.h"
 

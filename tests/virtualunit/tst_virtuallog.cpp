@@ -1,4 +1,4 @@
-#include "loghost.h"
+#include "tests/virtualunit/loghost.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "host.h"
+#include "tests/virtualunit/host.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "hidcalls.h"
-#include "scripteddevice.h"
+#include "tests/virtualunit/hidcalls.h"
+#include "tests/virtualunit/scripteddevice.h"
 
 #include <QElapsedTimer>
 #include <QTest>

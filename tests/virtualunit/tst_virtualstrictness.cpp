@@ -1,4 +1,4 @@
-#include "host.h"
+#include "tests/virtualunit/host.h"
 
 #include <QTest>
 

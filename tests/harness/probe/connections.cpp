@@ -1,4 +1,4 @@
-#include "connections.h"
+#include "tests/harness/probe/connections.h"
 
 #include <QJsonObject>
 #include <QMetaObject>

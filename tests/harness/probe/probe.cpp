@@ -1,7 +1,7 @@
 // Preloaded into the program under test: tells, on request, what a user sees of it, and changes nothing.
 
-#include "connections.h"
-#include "snapshot.h"
+#include "tests/harness/probe/connections.h"
+#include "tests/harness/probe/snapshot.h"
 
 #include <QCoreApplication>
 #include <QFile>

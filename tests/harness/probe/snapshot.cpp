@@ -1,4 +1,4 @@
-#include "snapshot.h"
+#include "tests/harness/probe/snapshot.h"
 
 #include <QAbstractButton>
 #include <QApplication>
