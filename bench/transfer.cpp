@@ -6,6 +6,7 @@
 
 #include "bench/connectedwindow.h"
 #include "bench/meter.h"
+#include "tests/support/inside.h"
 #include "unit/report.h"
 
 #include <QApplication>
@@ -48,7 +49,7 @@ void stream(Task& task)
 {
     const auto unit = meteredUnit(task);
     const auto window = connectedWindow(unit, task.imageBytes);
-    unit->onRequest = [&] { window->packetNumber = task.firstPacket - 1; };
+    unit->onRequest = [&] { inside::of(*window).packetNumber = task.firstPacket - 1; };
     press(*window, "updateDeviceButton");
     QApplication::exec();
 }

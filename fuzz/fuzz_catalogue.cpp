@@ -2,7 +2,7 @@
 
 #include "fuzz/input.h"
 #include "net/catalogue.h"
-#include "unit/unittype.h"
+#include "tests/support/models.h"
 
 #include <QStringList>
 
@@ -53,7 +53,7 @@ void checkDecision(catalogue::Decision decision, const catalogue::Offer& offer, 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Input input(data, size);
-    const UnitModel& model = unitModels.at(input.byte() % unitModels.size());
+    const models::Model& model = models::of(input.byte() % models::count);
     const QString current = QString::number(input.byte());
     const QByteArray sent = input.rest();
     const QByteArray bytes = catalogue::withoutCarriageReturns(sent);
@@ -62,8 +62,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     expect(bytes == catalogue::withoutCarriageReturns(sent.left(half)) +
                         catalogue::withoutCarriageReturns(sent.mid(half)),
            "it does not matter in which pieces a catalogue arrives");
-    const catalogue::Offer offer = catalogue::lookUp(catalogue::parse(bytes), model.catalogueStem);
-    checkOffer(offer, bytes, model.catalogueStem);
+    const catalogue::Offer offer = catalogue::lookUp(catalogue::parse(bytes), model.stem);
+    checkOffer(offer, bytes, model.stem);
     checkDecision(catalogue::decide(offer, current), offer, current);
     return 0;
 }

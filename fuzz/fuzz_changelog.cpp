@@ -4,6 +4,7 @@
 #include "fuzz/input.h"
 #include "fuzz/quietprogram.h"
 #include "net/updatechecker.h"
+#include "tests/support/inside.h"
 
 namespace {
 
@@ -59,9 +60,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Input input(data, size);
     ReadyReply reply;
     UpdateChecker& checker = *onlyChecker;
-    checker.reply = &reply;
-    checker.received = 0;
-    checker.changeLogText.clear();
+    const inside::Checker state = inside::of(checker);
+    state.reply = &reply;
+    state.received = 0;
+    state.changeLogText.clear();
     QString expected;
     while (!input.isEmpty()) {
         const std::size_t length = input.byte();
@@ -77,8 +79,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         checker.httpReadyRead3();
         const int zero = piece.indexOf('\0');
         expected += QString::fromUtf8(zero < 0 ? piece : piece.left(zero));
-        expect(checker.changeLogText == expected,
-               "each piece is decoded by itself, up to its first zero byte");
+        expect(state.changeLogText == expected, "each piece is decoded by itself, up to its first zero byte");
     }
     return 0;
 }

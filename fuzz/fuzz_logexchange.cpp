@@ -3,7 +3,8 @@
 #include "fuzz/fuzzedunit.h"
 #include "fuzz/quietprogram.h"
 #include "log/logdownloader.h"
-#include "unit/unittype.h"
+#include "tests/support/inside.h"
+#include "tests/support/models.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ Expected expectedOf(const std::vector<fuzzedunit::Read>& reads)
 
 void checkWrites(UnitType type)
 {
-    const int command = type > 10 ? 61 : 1;
+    const int command = models::of(type).command();
     const QByteArrayList& writes = fuzzedunit::tried(0);
     for (const QByteArray& bytes : writes) {
         QByteArray request(65, '\0');
@@ -80,7 +81,7 @@ int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Input input(data, size);
-    const UnitType type = unitModels.at(input.byte() % unitModels.size()).type;
+    const UnitType type = models::of(input.byte() % models::count).type;
     fuzzedunit::begin(input, input.byte());
     LogDownloader downloader(nullptr, nullptr);
     downloader.setDevice(fuzzedunit::handle(0), type);
@@ -95,8 +96,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const Expected expected = expectedOf(fuzzedunit::reads());
     checkWrites(type);
     expect((finished > 0) == expected.finished, "the end is told, and only the end");
-    expect(contentOf(downloader.logFile) == expected.file,
+    expect(contentOf(inside::of(downloader).logFile) == expected.file,
            "every received byte is in the file, and none else");
-    downloader.logFile.remove();
+    inside::of(downloader).logFile.remove();
     return 0;
 }

@@ -2,6 +2,8 @@
 
 #include "tests/harness/halfserver.h"
 #include "tests/harness/waiting.h"
+#include "tests/support/models.h"
+#include "tests/support/texts.h"
 
 #include <QFile>
 
@@ -14,7 +16,7 @@ namespace {
 /// Stores what the program stored, whatever it named it.
 Outcome copyLog(const Program& program, const QString& target)
 {
-    const QStringList files = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    const QStringList files = QDir(program.ownPath(".")).entryList({filename::anyLog}, QDir::Files);
     if (files.size() != 1)
         return Outcome("not one log beside the program: " + files.join(", "));
     QFile::remove(target);
@@ -81,7 +83,7 @@ Outcome Demo::update(const QString& proxy, const QString& unit)
 Outcome Demo::connectUnit()
 {
     STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox("HB4 connected")));
+    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
     STEP(program.answer("Ok"));
     return program.waitFor("the offer", [](const View& view) {
         return view.box().has_value() && view.box()->buttons.contains("Yes");
@@ -105,7 +107,7 @@ Outcome Demo::seeTransfer()
     STEP(program.press("updateDeviceButton"));
     for (const int percent : {10, 50, 90}) {
         const auto reached = [percent](const View& view) {
-            return view.text("labelTransfer") == "Transfer: in progress" &&
+            return view.text("labelTransfer") == text::transferInProgress &&
                    view.value("progressBarTransfer") >= percent;
         };
         STEP(program.waitFor(QString("the transfer at %1 %").arg(percent), reached));
@@ -122,7 +124,7 @@ Outcome Demo::seeInstallation()
     };
     STEP(program.waitFor("the installation", installing));
     STEP(keepPicture("installing"));
-    STEP(program.waitForText("labelUpdate", "Update: finished"));
+    STEP(program.waitForText("labelUpdate", text::updateFinished));
     STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
     STEP(keepPictureOfBox("finished"));
     return program.answer("Ok");
@@ -180,7 +182,7 @@ Outcome Demo::seeDownload(const QString& unit)
     STEP(program.answer("Yes"));
     STEP(program.waitFor("half of the image", [](const View& view) {
         const int percent = view.value("progressBarTransfer"); // at first still that of the change log
-        return view.text("labelTransfer") == "Transfer: download new version" && percent > 0 && percent < 100;
+        return view.text("labelTransfer") == text::transferDownload && percent > 0 && percent < 100;
     }));
     return keepPictureAtRest("downloading");
 }
@@ -198,9 +200,9 @@ Outcome Demo::seeProblem(const QString& unit)
 {
     STEP(open("http://127.0.0.1:1", {unit}));
     STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox("HB4 connected")));
+    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
     STEP(program.answer("Ok"));
-    STEP(program.waitForBox(errorBox("Problem with internet connection\n")));
+    STEP(program.waitForBox(errorBox(QString(text::networkProblem) + '\n')));
     return keepPictureOfBox("problem");
 }
 
@@ -221,11 +223,11 @@ Outcome Demo::seeChangeLog(const QString& proxy, const QString& unit)
 /// The unit, or the disk, is against an image that was put beside the program by hand.
 Outcome Demo::seeRefusal(const QString& stage, const QString& unit, bool isImageThere)
 {
-    const QString image = "SUPER_MEGA_UPDATE.sb";
+    const QString image = filename::service;
     STEP(program.placeFile(image, QByteArray(600, 'i')));
     STEP(open({}, {unit}));
     STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox("HB4 connected")));
+    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
     STEP(program.answer("Ok"));
     if (!isImageThere)
         QFile::remove(program.ownPath(image));
@@ -238,9 +240,9 @@ Outcome Demo::seeLatest(const QString& proxy)
 {
     STEP(open(proxy, {"hb4,version=99"}));
     STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox("HB4 connected")));
+    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
     STEP(program.answer("Ok"));
-    STEP(program.waitForBox(infoBox("Your unit has the latest software")));
+    STEP(program.waitForBox(infoBox(text::upToDate)));
     return keepPictureOfBox("latest");
 }
 

@@ -1,5 +1,5 @@
-// Does with the program's window what a person does, from Connect to "Update: finished", and keeps a picture
-// of each stage; then pulls the unit's log in a second run.
+// Does with the program's window what a person does, from Connect to "Update: finished", and keeps a
+// picture of each stage; then pulls the unit's log in a second run.
 //
 //     talvex-demo-driver --proxy http://127.0.0.1:PORT --unit OPTIONS --pictures FOLDER --log FILE
 //         [--mishaps] [--set NAME=VALUE]...
@@ -10,6 +10,7 @@
 // a stage failed, said on the error output.
 
 #include "tests/harness/demo.h"
+#include "tests/support/texts.h"
 
 #include <QCommandLineParser>
 

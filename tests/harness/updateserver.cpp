@@ -89,18 +89,10 @@ QByteArray catalogueOf(const QString& stem, const QString& version, const QStrin
                        const QString& changeLogAddress)
 {
     const QString host = QString("http://") + updateHost;
-    const QStringList lines{
-        "[updater]",
-        "MainVer=11",
-        "MainChangeLog=" + host + "/logs/updater.txt",
-        "MacMainBin=" + host + "/bin/updater.zip",
-        "",
-        stem + "Ver=" + version,
-        stem + "Bin=" + imageAddress,
-        stem + "ChangeLog=" + changeLogAddress,
-        "",
-    };
-    return lines.join("\r\n").toUtf8();
+    CatalogueEntries entries = catalogueEntries(stem, version, imageAddress, changeLogAddress);
+    entries["MainChangeLog"] = host + mainChangeLogPath;
+    entries["MacMainBin"] = host + "/bin/updater.zip";
+    return "[updater]\r\n" + catalogueText(entries, "\r\n");
 }
 
 Outcome publishFirmware(UpdateServer& server, const QString& stem, const QString& version,

@@ -2,6 +2,7 @@
 
 #include "tests/harness/childprocess.h"
 #include "tests/harness/outcome.h"
+#include "tests/support/cataloguetext.h"
 
 #include <QTemporaryDir>
 #include <QVector>
@@ -48,8 +49,6 @@ private:
 Outcome publishFirmware(UpdateServer& server, const QString& stem, const QString& version,
                         const QByteArray& image, const QByteArray& changeLog);
 
-/// Where the program looks for the catalogue.
-inline constexpr const char* cataloguePath = "/wp-content/uploads/versions.txt";
 /// The host it asks, and the header it sends.
 inline constexpr const char* updateHost = TALVEX_UPDATE_HOST;
 inline constexpr const char* expectedUserAgent = "MyOwnBrowser 1.0";

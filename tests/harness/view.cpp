@@ -44,24 +44,6 @@ std::optional<Target> targetIn(const QJsonObject& window, const QJsonObject& thi
 
 } // namespace
 
-BoxText infoBox(const QString& text)
-{
-    return {"Info", text, {}, {}, "Information", {"Ok"}, "Ok"};
-}
-
-BoxText errorBox(const QString& text, const QString& title)
-{
-    return {title, text, {}, {}, "Critical", {"Ok"}, "Ok"};
-}
-
-BoxText offerBox(const QString& text, const QString& changeLog)
-{
-    QStringList buttons{"Yes", "No"};
-    if (!changeLog.isEmpty())
-        buttons.prepend("Show Details...");
-    return {{}, text, "Would you like to update to latest version?", changeLog, "NoIcon", buttons, "Yes"};
-}
-
 QJsonObject View::window() const
 {
     return all["windows"].toArray().at(0).toObject();

@@ -1,31 +1,12 @@
 #pragma once
 
+#include "tests/support/boxtext.h"
+
 #include <QJsonObject>
 #include <QPoint>
 #include <QStringList>
 
 #include <optional>
-
-/// A message box as a user reads it.
-struct BoxText
-{
-    QString title;
-    QString text;
-    QString informative;
-    QString detailed;      ///< behind "Show Details..."
-    QString icon;          ///< "Information", "Critical" or "NoIcon"
-    QStringList buttons;   ///< "Ok", "Yes", "No"; the label of a button that is no standard one
-    QString defaultButton; ///< "": none was set
-
-    bool operator==(const BoxText&) const = default;
-};
-
-/// An information box with one Ok button, titled "Info".
-[[nodiscard]] BoxText infoBox(const QString& text);
-/// A critical box with one Ok button.
-[[nodiscard]] BoxText errorBox(const QString& text, const QString& title = "Error");
-/// The box that offers a newer version, with its change log.
-[[nodiscard]] BoxText offerBox(const QString& text, const QString& changeLog);
 
 /// Something that can be clicked: a place in the middle of it, in pixels of the screen.
 struct Target

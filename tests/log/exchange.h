@@ -1,12 +1,11 @@
 #pragma once
 
 #include "log/logdownloader.h"
-#include "tests/log/replyingunit.h"
+#include "tests/support/inside.h"
+#include "tests/support/scriptedunit.h"
 
 #include <QSignalSpy>
 #include <QThread>
-
-#include <hidapi.h>
 
 #include <memory>
 
@@ -14,18 +13,12 @@
 class Exchange
 {
 public:
-    explicit Exchange(const std::shared_ptr<ReplyingUnit>& scripted, UnitType type = UNIT_HB4)
+    explicit Exchange(const std::shared_ptr<ScriptedUnit>& scripted, UnitType type = UNIT_HB4)
         : unit(scripted)
     {
         virtualbus::clear();
-        virtualbus::DeviceRecord record;
-        record.productId = unitModels[type].productId;
-        record.product = "HB4";
-        number = virtualbus::attach(record, unit);
-        hid_device_info* list = hid_enumerate(unitVendorId, record.productId);
-        handle = hid_open_path(list->path);
-        hid_free_enumeration(list);
-        downloader->setDevice(handle, type);
+        ScriptedUnit::plugIn(unit, type);
+        downloader->setDevice(unit->opened(), type);
         downloader->moveToThread(&worker);
         LogDownloader* self = downloader.get();
         QObject::connect(self, SIGNAL(needwaitLogFileMd5()), self, SLOT(waitLogFileMd5()));
@@ -37,7 +30,7 @@ public:
     }
     ~Exchange()
     {
-        virtualbus::unplug(number); // wakes a blocked read
+        virtualbus::unplug(unit->number); // wakes a blocked read
         worker.requestInterruption();
         worker.quit();
         worker.wait();
@@ -45,7 +38,7 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Exchange)
 
-    [[nodiscard]] QString fileName() const { return downloader->logFile.fileName(); }
+    [[nodiscard]] QString fileName() const { return inside::of(*downloader).logFile.fileName(); }
     [[nodiscard]] QByteArray stored() const
     {
         QFile file(fileName());
@@ -55,9 +48,8 @@ public:
     [[nodiscard]] QByteArrayList commands() const
     {
         QByteArrayList commands;
-        for (const auto& bytes : virtualbus::writesTo(1))
-            commands +=
-                QByteArray(reinterpret_cast<const char*>(bytes.data()), int(bytes.size())).mid(1, 1).toHex();
+        for (const Bytes& bytes : virtualbus::writesTo(1))
+            commands += QByteArray(1, static_cast<char>(bytes[1])).toHex();
         return commands;
     }
 
@@ -68,11 +60,9 @@ public:
             downloader.get(), [] {}, Qt::BlockingQueuedConnection);
     }
 
-    std::shared_ptr<ReplyingUnit> unit;
+    std::shared_ptr<ScriptedUnit> unit;
     std::unique_ptr<LogDownloader> downloader = std::make_unique<LogDownloader>(nullptr, nullptr);
     QThread worker;
-    hid_device* handle = nullptr;
-    int number = 0;
     QSignalSpy finished{downloader.get(), SIGNAL(logDownloadFinished())};
     QSignalSpy progress{downloader.get(), SIGNAL(logDownloadProgress(int))};
 };
@@ -85,7 +75,26 @@ inline QList<int> valuesOf(const QSignalSpy& spy)
     return values;
 }
 
-inline std::shared_ptr<ReplyingUnit> unitSaying(const std::vector<ReplyingUnit::Replies>& script)
+inline std::shared_ptr<ScriptedUnit> unitSaying(const ScriptedUnit::Answers& script)
 {
-    return std::make_shared<ReplyingUnit>(script);
+    return std::make_shared<ScriptedUnit>(script);
 }
+
+/// Replies of the log exchange.
+/// @{
+inline QByteArray headerReply(int parts)
+{
+    QByteArray reply = " " + QByteArray(32, 'd');
+    for (const int shift : {24, 16, 8, 0})
+        reply += static_cast<char>(parts >> shift & 0xFF);
+    return reply;
+}
+inline QByteArray partReply(char fill)
+{
+    return "@" + QByteArray(63, fill);
+}
+inline QByteArray lastReply(int length, char fill)
+{
+    return "P" + QByteArray(1, static_cast<char>(length)) + QByteArray(62, fill);
+}
+/// @}

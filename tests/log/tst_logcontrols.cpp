@@ -1,6 +1,8 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
-#include "tests/log/replyingunit.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/inside.h"
+#include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
 #include "ui/mainwindow.h"
 
@@ -16,14 +18,8 @@ namespace {
 /// Attaches a single unit and opens it for the window, as a press of Connect does.
 void connectUnit(TestWindow& window)
 {
-    virtualbus::DeviceRecord record;
-    record.productId = unitModels[UNIT_HB4].productId;
-    record.product = "HB4";
-    virtualbus::attach(record, std::make_shared<ReplyingUnit>());
-    hid_device_info* list = hid_enumerate(unitVendorId, record.productId);
-    window->device = hid_open_path(list->path);
-    hid_free_enumeration(list);
-    window->tellLogDownloader();
+    window.state().device = ScriptedUnit::plugIn(UNIT_HB4)->opened();
+    window.downloader().setDevice(window.state().device, UNIT_HB4);
 }
 
 void pressLogKey(TestWindow& window)
@@ -61,8 +57,8 @@ private slots:
         TestWindow window;
         if (connected)
             connectUnit(window);
-        window->deckCount = static_cast<std::uint8_t>(decks);
-        window->updateBegun = updateBegun;
+        window.state().deckCount = static_cast<std::uint8_t>(decks);
+        window.state().updateBegun = updateBegun;
         window.button("stopDownloadingFile").setVisible(logBegun);
         QVERIFY(!window.button("downloadLogFile").isVisible());
         pressLogKey(window);
@@ -76,12 +72,13 @@ private slots:
         QVERIFY(silent.listen(QHostAddress::LocalHost));
         TestWindow window;
         connectUnit(window);
-        window->updateChecker->binUrl = "http://127.0.0.1:" + QString::number(silent.serverPort()) + "/image";
-        window->updateChecker->onNeedDownloadNewFirmware();
+        inside::of(window.checker()).binUrl =
+            "http://127.0.0.1:" + QString::number(silent.serverPort()) + "/image";
+        window.checker().onNeedDownloadNewFirmware();
         pressLogKey(window);
         QVERIFY(!window.button("downloadLogFile").isVisible());
-        QObject::disconnect(window->updateChecker, nullptr, &*window, nullptr);
-        window->updateChecker->reply->abort(); // an end of the request, good or bad
+        QObject::disconnect(&window.checker(), nullptr, &*window, nullptr);
+        inside::of(window.checker()).reply->abort(); // an end of the request, good or bad
         pressLogKey(window);
         QVERIFY(window.button("downloadLogFile").isVisible());
     }
@@ -90,7 +87,7 @@ private slots:
     {
         TestWindow window;
         connectUnit(window);
-        placeFile("updater.sb", "image");
+        placeFile(filename::image, "image");
         window.button("updateDeviceButton").setEnabled(true);
         window.button("updateDeviceButton").click();
         pressLogKey(window);
@@ -146,7 +143,7 @@ private slots:
         connectUnit(window);
         window.button("stopDownloadingFile").show();
         window.bar("progressBarTransfer").setValue(40);
-        QSignalSpy finished(window->logDownloader, SIGNAL(logDownloadFinished()));
+        QSignalSpy finished(&window.downloader(), SIGNAL(logDownloadFinished()));
         window.boxes.whileOpen = [&window](QMessageBox&) {
             QVERIFY(!window.button("stopDownloadingFile").isEnabled());
             QVERIFY(window.button("updateDeviceButton").isEnabled());
@@ -155,9 +152,7 @@ private slots:
         QVERIFY(quits([&window] { QMetaObject::invokeMethod(&*window, "on_stopDownloadingFile_pressed"); }));
         QCOMPARE(finished.size(), 2);
         window->onLogDownloadFinished();
-        QCOMPARE(window.boxes.lines(),
-                 QStringList(informationBox(
-                     "Download log file is complete.\nYou can find it in program directory.")));
+        QCOMPARE(window.boxes.lines(), QStringList{boxline::logComplete});
         QVERIFY(window.boxes.seen().front().hasParent);
     }
 
@@ -176,21 +171,21 @@ private slots:
     {
         TestWindow window;
         connectUnit(window);
-        QVERIFY(!window->logAckPending);
+        QVERIFY(!window.state().logAckPending);
         window->timerSlot();
         QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{0});
-        window->logAckPending = true;
+        window.state().logAckPending = true;
         window->timerSlot();
         window->timerSlot();
         QCOMPARE(virtualbus::writesTo(1).size(), std::size_t{1});
-        QVERIFY(!window->logAckPending);
+        QVERIFY(!window.state().logAckPending);
     }
 
     void progressBeyond100LeavesTheBar()
     {
         TestWindow window;
-        emit window->logDownloader->logDownloadProgress(66);
-        emit window->logDownloader->logDownloadProgress(150);
+        emit window.downloader().logDownloadProgress(66);
+        emit window.downloader().logDownloadProgress(150);
         QTRY_COMPARE(window.bar("progressBarTransfer").value(), 66);
     }
 };

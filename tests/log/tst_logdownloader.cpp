@@ -1,10 +1,22 @@
 #include "tests/log/exchange.h"
+#include "tests/support/inside.h"
 
 #include <QMetaMethod>
 #include <QTimer>
 #include <QtTest>
 
 #include <atomic>
+
+namespace {
+
+void addBytes()
+{
+    QTest::addColumn<int>("byte");
+    for (int byte = 0; byte <= 0xFF; ++byte)
+        QTest::addRow("0x%02X", byte) << byte;
+}
+
+} // namespace
 
 class TestLogDownloader : public QObject
 {
@@ -41,33 +53,33 @@ private slots:
     void anEmptyFileIsCreatedAtOnce()
     {
         QObject parent;
-        const LogDownloader downloader(nullptr, &parent);
-        const QString name = downloader.logFile.fileName();
+        LogDownloader downloader(nullptr, &parent);
+        const QString name = inside::of(downloader).logFile.fileName();
         QCOMPARE(downloader.parent(), nullptr);
-        QVERIFY(downloader.logFile.isOpen());
-        QCOMPARE(int(downloader.logFile.openMode()), 10);
+        QVERIFY(inside::of(downloader).logFile.isOpen());
+        QCOMPARE(int(inside::of(downloader).logFile.openMode()), 10);
         QCOMPARE(QFileInfo(name).size(), 0);
         QCOMPARE(QFileInfo(name).path(), QCoreApplication::applicationDirPath());
         const QRegularExpression format(R"(^\d{4}-\d\d-\d\d_\d\d_\d\d_\d\d_log\.enc$)");
         QVERIFY2(format.match(QFileInfo(name).fileName()).hasMatch(), qPrintable(name));
-        QCOMPARE(downloader.partsTotal, 0);
-        QCOMPARE(downloader.partsReceived, 0);
-        QVERIFY(!downloader.stopRequested);
+        QCOMPARE(inside::of(downloader).partsTotal, 0);
+        QCOMPARE(inside::of(downloader).partsReceived, 0);
+        QVERIFY(!inside::of(downloader).stopRequested);
         QFile::remove(name);
     }
 
     void requestGoesToTheModelsPlace_data()
     {
-        QTest::addColumn<int>("type");
+        QTest::addColumn<UnitType>("type");
         QTest::addColumn<int>("index");
-        QTest::newRow("LMB-2") << int(UNIT_LMB2) << 1;
-        QTest::newRow("PLT65") << int(UNIT_PLT65) << 61;
+        QTest::newRow("LMB-2") << UNIT_LMB2 << 1;
+        QTest::newRow("PLT65") << UNIT_PLT65 << 61;
     }
     void requestGoesToTheModelsPlace()
     {
-        QFETCH(const int, type);
+        QFETCH(const UnitType, type);
         QFETCH(const int, index);
-        Exchange exchange(unitSaying({{"`"}}), static_cast<UnitType>(type));
+        Exchange exchange(unitSaying({{"`"}}), type);
         exchange.downloader->startDownload(1);
         QTRY_COMPARE(exchange.finished.size(), 1);
         std::vector<std::uint8_t> expected(65, 0);
@@ -81,7 +93,7 @@ private slots:
         Exchange exchange(unitSaying({{"`"}}));
         exchange.downloader->startDownload(1);
         QTRY_COMPARE(exchange.finished.size(), 1);
-        QVERIFY(!exchange.downloader->logFile.isOpen());
+        QVERIFY(!inside::of(*exchange.downloader).logFile.isOpen());
         QCOMPARE(exchange.stored(), QByteArray());
         QCOMPARE(exchange.commands(), QByteArrayList({"10"}));
     }
@@ -95,7 +107,7 @@ private slots:
         QCOMPARE(exchange.stored(), QByteArray(63, 'a') + QByteArray(63, 'b') + QByteArray(10, 'c'));
         QCOMPARE(valuesOf(exchange.progress), QList<int>({33, 66}));
         QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30", "30", "30"}));
-        QCOMPARE(exchange.downloader->logMd5, QByteArray(32, 'd'));
+        QCOMPARE(inside::of(*exchange.downloader).logMd5, QByteArray(32, 'd'));
     }
 
     void nothingIsReadBehindTheLastPart()
@@ -111,7 +123,7 @@ private slots:
 
     void progressOf200PartsIsTruncated()
     {
-        std::vector<ReplyingUnit::Replies> script{{headerReply(200)}};
+        ScriptedUnit::Answers script{{headerReply(200)}};
         QList<int> expected;
         for (int part = 1; part < 200; ++part) {
             script.push_back({partReply('a')});
@@ -147,8 +159,8 @@ private slots:
         // acknowledged
         QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30", "30", "30", "10", "30", "30"}));
         QCOMPARE(exchange.stored().size(), 3 * 63 + 1);
-        QCOMPARE(exchange.downloader->partsTotal, 4);
-        QCOMPARE(exchange.downloader->partsReceived, 0);
+        QCOMPARE(inside::of(*exchange.downloader).partsTotal, 4);
+        QCOMPARE(inside::of(*exchange.downloader).partsReceived, 0);
     }
 
     void unknownRepliesWhileTheHeaderIsAwaitedAreIgnored()
@@ -168,6 +180,40 @@ private slots:
         QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "70", "30"}));
     }
 
+    void anyByteInsteadOfTheHeader_data() { addBytes(); }
+    void anyByteInsteadOfTheHeader()
+    {
+        QFETCH(const int, byte);
+        const QByteArray said = byte == 0x20 ? headerReply(1) : QByteArray(1, static_cast<char>(byte));
+        Exchange exchange(unitSaying({{said, headerReply(1)}, {lastReply(1, 'd')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_VERIFY(!exchange.finished.isEmpty());
+        const QByteArray commands = byte == 0x60 ? "10" : byte == 0x20 ? "10 30 70 30" : "10 30 30";
+        QCOMPARE(exchange.commands().join(' '), commands);
+        QCOMPARE(exchange.stored(), QByteArray(byte == 0x60 ? "" : "d"));
+    }
+
+    void anyByteInsteadOfAPart_data() { addBytes(); }
+    void anyByteInsteadOfAPart()
+    {
+        QFETCH(const int, byte);
+        const QByteArray said(64, static_cast<char>(byte));
+        Exchange exchange(unitSaying({{headerReply(byte == 0x40 ? 2 : 1)}, {said}, {lastReply(1, 'd')}}));
+        exchange.downloader->startDownload(1);
+        QTRY_VERIFY(!exchange.finished.isEmpty());
+        QByteArray commands = "10 30 70 30";
+        QByteArray stored = "d";
+        if (byte == 0x40) {
+            commands = "10 30 30 30";
+            stored = QByteArray(63, '@') + 'd';
+        } else if (byte == 0x50) { // says that it holds more than it can
+            commands = "10 30 30";
+            stored = QByteArray(62, 'P');
+        }
+        QCOMPARE(exchange.commands().join(' '), commands);
+        QCOMPARE(exchange.stored(), stored);
+    }
+
     void resendMessage_data()
     {
         QTest::addColumn<int>("next");
@@ -180,7 +226,7 @@ private slots:
     void resendMessage()
     {
         QFETCH(const int, next);
-        Exchange exchange(std::make_shared<ReplyingUnit>());
+        Exchange exchange(std::make_shared<ScriptedUnit>());
         exchange.downloader->disconnect(exchange.downloader.get());
         QSignalSpy parts(exchange.downloader.get(), SIGNAL(needreadLogPart()));
         QSignalSpy headers(exchange.downloader.get(), SIGNAL(needwaitLogFileMd5()));
@@ -188,7 +234,7 @@ private slots:
         QTEST(int(parts.size()), "parts");
         QTEST(int(headers.size()), "headers");
         QCOMPARE(exchange.commands(), QByteArrayList({"70"}));
-        virtualbus::failNextWrites(exchange.number, 1);
+        virtualbus::failNextWrites(exchange.unit->number, 1);
         exchange.downloader->resendMessage(next);
         QTEST(int(parts.size()), "parts"); // a failed write ends the step
         QTEST(int(headers.size()), "headers");
@@ -196,7 +242,7 @@ private slots:
 
     void acknowledgeOfType2WaitsForAHeader()
     {
-        Exchange exchange(std::make_shared<ReplyingUnit>());
+        Exchange exchange(std::make_shared<ScriptedUnit>());
         QSignalSpy headers(exchange.downloader.get(), SIGNAL(needwaitLogFileMd5()));
         exchange.downloader->dataCompleted(2);
         QCOMPARE(headers.size(), 1);

@@ -1,4 +1,5 @@
 #include "tests/log/exchange.h"
+#include "tests/support/inside.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/ticks.h"
 
@@ -34,13 +35,15 @@ private slots:
     {
         constexpr int unknown = 20000; // a call nested for each fills the worker's small stack long before
         const auto unit = unitSaying({{headerReply(1)}});
-        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
-            raw->say(raw->writes < unknown + 2 ? QByteArray("Z") : lastReply(1, 'd'));
+        unit->whenScriptIsOver = [raw = unit.get()] {
+            raw->reply(static_cast<int>(raw->written.size()) < unknown + 2 ? QByteArray("Z")
+                                                                           : lastReply(1, 'd'));
         };
         Exchange exchange(unit);
         exchange.downloader->startDownload(1);
         QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(unit->writes, unknown + 3); // request, header's acknowledge, resends, the end's acknowledge
+        QCOMPARE(static_cast<int>(unit->written.size()),
+                 unknown + 3); // request, header's acknowledge, resends, the end's acknowledge
         QCOMPARE(exchange.stored(), QByteArray("d"));
     }
 
@@ -52,7 +55,7 @@ private slots:
         QTRY_COMPARE(virtualbus::callsOf("hid_read_timeout").back().result.value(), 0);
         exchange.awaitWorker(); // nothing must follow
         QCOMPARE(exchange.finished.size(), 0);
-        QVERIFY(exchange.downloader->logFile.isOpen());
+        QVERIFY(inside::of(*exchange.downloader).logFile.isOpen());
         QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30"}));
         const auto reads = virtualbus::callsOf("hid_read_timeout");
         QCOMPARE(reads.back().timeout.value(), 100);
@@ -62,18 +65,18 @@ private slots:
     void aFailedRequestEndsSilently()
     {
         Exchange exchange(unitSaying({{headerReply(3)}}));
-        virtualbus::failNextWrites(exchange.number, 1);
+        virtualbus::failNextWrites(exchange.unit->number, 1);
         QSignalSpy wait(exchange.downloader.get(), SIGNAL(needwaitLogFileMd5()));
         exchange.downloader->startDownload(1);
         QCOMPARE(wait.size(), 0);
-        QCOMPARE(exchange.downloader->lastResult, -1);
-        QVERIFY(exchange.downloader->logFile.isOpen());
+        QCOMPARE(inside::of(*exchange.downloader).lastResult, -1);
+        QVERIFY(inside::of(*exchange.downloader).logFile.isOpen());
     }
 
     void aFailedAcknowledgeEndsSilently()
     {
-        Exchange exchange(std::make_shared<ReplyingUnit>());
-        virtualbus::failNextWrites(exchange.number, 1);
+        Exchange exchange(std::make_shared<ScriptedUnit>());
+        virtualbus::failNextWrites(exchange.unit->number, 1);
         exchange.downloader->dataCompleted(0);
         exchange.downloader->dataCompleted(1); // this one is written
         passTicks(someTicks);                  // nothing must be read in them
@@ -115,11 +118,11 @@ private slots:
 
     void aVanishedUnitCostsNoProcessor()
     {
-        Exchange exchange(std::make_shared<ReplyingUnit>());
+        Exchange exchange(std::make_shared<ScriptedUnit>());
         exchange.downloader->startDownload(1);
         QElapsedTimer passed;
         passed.start();
-        virtualbus::unplug(exchange.number);
+        virtualbus::unplug(exchange.unit->number);
         QTRY_VERIFY(virtualbus::callsOf("hid_read").size() > 50);
         // At most 100 times a second: a slow machine only makes it take longer.
         QVERIFY2(passed.elapsed() >= 490, qPrintable(QString::number(passed.elapsed())));
@@ -127,13 +130,13 @@ private slots:
 
     void stopWhileTheHeaderIsAwaited()
     {
-        Exchange exchange(std::make_shared<ReplyingUnit>());
+        Exchange exchange(std::make_shared<ScriptedUnit>());
         exchange.downloader->startDownload(1);
         exchange.downloader->stopTransfer(); // returns at once, the worker stays in its read
         exchange.downloader->dumpFile();
         QCOMPARE(exchange.finished.size(), 2);
-        QVERIFY(exchange.downloader->stopRequested);
-        QVERIFY(!exchange.downloader->logFile.isOpen());
+        QVERIFY(inside::of(*exchange.downloader).stopRequested);
+        QVERIFY(!inside::of(*exchange.downloader).logFile.isOpen());
     }
 
     void stopBetweenPartsEndsTheReading()
@@ -147,15 +150,13 @@ private slots:
         QVERIFY(virtualbus::callsOf("hid_read_timeout").size() <= reads + 1); // one may have been under way
         QCOMPARE(exchange.stored(), QByteArray(63, 'a'));
         exchange.downloader->startTransfer();
-        QVERIFY(!exchange.downloader->stopRequested);
+        QVERIFY(!inside::of(*exchange.downloader).stopRequested);
     }
 
     void stopInTheMiddleOfAFlood()
     {
         const auto unit = unitSaying({{headerReply(100000)}});
-        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
-            raw->say(partReply('a'));
-        };
+        unit->whenScriptIsOver = [raw = unit.get()] { raw->reply(partReply('a')); };
         Exchange exchange(unit);
         exchange.downloader->startDownload(1);
         QTRY_VERIFY(exchange.progress.size() > 50);
@@ -168,9 +169,7 @@ private slots:
     void theProgramEndsInAFloodOfUnknownReplies()
     {
         const auto unit = unitSaying({{headerReply(1)}});
-        unit->whenScriptIsOver = [raw = unit.get()](std::span<const std::uint8_t> /*bytes*/) {
-            raw->say("Z");
-        };
+        unit->whenScriptIsOver = [raw = unit.get()] { raw->reply("Z"); };
         Exchange exchange(unit);
         exchange.downloader->startDownload(1);
         QTRY_VERIFY(exchange.commands().count("70") > 50);
@@ -184,14 +183,14 @@ private slots:
     /// between the two threads. One stores parts as fast as it can while the other stops the download.
     void stopOnAnotherThread()
     {
-        const auto unit = std::make_shared<ReplyingUnit>();
+        const auto unit = std::make_shared<ScriptedUnit>();
         unit->saysForEver = partReply('a');
         Exchange exchange(unit);
         LogDownloader& downloader = *exchange.downloader;
         downloader.disconnect(&downloader);
         std::atomic<int> parts = 0;
         std::thread worker([&] {
-            while (!downloader.stopRequested) {
+            while (!inside::of(downloader).stopRequested) {
                 downloader.readLogPart();
                 ++parts;
             }

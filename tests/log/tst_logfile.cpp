@@ -2,6 +2,8 @@
 #include "log/logfilename.h"
 #include "tests/support/easternlocales.h"
 #include "tests/support/readonlyfolder.h"
+#include "tests/support/inside.h"
+#include "tests/support/texts.h"
 
 #include <QDir>
 #include <QtTest>
@@ -62,7 +64,8 @@ private:
 void TestLogFile::cleanup()
 {
     QDir folder(QCoreApplication::applicationDirPath());
-    const QStringList logs = folder.entryList({"*_log.enc"}, QDir::AllEntries | QDir::System | QDir::Hidden);
+    const QStringList logs =
+        folder.entryList({filename::anyLog}, QDir::AllEntries | QDir::System | QDir::Hidden);
     for (const QString& log : logs)
         if (!folder.remove(log))
             folder.rmdir(log);
@@ -70,11 +73,11 @@ void TestLogFile::cleanup()
 
 std::optional<int> TestLogFile::claim(LogDownloader& downloader)
 {
-    downloader.logFile.close();
-    if (!downloader.claimFile(moment))
+    inside::of(downloader).logFile.close();
+    if (!inside::claimFile(downloader, moment))
         return std::nullopt;
     for (const int number : upTo(logfilename::mostAttempts))
-        if (downloader.logFile.fileName() == pathOf(logfilename::at(moment, number)))
+        if (inside::of(downloader).logFile.fileName() == pathOf(logfilename::at(moment, number)))
             return number;
     return 0;
 }
@@ -121,8 +124,8 @@ void TestLogFile::firstFreeName()
         place(logfilename::at(moment, number), "a log");
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::optional(claimed));
-    QVERIFY(downloader.logFile.isOpen());
-    QCOMPARE(QFileInfo(downloader.logFile.fileName()).size(), qint64{0});
+    QVERIFY(inside::of(downloader).logFile.isOpen());
+    QCOMPARE(QFileInfo(inside::of(downloader).logFile.fileName()).size(), qint64{0});
     for (const int number : qAsConst(taken)) {
         QFile file(pathOf(logfilename::at(moment, number)));
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -137,7 +140,7 @@ void TestLogFile::noFreeName()
         place(logfilename::at(moment, number), number % 2 == 0 ? "a log" : "");
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::nullopt);
-    QVERIFY(!downloader.logFile.isOpen());
+    QVERIFY(!inside::of(downloader).logFile.isOpen());
     QVERIFY(!QFile::exists(pathOf(logfilename::at(moment, logfilename::mostAttempts + 1))));
     QCOMPARE(QFileInfo(pathOf(logfilename::at(moment, 2))).size(), qint64{5});
 }
@@ -189,8 +192,8 @@ void TestLogFile::startsOfOneSecond()
     QSet<QString> names;
     for (int start = 1; start <= 5; ++start) {
         starts.push_back(std::make_unique<LogDownloader>(nullptr, nullptr));
-        names.insert(starts.back()->logFile.fileName());
-        QVERIFY(starts.back()->logFile.isOpen());
+        names.insert(inside::of(*starts.back()).logFile.fileName());
+        QVERIFY(inside::of(*starts.back()).logFile.isOpen());
     }
     QCOMPARE(names.size(), 5);
 }

@@ -1,5 +1,7 @@
 #include "log/logprotocol.h"
 
+#include "tests/support/models.h"
+
 #include <QtTest>
 
 namespace {
@@ -36,11 +38,10 @@ private slots:
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<QByteArray>("expected");
-        for (int type = UNIT_HB4; type <= UNIT_LMB2; ++type)
-            QTest::addRow("type %d: bytes 1 and 2", type) << type << outputWith({{1, 0x10}, {2, 0x01}});
-        for (int type = UNIT_PLT70; type <= UNIT_PLT65; ++type)
-            QTest::addRow("type %d: bytes 61 and 62", type) << type << outputWith({{61, 0x10}, {62, 0x01}});
-        for (const int type : {-1, 17})
+        for (const models::Model& model : models::all)
+            QTest::newRow(model.option)
+                << int{model.type} << outputWith({{model.command(), 0x10}, {model.command() + 1, 0x01}});
+        for (const int type : {-1, models::count})
             QTest::addRow("type %d, no model: bytes 1 and 2", type)
                 << type << outputWith({{1, 0x10}, {2, 0x01}});
     }

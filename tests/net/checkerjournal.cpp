@@ -1,6 +1,7 @@
 #include "tests/net/checkerjournal.h"
 
 #include "net/updatechecker.h"
+#include "tests/support/texts.h"
 
 CheckerJournal::CheckerJournal(UpdateChecker& checker)
     : log([this](const QString& line) { add(told::log(line)); })
@@ -67,14 +68,12 @@ QString signal(const QString& name, const QStringList& parameters)
 
 QString problem()
 {
-    return signal("youHaveProblem", {"Problem with internet connection", ""});
+    return signal("youHaveProblem", {text::networkProblem, ""});
 }
 
 QString savingProblem()
 {
-    return signal("youHaveProblem", {"Error saving firmware to disk.",
-                                     "Check the HD, connections between PC and the unit and to try the "
-                                     "update again."});
+    return signal("youHaveProblem", {text::savingProblem, text::savingAdvice});
 }
 
 } // namespace told

@@ -1,6 +1,7 @@
 #include "tests/net/scene.h"
 
 #include <QNetworkProxyFactory>
+#include <QTest>
 
 #include <array>
 #include <cstdint>
@@ -28,6 +29,13 @@ std::uint32_t crc32(const QByteArray& bytes)
 
 } // namespace
 
+void addRequests()
+{
+    QTest::addColumn<Request>("request");
+    for (std::size_t request = 0; request < requestNames.size(); ++request)
+        QTest::newRow(requestNames.at(request)) << static_cast<Request>(request);
+}
+
 Scene::Scene()
 {
     qputenv("http_proxy", server.address({}).toUtf8());
@@ -53,15 +61,15 @@ void Scene::ask(Request request, const RawServer& whom)
         checker->checkUpdate();
         break;
     case Request::changeLog:
-        checker->changeLogUrl = whom.address(changeLogPath);
+        state().changeLogUrl = whom.address(changeLogPath);
         checker->downloadChangeLog();
         break;
     case Request::mainChangeLog:
-        checker->mainChangeLogUrl = whom.address(mainChangeLogPath);
+        state().mainChangeLogUrl = whom.address(mainChangeLogPath);
         checker->downloadMainChangeLog();
         break;
     case Request::image:
-        checker->binUrl = whom.address(imagePath);
+        state().binUrl = whom.address(imagePath);
         checker->onNeedDownloadNewFirmware();
         break;
     }
@@ -79,28 +87,19 @@ QStringList Scene::networkError(Request request) const
         return {told::log("Error by download info file"), told::problem()};
     constexpr std::array lines{"", "UpdateChecker::downloadChangeLogDone",
                                "UpdateChecker::downloadMainChangeLogDone", "UpdateChecker::onDone"};
-    const QString error = checker->reply != nullptr ? checker->reply->errorString() : "(no reply was kept)";
+    const QString error = state().reply != nullptr ? state().reply->errorString() : "(no reply was kept)";
     return {told::log(lines.at(static_cast<std::size_t>(request))), told::problem(),
             told::log("Error by download update file"), told::signal("checkversionError", {error})};
 }
 
-QByteArray Scene::catalogue(const QMap<QString, QString>& changes) const
+QByteArray Scene::catalogue(const CatalogueEntries& changes) const
 {
-    QMap<QString, QString> entries{
-        {"MainVer", "11"},
-        {"MainChangeLog", server.address(mainChangeLogPath)},
-        {"MacMainBin", "http://update-server/bin/updater.zip"},
-        {"HB4Ver", "27"},
-        {"HB4Bin", server.address(imagePath)},
-        {"HB4ChangeLog", server.address(changeLogPath)},
-    };
+    CatalogueEntries entries =
+        catalogueEntries("HB4", "27", server.address(imagePath), server.address(changeLogPath));
+    entries["MainChangeLog"] = server.address(mainChangeLogPath);
     for (auto change = changes.begin(); change != changes.end(); ++change)
         entries[change.key()] = change.value();
-    QByteArray text;
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
-        if (!entry.value().isNull())
-            text += (entry.key() + '=' + entry.value() + '\n').toUtf8();
-    return text;
+    return catalogueText(entries);
 }
 
 bool Scene::rests(qsizetype events) const

@@ -2,21 +2,25 @@
 
 #include "net/updatechecker.h"
 #include "tests/net/checkerjournal.h"
+#include "tests/support/cataloguetext.h"
+#include "tests/support/inside.h"
 #include "tests/support/rawserver.h"
 
-#include <QMap>
 #include <QMetaType>
+#include <QTimer>
 
+#include <array>
 #include <memory>
 
 /// The four kinds of request that the checker makes.
 enum class Request { catalogue, changeLog, mainChangeLog, image };
 Q_DECLARE_METATYPE(Request)
 
-inline constexpr const char* cataloguePath = "/wp-content/uploads/versions.txt";
-inline constexpr const char* changeLogPath = "/logs/HB4.txt";
-inline constexpr const char* mainChangeLogPath = "/logs/updater.txt";
-inline constexpr const char* imagePath = "/bin/HB4.sb";
+/// Their names, in that order.
+inline constexpr std::array requestNames{"catalogue", "change log", "updater's change log", "image"};
+
+/// Gives a test a row for each, with the column "request".
+void addRequests();
 
 /// One update checker for an HB4 at version 23, and its server. The vendor's host is reached through the
 /// system's proxy settings, as in the program; the other addresses are the server's own.
@@ -40,7 +44,12 @@ public:
 
     /// A good catalogue for an HB4: firmware 27, updater 11, addresses of this server. `changes` replaces
     /// values, adds keys, and drops those with a null value. Lines end in LF.
-    [[nodiscard]] QByteArray catalogue(const QMap<QString, QString>& changes = {}) const;
+    [[nodiscard]] QByteArray catalogue(const CatalogueEntries& changes = {}) const;
+
+    /// What the checker keeps to itself.
+    [[nodiscard]] inside::Checker state() const { return inside::of(*checker); }
+    /// Its clock against silence.
+    [[nodiscard]] QTimer& clock() const { return *checker->findChild<QTimer*>(); }
 
     /// True once the checker waits for no answer and its journal holds as many events.
     [[nodiscard]] bool rests(qsizetype events) const;

@@ -10,19 +10,6 @@ namespace {
 using Answer = RawServer::Answer;
 using End = RawServer::End;
 
-struct RequestName
-{
-    Request request;
-    const char* name;
-};
-
-constexpr std::array allRequests{
-    RequestName{Request::catalogue, "catalogue"},
-    RequestName{Request::changeLog, "change log"},
-    RequestName{Request::mainChangeLog, "updater's change log"},
-    RequestName{Request::image, "image"},
-};
-
 } // namespace
 
 /// What becomes of an answer that is not the plain one: odd but good answers are used, bad ones are a network
@@ -35,7 +22,7 @@ private slots:
     void init() { scene.reset(); }
     void bad_data();
     void bad();
-    void nobodyListens_data();
+    void nobodyListens_data() { addRequests(); }
     void nobodyListens();
     void good_data();
     void good();
@@ -52,12 +39,12 @@ void TestAnswers::bad_data()
     QTest::addColumn<Request>("request");
     QTest::addColumn<Answer>("answer");
     const QByteArray text(100, 'x');
-    const QByteArray promise = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + text;
+    const QByteArray promise = announced(1000, text);
     const QByteArray openChunk = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n64\r\n" + text;
-    for (const auto& [request, requestName] : allRequests) {
-        const auto row = [request = request, requestName = requestName](const char* name,
-                                                                        const Answer& answer) {
-            QTest::addRow("%s, %s", requestName, name) << request << answer;
+    for (std::size_t index = 0; index < requestNames.size(); ++index) {
+        const auto request = static_cast<Request>(index);
+        const auto row = [index, request](const char* name, const Answer& answer) {
+            QTest::addRow("%s, %s", requestNames.at(index), name) << request << answer;
         };
         row("body cut short", {{promise}});
         row("reset in mid body", {{promise}, End::reset});
@@ -87,8 +74,8 @@ void TestAnswers::bad_data()
 
 void TestAnswers::start(Request request)
 {
-    scene.checker->newVersion = "27";
-    scene.checker->mainVersion = "12";
+    scene.state().newVersion = "27";
+    scene.state().mainVersion = "12";
     scene.ask(request);
 }
 
@@ -101,17 +88,10 @@ void TestAnswers::bad()
     const qsizetype count = scene.networkError(request).size();
     QTRY_VERIFY(scene.rests(count));
     QCOMPARE(scene.journal->events, scene.networkError(request));
-    QVERIFY(scene.checker->reply != nullptr);
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(scene.state().reply != nullptr);
+    QVERIFY(!scene.clock().isActive());
     for (const QByteArray& head : scene.server.requests()) // a dropped connection may be tried once more
         QVERIFY(!head.contains("Authorization"));
-}
-
-void TestAnswers::nobodyListens_data()
-{
-    QTest::addColumn<Request>("request");
-    for (const auto& [request, name] : allRequests)
-        QTest::newRow(name) << request;
 }
 
 void TestAnswers::nobodyListens()
@@ -137,27 +117,24 @@ void TestAnswers::good_data()
         manyHeaders.append("X-Filler: " + QByteArray(100, 'x'));
     const QByteArray log = "better";
     const QByteArray text = scene.catalogue({{"HB4Ver", "23"}});
-    for (const auto& [request, requestName] : allRequests) {
+    for (std::size_t index = 0; index < requestNames.size(); ++index) {
+        const auto request = static_cast<Request>(index);
         if (request == Request::image)
             continue; // what is stored of an image has tests of its own
-        const auto row = [request = request, requestName = requestName](const char* name,
-                                                                        const Answer& answer) {
-            QTest::addRow("%s, %s", requestName, name) << request << answer;
+        const auto row = [index, request](const char* name, const Answer& answer) {
+            QTest::addRow("%s, %s", requestNames.at(index), name) << request << answer;
         };
         const QByteArray& body = request == Request::catalogue ? text : log;
         const QByteArray packed = gzip(body);
         row("drop by drop", {drops(httpAnswer("200 OK", body)), End::keepOpen});
-        row("chunked",
-            {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(body, 5)}, End::keepOpen});
-        row("chunked, drop by drop",
-            {drops("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(body, 3)),
-             End::keepOpen});
+        row("chunked", {{inChunks(body, 5)}, End::keepOpen});
+        row("chunked, drop by drop", {drops(inChunks(body, 3)), End::keepOpen});
         row("gzip", ok(packed, {"Content-Encoding: gzip"}));
         row("gzip, drop by drop",
             {drops(httpAnswer("200 OK", packed, {"Content-Encoding: gzip"})), End::keepOpen});
         row("deflate", ok(qCompress(body).mid(4), {"Content-Encoding: deflate"}));
         row("more than announced", {{httpAnswer("200 OK", body) + "and more"}});
-        row("no length, then closed", {{"HTTP/1.1 200 OK\r\n\r\n" + body}});
+        row("no length, then closed", {{unannounced(body)}});
         row("HTTP 1.0", {{"HTTP/1.0 200 OK\r\n\r\n" + body}});
         row("bare line ends in the head",
             {{"HTTP/1.1 200 OK\nContent-Length: " + QByteArray::number(body.size()) + "\n\n" + body}});
@@ -178,7 +155,7 @@ void TestAnswers::good()
         {Request::mainChangeLog, told::signal("findMainNewVersion", {"12", "better"})},
     };
     QTRY_COMPARE(scene.journal->events, QStringList{outcome[request]});
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(!scene.clock().isActive());
 }
 
 void TestAnswers::afterAnErrorTheNextAnswerCounts()

@@ -1,4 +1,5 @@
 #include "net/catalogue.h"
+#include "tests/support/models.h"
 
 #include <QLocale>
 #include <QtTest>
@@ -7,7 +8,6 @@ using catalogue::Decision;
 using catalogue::Entries;
 Q_DECLARE_METATYPE(catalogue::Entries)
 Q_DECLARE_METATYPE(catalogue::Decision)
-Q_DECLARE_METATYPE(UnitType)
 
 namespace {
 
@@ -130,27 +130,8 @@ void TestCatalogue::findsNothingForAnotherModel()
 void TestCatalogue::stemOfModel_data()
 {
     QTest::addColumn<UnitType>("type");
-    QTest::addColumn<QByteArray>("stem");
-    const auto row = [](const char* name, UnitType type, const char* stem) {
-        QTest::newRow(name) << type << QByteArray(stem);
-    };
-    row("HB4", UNIT_HB4, "HB4");
-    row("HB2", UNIT_HB2, "HB2");
-    row("HBX", UNIT_HBX, "HBX");
-    row("ZEQ PRO", UNIT_ZEQ_PRO, "ZEQPRO");
-    row("ZEQ IO", UNIT_ZEQ_IO, "ZEQPRO");
-    row("PANEL2V", UNIT_PANEL2V, "PANEL");
-    row("PANEL4V", UNIT_PANEL4V, "PANEL");
-    row("DSK10", UNIT_DSK10, "DSK10");
-    row("DSK6", UNIT_DSK6, "DSK10");
-    row("LMB-1", UNIT_LMB1, "LMB1");
-    row("LMB-2", UNIT_LMB2, "LMB2");
-    row("PLT70", UNIT_PLT70, "PLT70");
-    row("TRK300 left", UNIT_TRK300_LEFT, "PLT70");
-    row("TRK300 right", UNIT_TRK300_RIGHT, "PLT70");
-    row("TRK900 left", UNIT_TRK900_LEFT, "PLT70");
-    row("TRK900 right", UNIT_TRK900_RIGHT, "PLT70");
-    row("PLT65", UNIT_PLT65, "PLT70");
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << model.type;
 }
 
 void TestCatalogue::stemOfModel()
@@ -158,7 +139,7 @@ void TestCatalogue::stemOfModel()
     QFETCH(UnitType, type);
     const UnitModel* model = findUnitModel(type);
     QVERIFY(model != nullptr);
-    QTEST(QByteArray(model->catalogueStem), "stem");
+    QCOMPARE(model->catalogueStem, models::of(type).stem);
 }
 
 void TestCatalogue::decides_data()

@@ -51,13 +51,13 @@ void TestChangeLog::bothLogs()
 
 QString& TestChangeLog::addressOf(Request log)
 {
-    return log == Request::changeLog ? scene.checker->changeLogUrl : scene.checker->mainChangeLogUrl;
+    return log == Request::changeLog ? scene.state().changeLogUrl : scene.state().mainChangeLogUrl;
 }
 
 void TestChangeLog::download(Request log)
 {
-    scene.checker->newVersion = "27";
-    scene.checker->mainVersion = "12";
+    scene.state().newVersion = "27";
+    scene.state().mainVersion = "12";
     if (log == Request::changeLog)
         scene.checker->downloadChangeLog();
     else
@@ -98,7 +98,7 @@ void TestChangeLog::address()
     addressOf(log) = before;
     download(log);
     QTEST(addressOf(log), "path"); // cut in place
-    QVERIFY(scene.checker->timeoutTimer->isActive());
+    QVERIFY(scene.clock().isActive());
     QTRY_COMPARE(scene.server.requests().size(), 1);
     QCOMPARE(scene.server.requests().first().split('\n').first(), requestLine);
 }
@@ -112,7 +112,7 @@ void TestChangeLog::badAddressAsksNobody()
         download(log);
         QCOMPARE(scene.journal->all, badAddress);
         QCOMPARE(addressOf(log), bad);
-        QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+        QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
     }
 }
 
@@ -152,8 +152,8 @@ void TestChangeLog::text()
     QFETCH(QByteArray, body);
     QFETCH(QString, shown);
     scene.server.setAnswer(Scene::path(log), ok(body));
-    scene.checker->newVersion = "27";
-    scene.checker->mainVersion = "12";
+    scene.state().newVersion = "27";
+    scene.state().mainVersion = "12";
     scene.ask(log);
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, shown)});
 }
@@ -161,16 +161,16 @@ void TestChangeLog::text()
 void TestChangeLog::successLeavesNothing()
 {
     QFETCH(Request, log);
-    scene.checker->infoData = "stale catalogue";
+    scene.state().infoData = "stale catalogue";
     scene.server.setAnswer(Scene::path(log), ok("first"));
     addressOf(log) = scene.server.address(Scene::path(log));
     download(log);
-    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    const QPointer<QNetworkReply> reply = scene.state().reply;
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "first")});
-    QVERIFY(scene.checker->changeLogText.isEmpty());
-    QVERIFY(scene.checker->infoData.isEmpty());
-    QCOMPARE(scene.checker->reply, nullptr);
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(scene.state().changeLogText.isEmpty());
+    QVERIFY(scene.state().infoData.isEmpty());
+    QCOMPARE(scene.state().reply, nullptr);
+    QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
 
     scene.server.setAnswer(Scene::path(log), ok("second"));
@@ -182,13 +182,13 @@ void TestChangeLog::successLeavesNothing()
 void TestChangeLog::errorKeepsThePartialText()
 {
     QFETCH(Request, log);
-    scene.server.setAnswer(Scene::path(log), {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    scene.server.setAnswer(Scene::path(log), {{announced(9, "half")}});
     addressOf(log) = scene.server.address(Scene::path(log));
     download(log);
     QTRY_VERIFY(scene.rests(4));
     QCOMPARE(scene.journal->events, scene.networkError(log));
-    QCOMPARE(scene.checker->changeLogText, QString("half"));
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QCOMPARE(scene.state().changeLogText, QString("half"));
+    QVERIFY(!scene.clock().isActive());
 
     scene.journal->events.clear();
     scene.server.setAnswer(Scene::path(log), ok(", whole"));
@@ -200,25 +200,23 @@ void TestChangeLog::errorKeepsThePartialText()
 void TestChangeLog::eachPieceEndsAtItsNul()
 {
     QFETCH(Request, log);
-    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
+    const QByteArray head = announced(10, "");
     scene.server.setAnswer(
         Scene::path(log),
         {{head + "one" + '\0' + 'x', QByteArray("two\0y", 5)}, RawServer::End::keepOpen, true});
     addressOf(log) = scene.server.address(Scene::path(log));
     download(log);
-    QTRY_COMPARE(scene.checker->changeLogText, QString("one"));
+    QTRY_COMPARE(scene.state().changeLogText, QString("one"));
     scene.server.goOn();
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "onetwo")});
 }
 
 void TestChangeLog::characterSplitBetweenPieces()
 {
-    scene.server.setAnswer(
-        changeLogPath,
-        {{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\na\xC3", "\xA4z"}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(changeLogPath, {{announced(4, "a\xC3"), "\xA4z"}, RawServer::End::keepOpen, true});
     addressOf(Request::changeLog) = scene.server.address(changeLogPath);
     download(Request::changeLog);
-    QTRY_VERIFY(scene.checker->changeLogText.startsWith('a'));
+    QTRY_VERIFY(scene.state().changeLogText.startsWith('a'));
     scene.server.goOn();
     const QString shown = 'a' + QString(2, QChar(QChar::ReplacementCharacter)) + 'z'; // each half by itself
     QTRY_COMPARE(scene.journal->events, QStringList{offer(Request::changeLog, shown)});

@@ -1,9 +1,8 @@
 #include "tests/net/scene.h"
+#include "tests/support/models.h"
 
 #include <QTimer>
 #include <QtTest>
-
-Q_DECLARE_METATYPE(UnitType)
 
 namespace {
 
@@ -133,12 +132,12 @@ void TestCheckUpdate::takesOverWhatItFinds()
     scene.checker->setCurVersion(QString("27"));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
-    QCOMPARE(scene.checker->newVersion, QString("27"));
-    QCOMPARE(scene.checker->binUrl, scene.server.address(imagePath));
-    QCOMPARE(scene.checker->changeLogUrl, scene.server.address(changeLogPath));
-    QCOMPARE(scene.checker->mainVersion, QString("11"));
-    QCOMPARE(scene.checker->mainChangeLogUrl, scene.server.address(mainChangeLogPath));
-    QCOMPARE(scene.checker->mainBinUrl, QString("http://update-server/bin/updater.zip"));
+    QCOMPARE(scene.state().newVersion, QString("27"));
+    QCOMPARE(scene.state().binUrl, scene.server.address(imagePath));
+    QCOMPARE(scene.state().changeLogUrl, scene.server.address(changeLogPath));
+    QCOMPARE(scene.state().mainVersion, QString("11"));
+    QCOMPARE(scene.state().mainChangeLogUrl, scene.server.address(mainChangeLogPath));
+    QCOMPARE(scene.state().mainBinUrl, QString("http://update-server/bin/updater.zip"));
 }
 
 void TestCheckUpdate::incompleteCatalogueIsTakenOver()
@@ -147,11 +146,11 @@ void TestCheckUpdate::incompleteCatalogueIsTakenOver()
     scene.server.setAnswer(cataloguePath, ok(text));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, incomplete);
-    QVERIFY2(scene.checker->mainBinUrl.isEmpty(), "the placeholder goes too");
-    QCOMPARE(scene.checker->newVersion, QString("27"));
-    QVERIFY(scene.checker->reply != nullptr);
-    QCOMPARE(scene.checker->infoData, text);
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY2(scene.state().mainBinUrl.isEmpty(), "the placeholder goes too");
+    QCOMPARE(scene.state().newVersion, QString("27"));
+    QVERIFY(scene.state().reply != nullptr);
+    QCOMPARE(scene.state().infoData, text);
+    QVERIFY(!scene.clock().isActive());
 }
 
 void TestCheckUpdate::lineEndsDoNotMatter()
@@ -161,15 +160,15 @@ void TestCheckUpdate::lineEndsDoNotMatter()
     scene.server.setAnswer(cataloguePath, ok(text));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, QStringList{offer});
-    QCOMPARE(scene.checker->mainVersion, QString("11"));
+    QCOMPARE(scene.state().mainVersion, QString("11"));
 }
 
 void TestCheckUpdate::model_data()
 {
     QTest::addColumn<UnitType>("type");
     QTest::addColumn<QString>("version");
-    for (const UnitModel& model : unitModels)
-        QTest::newRow(model.connectedMessage) << model.type << QString(model.catalogueStem) + "'s own";
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << model.type << QString(model.stem) + "'s own";
 }
 
 /// Every model finds its own entries in one catalogue that holds all of them.
@@ -177,8 +176,8 @@ void TestCheckUpdate::model()
 {
     QFETCH(UnitType, type);
     Changes all;
-    for (const UnitModel& model : unitModels) {
-        const QString stem = model.catalogueStem;
+    for (const models::Model& model : models::all) {
+        const QString stem = model.stem;
         all.insert(stem + "Ver", stem + "'s own");
         all.insert(stem + "Bin", "http://host/" + stem);
         all.insert(stem + "ChangeLog", "http://host/" + stem);
@@ -187,13 +186,13 @@ void TestCheckUpdate::model()
     scene.checker->setUnitType(type);
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate}); // these versions begin with no number
-    QTEST(scene.checker->newVersion, "version");
+    QTEST(scene.state().newVersion, "version");
 }
 
 void TestCheckUpdate::unknownModelReadsHb2_data()
 {
     QTest::addColumn<int>("type");
-    QTest::newRow("first behind the last") << 17;
+    QTest::newRow("first behind the last") << models::count;
     QTest::newRow("negative") << -1;
     QTest::newRow("large") << 1000;
 }
@@ -208,7 +207,7 @@ void TestCheckUpdate::unknownModelReadsHb2()
     scene.checker->checkUpdate();
     const QStringList expected{told::log(QString("Can't recog unitType %1").arg(type)), upToDate};
     QTRY_COMPARE(scene.journal->events, expected);
-    QCOMPARE(scene.checker->newVersion, QString("5"));
+    QCOMPARE(scene.state().newVersion, QString("5"));
 }
 
 void TestCheckUpdate::versionByteIsNotCompared()
@@ -247,11 +246,11 @@ void TestCheckUpdate::goodAnswerReleasesTheReply()
 {
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
     scene.checker->checkUpdate();
-    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    const QPointer<QNetworkReply> reply = scene.state().reply;
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
-    QCOMPARE(scene.checker->reply, nullptr);
-    QCOMPARE(scene.checker->infoData, QByteArray());
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QCOMPARE(scene.state().reply, nullptr);
+    QCOMPARE(scene.state().infoData, QByteArray());
+    QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
 }
 
@@ -259,10 +258,10 @@ void TestCheckUpdate::updaterOfferLeavesTheCatalogue()
 {
     const QByteArray text = scene.catalogue({{"MainVer", "12"}});
     scene.server.setAnswer(cataloguePath, ok(text));
-    scene.server.setAnswer(mainChangeLogPath, {{}, RawServer::End::keepOpen});
+    scene.server.setAnswer(mainChangeLogPath, silence());
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 2);
-    QCOMPARE(scene.checker->infoData, text); // the change log's completion clears it
+    QCOMPARE(scene.state().infoData, text); // the change log's completion clears it
 }
 
 QTEST_GUILESS_MAIN(TestCheckUpdate)

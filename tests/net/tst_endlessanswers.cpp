@@ -30,15 +30,6 @@ qint64 memoryPeak()
     return 0;
 }
 
-void addRequests()
-{
-    QTest::addColumn<Request>("request");
-    QTest::newRow("catalogue") << Request::catalogue;
-    QTest::newRow("change log") << Request::changeLog;
-    QTest::newRow("updater's change log") << Request::mainChangeLog;
-    QTest::newRow("image") << Request::image;
-}
-
 /// Each request answered with bytes that are kept, and with such as are not.
 void addRows()
 {
@@ -81,9 +72,9 @@ void TestEndlessAnswers::expectGivenUp(Request request)
     QTRY_VERIFY(scene.rests(expected.size()));
     const QStringList last = scene.journal->events.mid(scene.journal->events.size() - expected.size());
     QCOMPARE(last, scene.networkError(request)); // before it, reports of the announced size
-    QCOMPARE(scene.checker->reply->error(), QNetworkReply::OperationCanceledError);
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
-    QVERIFY(scene.checker->received > limit);
+    QCOMPARE(scene.state().reply->error(), QNetworkReply::OperationCanceledError);
+    QVERIFY(!scene.clock().isActive());
+    QVERIFY(scene.state().received > limit);
 }
 
 void TestEndlessAnswers::plain()
@@ -91,9 +82,7 @@ void TestEndlessAnswers::plain()
     QFETCH(Request, request);
     QFETCH(char, filling);
     const QByteArray piece(128 * 1024, filling);
-    scene.server.setAnswer(
-        Scene::path(request),
-        {{"HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n", piece}, RawServer::End::close, false, true});
+    scene.server.setAnswer(Scene::path(request), endless(piece));
     forgetMemoryPeak();
     expectGivenUp(request);
     const qint64 peak = memoryPeak();
@@ -117,7 +106,7 @@ void TestEndlessAnswers::compressed()
 void TestEndlessAnswers::justWithinTheLimit()
 {
     const QByteArray log(limit, 'x');
-    scene.checker->newVersion = "27";
+    scene.state().newVersion = "27";
     scene.server.setAnswer(changeLogPath, ok(log));
     scene.ask(Request::changeLog);
     const QString expected = told::signal("findNewVersion", {"27", QString::fromLatin1(log)});
@@ -129,7 +118,7 @@ void TestEndlessAnswers::justWithinTheLimit()
 void TestEndlessAnswers::eachAnswerCountsForItself()
 {
     const QString found = told::signal("findNewVersion", {"27", ""});
-    scene.checker->newVersion = "27";
+    scene.state().newVersion = "27";
     scene.server.setAnswer(changeLogPath, ok(QByteArray(limit / 2 + 1, '\0'))); // which leaves no text
     for (int time = 1; time <= 2; ++time) {
         scene.ask(Request::changeLog);

@@ -1,4 +1,5 @@
 #include "tests/net/scene.h"
+#include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 
 #include <QFile>
@@ -56,18 +57,18 @@ void TestOverlappingRequests::staleLines()
 {
     QFETCH(QByteArray, stale);
     QFETCH(QStringList, events);
-    scene.server.setAnswer(cataloguePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + stale}});
+    scene.server.setAnswer(cataloguePath, {{announced(1000, stale)}});
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
-    QCOMPARE(scene.checker->infoData, stale);
-    QVERIFY(scene.checker->newVersion.isEmpty());
+    QCOMPARE(scene.state().infoData, stale);
+    QVERIFY(scene.state().newVersion.isEmpty());
 
     scene.journal->events.clear();
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
-    QTEST(scene.checker->newVersion, "version");
+    QTEST(scene.state().newVersion, "version");
 }
 
 void TestOverlappingRequests::secondCheckInFlight_data()
@@ -93,9 +94,9 @@ void TestOverlappingRequests::secondCheckInFlight()
     QTRY_COMPARE(scene.server.requests().size(), 2);
     scene.server.goOn();
     QTRY_VERIFY(scene.rests(1));
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(!scene.clock().isActive());
 
-    scene.checker->infoData.clear();
+    scene.state().infoData.clear();
     scene.journal->events.clear();
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
     scene.checker->checkUpdate(); // and the checker still works
@@ -115,13 +116,13 @@ void TestOverlappingRequests::checkDuringADownload()
 {
     QFETCH(QByteArray, answer);
     const QByteArray image = httpAnswer("200 OK", QByteArray(1000, 'i'));
-    const QString stored = QCoreApplication::applicationDirPath() + "/updater.sb";
+    const QString stored = QCoreApplication::applicationDirPath() + '/' + filename::image;
     scene.server.setAnswer(imagePath,
                            {{image.chopped(500), image.right(500)}, RawServer::End::keepOpen, true});
     scene.server.setAnswer(cataloguePath, {{answer}, RawServer::End::keepOpen});
     scene.ask(Request::image);
-    QTRY_COMPARE(scene.checker->firmwareData.size(), 500);
-    QNetworkReply* const download = scene.checker->reply;
+    QTRY_COMPARE(scene.state().firmwareData.size(), 500);
+    QNetworkReply* const download = scene.state().reply;
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 2);
     QTRY_COMPARE(scene.server.bytesSent(), image.size() - 500 + answer.size());

@@ -1,4 +1,5 @@
 #include "tests/net/scene.h"
+#include "tests/support/texts.h"
 
 #include <QFile>
 #include <QProcess>
@@ -96,11 +97,11 @@ void TestRedirects::imageIsTheLastAnswersBody()
     slow.stepwise = true;
     scene.server.setAnswer("/mirror/HB4.sb", slow);
     scene.ask(Request::image);
-    QTRY_VERIFY(!scene.checker->firmwareData.isEmpty());
-    QVERIFY(image.startsWith(scene.checker->firmwareData));
+    QTRY_VERIFY(!scene.state().firmwareData.isEmpty());
+    QVERIFY(image.startsWith(scene.state().firmwareData));
     scene.server.goOn();
     QTRY_COMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
-    QFile stored(QCoreApplication::applicationDirPath() + "/updater.sb");
+    QFile stored(QCoreApplication::applicationDirPath() + '/' + filename::image);
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), image);
     QVERIFY(stored.remove());

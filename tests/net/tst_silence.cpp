@@ -24,7 +24,7 @@ class TestSilence : public QObject
 private slots:
     void init() { scene.reset(); }
     void progressRestartsTheClock();
-    void silenceIsReportedAgainAndAgain_data();
+    void silenceIsReportedAgainAndAgain_data() { addRequests(); }
     void silenceIsReportedAgainAndAgain();
     void silenceInMidAnswer();
 
@@ -34,29 +34,20 @@ private:
 
 void TestSilence::progressRestartsTheClock()
 {
-    QTimer* timer = scene.checker->timeoutTimer;
+    QTimer* timer = &scene.clock();
     timer->start(silenceLimitMs * 10);
     scene.checker->onDataReadProgress(1, 2);
     QVERIFY(timer->isActive());
     QCOMPARE(timer->interval(), silenceLimitMs);
 }
 
-void TestSilence::silenceIsReportedAgainAndAgain_data()
-{
-    QTest::addColumn<Request>("request");
-    QTest::newRow("catalogue") << Request::catalogue;
-    QTest::newRow("change log") << Request::changeLog;
-    QTest::newRow("updater's change log") << Request::mainChangeLog;
-    QTest::newRow("image") << Request::image;
-}
-
 void TestSilence::silenceIsReportedAgainAndAgain()
 {
     QFETCH(Request, request);
-    scene.server.setAnswer(Scene::path(request), {{}, RawServer::End::keepOpen});
+    scene.server.setAnswer(Scene::path(request), silence());
     scene.ask(request);
     QTRY_COMPARE(scene.server.requests().size(), 1);
-    QTimer* timer = scene.checker->timeoutTimer;
+    QTimer* timer = &scene.clock();
     QCOMPARE(timer->interval(), silenceLimitMs);
     QStringList expected;
     for (int report = 1; report <= 3; ++report) {
@@ -74,13 +65,13 @@ void TestSilence::silenceInMidAnswer()
     scene.server.setAnswer(
         cataloguePath, {{answer.left(answer.size() - 9), answer.right(9)}, RawServer::End::keepOpen, true});
     scene.checker->checkUpdate();
-    QTRY_VERIFY(!scene.checker->infoData.isEmpty());
-    letFire(scene.checker->timeoutTimer);
+    QTRY_VERIFY(!scene.state().infoData.isEmpty());
+    letFire(&scene.clock());
     scene.server.goOn(); // the answer that comes late is used all the same
     const QStringList expected{told::log("UpdateChecker::exitSlot"), told::problem(),
                                told::signal("youHaveLastVersion")};
     QTRY_COMPARE(scene.journal->events, expected);
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QVERIFY(!scene.clock().isActive());
 }
 
 QTEST_GUILESS_MAIN(TestSilence)

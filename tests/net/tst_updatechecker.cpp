@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/httpthreads.h"
+#include "tests/support/texts.h"
 
 #include <QAuthenticator>
 #include <QFile>
@@ -111,15 +112,17 @@ void TestUpdateChecker::slotsInOrder()
 
 void TestUpdateChecker::newChecker()
 {
-    const UpdateChecker checker;
-    QVERIFY(checker.mainBinUrl.startsWith("http://"));
-    QCOMPARE(checker.mainBinUrl.size(), 15);
-    QCOMPARE(checker.reply, nullptr);
+    UpdateChecker checker;
+    const inside::Checker kept = inside::of(checker);
+    QVERIFY(kept.mainBinUrl.startsWith("http://"));
+    QCOMPARE(kept.mainBinUrl.size(), 15);
+    QCOMPARE(kept.reply, nullptr);
     QVERIFY(!checker.isBusy());
-    QCOMPARE(checker.timeoutTimer->parent(), &checker);
-    QVERIFY(!checker.timeoutTimer->isActive());
-    QVERIFY(!checker.timeoutTimer->isSingleShot());
-    QVERIFY(checker.infoData.isEmpty() && checker.firmwareData.isEmpty() && checker.changeLogText.isEmpty());
+    const auto* clock = checker.findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(clock != nullptr);
+    QVERIFY(!clock->isActive());
+    QVERIFY(!clock->isSingleShot());
+    QVERIFY(kept.infoData.isEmpty() && kept.firmwareData.isEmpty() && kept.changeLogText.isEmpty());
     QVERIFY(QMetaType::type("QList<QSslError>") != QMetaType::UnknownType);
 }
 
@@ -128,11 +131,11 @@ void TestUpdateChecker::settersOnlyStore()
     scene.checker->setUnitType(UNIT_PLT65);
     scene.checker->setCurVersion(static_cast<unsigned char>(255));
     scene.checker->setCurVersion(QString("1.05"));
-    QCOMPARE(scene.checker->unitType, UNIT_PLT65);
-    QCOMPARE(int(scene.checker->curVersionByte), 255);
-    QCOMPARE(scene.checker->curVersion, QString("1.05"));
+    QCOMPARE(scene.state().unitType, UNIT_PLT65);
+    QCOMPARE(int(scene.state().curVersionByte), 255);
+    QCOMPARE(scene.state().curVersion, QString("1.05"));
     QCOMPARE(scene.journal->all, QStringList());
-    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+    QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
 }
 
 void TestUpdateChecker::progress_data()
@@ -206,14 +209,14 @@ void TestUpdateChecker::problemsAreOneText()
 void TestUpdateChecker::serviceFileGoesBeforeTheCatalogue()
 {
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
-    const QString path = QCoreApplication::applicationDirPath() + "/SUPER_MEGA_UPDATE.sb";
+    const QString path = QCoreApplication::applicationDirPath() + '/' + filename::service;
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     scene.checker->checkUpdate();
     QVERIFY(file.remove());
     QCOMPARE(scene.journal->all, (QStringList{told::signal("changeUpdateFileName", {path}),
                                               told::signal("newUpdateFileDownloaded", {"true"})}));
-    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+    QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
     scene.checker->checkUpdate(); // with the file gone again, the catalogue is asked for
     QTRY_COMPARE(scene.server.paths().value(0), QString(cataloguePath));
 }
@@ -222,9 +225,9 @@ void TestUpdateChecker::tlsErrorsAreIgnoredOnTheOwnReply()
 {
     ForeignReply own;
     ForeignReply failing;
-    scene.checker->reply = &own;
+    scene.state().reply = &own;
     scene.checker->sslErrors(&failing, {QSslError(QSslError::SelfSignedCertificate)});
-    scene.checker->reply = nullptr;
+    scene.state().reply = nullptr;
     scene.checker->sslErrors(&failing, {}); // with none in flight nothing happens
     QVERIFY(own.ignoring);
     QVERIFY(!failing.ignoring);
@@ -242,11 +245,10 @@ void TestUpdateChecker::noCredentials()
 
 void TestUpdateChecker::goesAwayInMidRequest()
 {
-    scene.server.setAnswer(imagePath,
-                           {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}, RawServer::End::keepOpen});
+    scene.server.setAnswer(imagePath, {{announced(9, "half")}, RawServer::End::keepOpen});
     scene.ask(Request::image);
-    QTRY_COMPARE(scene.checker->firmwareData, QByteArray("half"));
-    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    QTRY_COMPARE(scene.state().firmwareData, QByteArray("half"));
+    const QPointer<QNetworkReply> reply = scene.state().reply;
     scene.journal->events.clear();
     scene.journal->all.clear();
     scene.checker.reset();
@@ -256,10 +258,9 @@ void TestUpdateChecker::goesAwayInMidRequest()
 
 void TestUpdateChecker::endsItsThreadInMidRequest()
 {
-    scene.server.setAnswer(imagePath,
-                           {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}, RawServer::End::keepOpen});
+    scene.server.setAnswer(imagePath, {{announced(9, "half")}, RawServer::End::keepOpen});
     scene.ask(Request::image);
-    QTRY_COMPARE(scene.checker->firmwareData, QByteArray("half"));
+    QTRY_COMPARE(scene.state().firmwareData, QByteArray("half"));
     QCOMPARE(httpThreads(), 1);
     scene.journal->events.clear();
     scene.checker->endNetwork();

@@ -6,6 +6,7 @@ with 1, having said what was awaited, when that does not come within the limit.
     blinduser.py APPLICATION
 """
 
+import json
 import subprocess
 import os
 import sys
@@ -20,6 +21,7 @@ from gi.repository import GLib
 LIMIT_S = int(os.environ["TALVEX_HANG_LIMIT_S"])  # for hangs only
 LOOK_MS = 20
 MOST_STOPS = 6  # of Tab, in one window
+TEXTS = json.loads(os.environ["TALVEX_TEXTS"])  # of the program, as tests expect them
 CONTAINERS = ("application", "frame", "alert", "dialog", "panel", "filler")
 
 EVENTS = (
@@ -155,7 +157,7 @@ class User:
 
 def look_around(user):
     user.wait("the window", lambda: user.find("push button", "Connect"))
-    for bar_name, label_name in (("Transfer progress", "Transfer:"), ("Update progress", "Update:")):
+    for bar_name, label_name in (("Transfer progress", TEXTS["transferIdle"]), ("Update progress", TEXTS["updateIdle"])):
         bar = user.wait(f"a bar named {bar_name!r}", lambda: user.find("progress bar", bar_name))
         user.bars.append(bar)
         labels = [
@@ -170,14 +172,14 @@ def connect(user):
     user.await_focus("push button", "Connect")
     user.press("space")
     user.await_focus("push button", "OK")
-    user.expect("a box that says what is connected", user.reads("HB4 connected"))
+    user.expect("a box that says what is connected", user.reads(TEXTS["connected"]))
     user.press("Return")
 
 
 def take_the_offer(user):
     user.await_focus("push button", "Yes")
-    user.expect("the versions", user.reads("Your unit current version: 2.3\nLatest version: 2.8"))
-    user.expect("the question", user.reads("Would you like to update to latest version?"))
+    user.expect("the versions", user.reads(TEXTS["offer"]))
+    user.expect("the question", user.reads(TEXTS["question"]))
     user.tab_to("push button", "Show Details...")
     user.press("space")
     user.wait("the change log on the screen", lambda: user.find("text", ""))
@@ -194,10 +196,9 @@ def update(user):
     user.wait("the window in front", lambda: user.has(frame, pyatspi.STATE_ACTIVE))
     user.tab_to("push button", "Update Device")
     user.press("space")
-    user.await_texts(
-        "Transfer:", ["Transfer: download new version", "Transfer: in progress", "Transfer: completed"]
-    )
-    user.await_texts("Update:", ["Update: in progress. Do not power off device!", "Update: finished"])
+    transfer = [TEXTS["transferDownload"], TEXTS["transferInProgress"], TEXTS["transferCompleted"]]
+    user.await_texts(TEXTS["transferIdle"], transfer)
+    user.await_texts(TEXTS["updateIdle"], [TEXTS["updateInProgress"], TEXTS["updateFinished"]])
     for bar in user.bars:
         user.expect(f"the end of {bar.name!r}", bar.queryValue().currentValue == 100)
 
@@ -205,7 +206,7 @@ def update(user):
 def leave(user):
     # By what is announced alone: a program that awaits its unit answers each question late.
     def box_text():
-        beginning = "says: Update installed correctly, "
+        beginning = "says: " + TEXTS["finished"][:30]
         return [number for number, line in enumerate(user.said) if line.startswith(beginning)]
 
     shown = user.wait("the box of the end", box_text)[0]

@@ -1,4 +1,5 @@
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <X11/keysym.h>
 
@@ -25,6 +26,14 @@ QString unitOptions(const Program& program, const QString& model, const QString&
     return QString("%1,version=%2,image=%3,journal=%4,period-ms=0%5")
         .arg(model, QString::number(unitVersion), program.scratchPath(label + ".image"),
              program.scratchPath(label + ".journal"), more);
+}
+
+QStringList options(const Program& program, const models::Connection& connection)
+{
+    QStringList all;
+    for (const models::Model& unit : connection.units)
+        all += unitOptions(program, unit.option, {}, unit.option);
+    return all;
 }
 
 QByteArray receivedImage(const Program& program, const QString& label)
@@ -63,6 +72,14 @@ QStringList faultlessJournal(const QByteArray& image)
             "closed"};
 }
 
+Outcome offer(Program& program, UpdateServer& server, const models::Connection& connection,
+              const QByteArray& image)
+{
+    STEP(publishFirmware(server, connection.stem(), offeredVersion, image, changeLog));
+    program.setVariable("http_proxy", server.proxy());
+    return {};
+}
+
 Outcome startWithUnit(Program& program, const QString& proxy, const QString& more)
 {
     program.setVariable("http_proxy", proxy);
@@ -79,8 +96,7 @@ Outcome connectUnit(Program& program, const QString& message)
 
 Outcome acceptOffer(Program& program, const QString& version)
 {
-    const QString text = "Your unit current version: " + version + "\nLatest version: 2.8";
-    STEP(program.waitForBox(offerBox(text, changeLog)));
+    STEP(program.waitForBox(offerBox(offerText(version), changeLog)));
     STEP(program.answer("Yes"));
     return program.waitFor("the stored image",
                            [](const View& view) { return view.enabled("updateDeviceButton"); });
@@ -88,7 +104,7 @@ Outcome acceptOffer(Program& program, const QString& version)
 
 Outcome declineOffer(Program& program)
 {
-    STEP(connectUnit(program, "HB4 connected"));
+    STEP(connectUnit(program));
     STEP(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     STEP(program.answer("No"));
     return program.waitForNoBox();
@@ -102,7 +118,7 @@ Outcome connectAndDownload(Program& program, const QString& message)
 
 Outcome pressUpdate(Program& program)
 {
-    STEP(connectAndDownload(program, "HB4 connected"));
+    STEP(connectAndDownload(program));
     return program.press("updateDeviceButton");
 }
 
@@ -125,13 +141,13 @@ Outcome lookHostUp(Program& program)
     program.setVariable("TALVEX_LOOKED_UP", noted);
     program.plugIn({unitOptions(program, "hb4")}); // and no proxy: the name itself is needed
     STEP(program.start());
-    STEP(connectUnit(program, "HB4 connected"));
+    STEP(connectUnit(program));
     return program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); });
 }
 
 Outcome fetchLog(Program& program, const QString& line)
 {
-    STEP(connectUnit(program, "HB4 connected"));
+    STEP(connectUnit(program));
     STEP(program.waitForNoBox());
     STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
     STEP(program.press("downloadLogFile"));
@@ -141,7 +157,8 @@ Outcome fetchLog(Program& program, const QString& line)
 Outcome awaitStream(Program& program)
 {
     return program.waitFor("the transfer under way", [](const View& view) {
-        return view.text("labelTransfer") == "Transfer: in progress" && view.value("progressBarTransfer") > 0;
+        return view.text("labelTransfer") == text::transferInProgress &&
+               view.value("progressBarTransfer") > 0;
     });
 }
 
@@ -155,9 +172,9 @@ Outcome seeFinished(Program& program)
 {
     STEP(program.waitForBox(finishedBox()));
     STEP(program.waitFor("the finished installation", [](const View& view) {
-        return view.text("labelUpdate") == "Update: finished" && !view.enabled("labelUpdate") &&
+        return view.text("labelUpdate") == text::updateFinished && !view.enabled("labelUpdate") &&
                view.value("progressBarUpdate") == 100 && !view.enabled("progressBarUpdate") &&
-               view.text("labelTransfer") == "Transfer: completed" && !view.enabled("labelTransfer") &&
+               view.text("labelTransfer") == text::transferCompleted && !view.enabled("labelTransfer") &&
                view.value("progressBarTransfer") == 100 && !view.enabled("progressBarTransfer") &&
                !view.enabled("updateDeviceButton") && !view.enabled("connect_button");
     }));
@@ -165,16 +182,25 @@ Outcome seeFinished(Program& program)
     return program.waitForExit(0);
 }
 
+Outcome leave(Program& program)
+{
+    STEP(program.closeWindow());
+    return program.waitForPromptExit(0);
+}
+
+QString offerText(const QString& version)
+{
+    return "Your unit current version: " + version + "\nLatest version: 2.8";
+}
+
 BoxText finishedBox()
 {
-    return infoBox(
-        "Update installed correctly, please close program, and disconnect/power off your controller.\n"
-        "When reconnected/power ON your device will have the latest software.");
+    return infoBox(text::finished);
 }
 
 BoxText networkProblemBox()
 {
-    return errorBox("Problem with internet connection\n");
+    return errorBox(QString(text::networkProblem) + '\n');
 }
 
 } // namespace scenario

@@ -7,6 +7,8 @@
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 class tst_blinduser : public QObject
@@ -33,6 +35,20 @@ void tst_blinduser::updatesAUnit()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DISPLAY", desktop.name());
     environment.insert("TALVEX_HANG_LIMIT_S", QString::number(limits::hangMs() / 1000));
+    environment.insert("TALVEX_TEXTS", QJsonDocument(QJsonObject{
+                                                         {"connected", models::hb4.connected},
+                                                         {"offer", scenario::offerText()},
+                                                         {"question", text::offerQuestion},
+                                                         {"transferIdle", text::transferIdle},
+                                                         {"transferDownload", text::transferDownload},
+                                                         {"transferInProgress", text::transferInProgress},
+                                                         {"transferCompleted", text::transferCompleted},
+                                                         {"updateIdle", text::updateIdle},
+                                                         {"updateInProgress", text::updateInProgress},
+                                                         {"updateFinished", text::updateFinished},
+                                                         {"finished", text::finished},
+                                                     })
+                                           .toJson());
     ChildProcess user;
     user.setProcessEnvironment(environment);
     user.setProcessChannelMode(QProcess::ForwardedChannels);

@@ -3,6 +3,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -19,7 +20,7 @@ using Deed = Outcome (*)(Program&);
 /// The write on the GUI thread: the first packet, behind the request; it would be sent once more.
 Outcome blockTransfer(Program& program)
 {
-    STEP(scenario::connectUnit(program, "HB4 connected"));
+    STEP(scenario::connectUnit(program));
     return program.press("updateDeviceButton");
 }
 
@@ -88,9 +89,9 @@ void tst_blockedwrites::addRows()
 Outcome tst_blockedwrites::endInBlockedWrite(Program& program, int blockedMs, Deed block, Deed end)
 {
     program.setVariable("TALVEX_VIRTUAL_HID_TRACE", program.scratchPath("trace"));
-    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    STEP(program.placeFile(filename::service, "image")); // so that no server is asked
     const QString options = QString(",log=%1,fault=takes-nothing:%2,fault=takes-nothing-from:2")
-                                .arg(program.ownPath("SUPER_MEGA_UPDATE.sb"))
+                                .arg(program.ownPath(filename::service))
                                 .arg(blockedMs);
     STEP(scenario::startWithUnit(program, scenario::deadProxy, options));
     STEP(block(program));

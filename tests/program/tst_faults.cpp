@@ -3,6 +3,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/transferfaults.h"
 
 #include <QCryptographicHash>
 #include <QtTest>
@@ -13,7 +14,6 @@ namespace {
 constexpr int somePolls = 6;
 
 constexpr int imageSize = 6000;
-const QString advice = "Check the connections between PC and the unit and to try the update again.";
 
 /// A label and the bar that belongs to it.
 struct Display
@@ -31,11 +31,21 @@ bool shows(const View& view, const QString& label, const QString& bar, const Dis
            view.enabled(bar) == display.enabled;
 }
 
-const Display downloaded{"Transfer: download new version", true, 100};
-const Display sent{"Transfer: in progress", true, 100};
-const Display completed{"Transfer: completed", false, 100};
-const Display idle{"Update:", false, 0};
-const Display creeping{"Update: in progress. Do not power off device!", true, -1};
+const Display idle{text::updateIdle, false, 0};
+
+/// What belongs to a label's text at the end of a transfer that went wrong.
+Display displayOf(const char* label)
+{
+    if (label == nullptr)
+        return {text::transferDownload, true, 100};
+    if (label == QString(text::transferInProgress))
+        return {label, true, 100};
+    if (label == QString(text::transferCompleted))
+        return {label, false, 100};
+    if (label == QString(text::updateInProgress))
+        return {label, true, -1};
+    return idle;
+}
 
 } // namespace
 
@@ -88,43 +98,17 @@ Outcome tst_faults::startWithUnit(Program& program, const QStringList& units)
 
 void tst_faults::transfer_data()
 {
-    QTest::addColumn<std::optional<BoxText>>("box");
     QTest::addColumn<Display>("transfer");
     QTest::addColumn<Display>("update");
-    QTest::addColumn<QStringList>("journal"); // after "opened" and the request
-
-    const std::optional<BoxText> noBox;
-    const std::optional<BoxText> timedOut = errorBox("Transfer timeout failed.\n" + advice);
-    const std::optional<BoxText> skipped = errorBox("Transfer failed. Packets skipped.\n" + advice);
-    const std::optional<BoxText> wrongDigest = errorBox("Transfer failed. Wrong md5.\n" + advice);
-    const std::optional<BoxText> rejected =
-        errorBox("Updating failed. Wrong file or some internal error.\n" + advice);
-    const std::optional<BoxText> unwritable = errorBox(advice, "Error HID device");
-    const QStringList arrived{"accepted", "image-complete size=6000"};
-
-    QTest::newRow("never-answers") << noBox << downloaded << idle << QStringList{"unanswered"};
-    QTest::newRow("refuses-timeout") << timedOut << downloaded << idle << QStringList{"refused timeout"};
-    QTest::newRow("refuses-skipped") << skipped << downloaded << idle << QStringList{"refused skipped"};
-    QTest::newRow("loses-packet:5") << wrongDigest << sent << idle
-                                    << QStringList{"accepted", "lost packet=5",
-                                                   "error packet-number expected=5 got=6",
-                                                   "image-complete size=5940", "verdict wrong-digest"};
-    QTest::newRow("wrong-digest") << wrongDigest << sent << idle
-                                  << arrived + QStringList{"verdict wrong-digest"};
-    QTest::newRow("rejects-image") << rejected << sent << idle << arrived + QStringList{"verdict rejected"};
-    QTest::newRow("installation-fails")
-        << rejected << completed << creeping << arrived + QStringList{"installing", "verdict rejected"};
-    QTest::newRow("unplugged-at:5") << noBox << sent << idle << QStringList{"accepted", "unplugged"};
-    QTest::newRow("unplugged-at:1") << noBox << downloaded << idle << QStringList{"unplugged"};
-    QTest::newRow("takes-nothing") << unwritable << downloaded << idle << QStringList();
+    for (const TransferFault& fault : transferFaults())
+        QTest::newRow(fault.option) << displayOf(fault.transfer) << displayOf(fault.update);
 }
 
 void tst_faults::transfer()
 {
-    QFETCH(std::optional<BoxText>, box);
     QFETCH(Display, transfer);
     QFETCH(Display, update);
-    QFETCH(QStringList, journal);
+    const TransferFault& expected = transferFaultOfRow();
     const auto shown = [&](const View& view) {
         return shows(view, "labelTransfer", "progressBarTransfer", transfer) &&
                shows(view, "labelUpdate", "progressBarUpdate", update) &&
@@ -135,10 +119,10 @@ void tst_faults::transfer()
     Program program(desktop);
     const QString fault = QString(",fault=") + QTest::currentDataTag();
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
-    if (box) {
-        MUST(program.waitForBox(*box));
+    if (expected.box != nullptr) {
+        MUST(program.waitForBox(errorBox(expected.box, expected.title)));
         MUST(program.waitFor("the window under the box", shown));
         MUST(program.answer("Ok"));
     }
@@ -146,12 +130,11 @@ void tst_faults::transfer()
     MUST(program.staysAway("another box", boxOpen, somePolls));
     QVERIFY2(shown(program.look()), qPrintable(program.look().describe()));
 
-    const bool requested = journal.value(0) != "unplugged" && !journal.isEmpty();
-    const QStringList expected =
-        QStringList{"opened"} + (requested ? QStringList{requestLine} : QStringList()) + journal;
-    QCOMPARE(scenario::journal(program), expected);
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    QStringList journal{"opened"};
+    if (!expected.journal.isEmpty() && expected.journal.first() != "unplugged")
+        journal += requestLine;
+    QCOMPARE(scenario::journal(program), journal + expected.journal);
+    MUST(scenario::leave(program));
 }
 
 void tst_faults::unitThatCannotBeUsed_data()
@@ -177,13 +160,12 @@ void tst_faults::unitThatCannotBeUsed()
     const View before = program.look();
     for (int press = 1; press <= 2; ++press) {
         MUST(program.press("connect_button"));
-        MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+        MUST(program.waitForBox(errorBox(text::notFound)));
         MUST(program.answer("Ok"));
         MUST(program.waitForNoBox());
     }
     QCOMPARE(program.look().describe(), before.describe());
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
     const QStringList said = program.errorOutput().split('\n');
     QCOMPARE(said.size(), 2);
     for (const QString& one : said)
@@ -195,7 +177,7 @@ void tst_faults::loneDeckBlocksConnect()
     Program program(desktop);
     MUST(startWithUnit(program, {"trk300-left", "plt65"}));
     MUST(program.press("connect_button"));
-    MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+    MUST(program.waitForBox(errorBox(text::notFound)));
     MUST(program.answer("Ok"));
     MUST(program.waitForNoBox());
 
@@ -203,15 +185,14 @@ void tst_faults::loneDeckBlocksConnect()
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
     MUST(program.staysAway("a box after the second press", boxOpen));
     QVERIFY(program.look().enabled("connect_button"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_faults::unitThatSendsNoVersion()
 {
     Program program(desktop);
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=no-version-report")}));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(scenario::acceptOffer(program, "0.0"));
     MUST(program.press("updateDeviceButton"));
     MUST(scenario::seeFinished(program));
@@ -222,7 +203,7 @@ void tst_faults::silentInstallationStopsAt99()
 {
     Program program(desktop);
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=silent-installation")}));
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
     const auto creepingAt = [](int percent) {
         return [percent](const View& view) {
@@ -236,8 +217,7 @@ void tst_faults::silentInstallationStopsAt99()
     MUST(program.waitFor("the bar at 99", creepingAt(99)));
     const auto elsewhere = [&](const View& view) { return !creepingAt(99)(view) || view.boxCount() != 0; };
     MUST(program.staysAway("anything else than 99 %", elsewhere, somePolls));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_faults::repeatedComplaintOpensFurtherBoxes()
@@ -246,12 +226,12 @@ void tst_faults::repeatedComplaintOpensFurtherBoxes()
     Program program(desktop);
     const QString fault = ",fault=wrong-digest,repeats-outcome=yes,period-ms=40";
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
     MUST(program.waitFor("a pile of boxes", [](const View& view) { return view.boxCount() == mostBoxes; }));
     MUST(program.staysAway(
         "more boxes", [](const View& view) { return view.boxCount() > mostBoxes; }, somePolls));
-    MUST(program.waitForBox(errorBox("Transfer failed. Wrong md5.\n" + advice)));
+    MUST(program.waitForBox(errorBox(text::wrongDigest)));
 }
 
 void tst_faults::repeatedSuccessEndsTheProgram()
@@ -259,7 +239,7 @@ void tst_faults::repeatedSuccessEndsTheProgram()
     Program program(desktop);
     MUST(
         startWithUnit(program, {scenario::unitOptions(program, "hb4", ",repeats-outcome=yes,period-ms=40")}));
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
     MUST(program.waitFor("a second box", [](const View& view) { return view.boxCount() > 1; }));
     MUST(program.waitForBox(scenario::finishedBox()));
@@ -279,18 +259,17 @@ void tst_faults::imageThatCannotBeSent()
     QFETCH(bool, isThere);
     Program program(desktop);
     MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4")}));
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
-    QVERIFY(QFile::remove(program.ownPath("updater.sb")));
+    MUST(scenario::connectAndDownload(program));
+    QVERIFY(QFile::remove(program.ownPath(filename::image)));
     if (isThere)
-        MUST(program.placeFile("updater.sb", {}));
+        MUST(program.placeFile(filename::image, {}));
     MUST(program.press("updateDeviceButton"));
-    MUST(program.waitForBox(errorBox("File updater is not found.\nCheck the HD free space and try again.")));
+    MUST(program.waitForBox(errorBox(text::noImage)));
     MUST(program.answer("Ok"));
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
     MUST(program.staysAway("another box", boxOpen));
     QCOMPARE(scenario::journal(program), QStringList{"opened"});
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 QTEST_GUILESS_MAIN(tst_faults)

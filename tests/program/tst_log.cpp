@@ -2,6 +2,7 @@
 
 #include "tests/harness/program.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <X11/keysym.h>
 
@@ -20,7 +21,7 @@ Outcome pressLogKeys(Program& program)
 /// The log that the program stored; nothing: not exactly one file of that kind is there.
 std::optional<QByteArray> storedLog(const Program& program)
 {
-    const QStringList files = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    const QStringList files = QDir(program.ownPath(".")).entryList({filename::anyLog}, QDir::Files);
     return files.size() == 1 ? program.fileContent(files.first()) : std::nullopt;
 }
 
@@ -36,7 +37,7 @@ QStringList complaints(const Program& program)
 
 BoxText completeBox()
 {
-    return infoBox("Download log file is complete.\nYou can find it in program directory.");
+    return infoBox(text::logComplete);
 }
 
 } // namespace
@@ -62,7 +63,7 @@ private slots:
     void earlierLogsStay();
 
 private:
-    Outcome begin(Program& program, const QString& model, const QString& message, const QString& fault = {});
+    Outcome begin(Program& program, const QString& fault, const models::Model& model = models::hb4);
 
     Desktop desktop;
     QTemporaryDir folder;
@@ -78,12 +79,13 @@ void tst_log::initTestCase()
 }
 
 /// Connects a unit that holds the log, and starts its download.
-Outcome tst_log::begin(Program& program, const QString& model, const QString& message, const QString& fault)
+Outcome tst_log::begin(Program& program, const QString& fault, const models::Model& model)
 {
-    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
-    program.plugIn({scenario::unitOptions(program, model, ",log=" + folder.filePath("unit.log") + fault)});
+    STEP(program.placeFile(filename::service, "image")); // so that no server is asked
+    program.plugIn(
+        {scenario::unitOptions(program, model.option, ",log=" + folder.filePath("unit.log") + fault)});
     STEP(program.start());
-    STEP(scenario::connectUnit(program, message));
+    STEP(scenario::connectUnit(program, model.connected));
     STEP(program.waitForNoBox());
     STEP(pressLogKeys(program));
     STEP(program.waitFor("the log button", offersLog));
@@ -95,18 +97,16 @@ Outcome tst_log::begin(Program& program, const QString& model, const QString& me
 
 void tst_log::everyKindOfLayout_data()
 {
-    QTest::addColumn<QString>("message");
-    QTest::newRow("hb4") << "HB4 connected";
-    QTest::newRow("lmb2") << "LMB-2 connected";
-    QTest::newRow("plt70") << "PLT70 connected";
-    QTest::newRow("plt65") << "PLT65 connected";
+    QTest::addColumn<UnitType>("type");
+    for (const UnitType type : {UNIT_HB4, UNIT_LMB2, UNIT_PLT70, UNIT_PLT65})
+        QTest::newRow(models::of(type).option) << type;
 }
 
 void tst_log::everyKindOfLayout()
 {
-    QFETCH(QString, message);
+    QFETCH(UnitType, type);
     Program program(desktop);
-    MUST(begin(program, QTest::currentDataTag(), message));
+    MUST(begin(program, {}, models::of(type)));
     MUST(program.waitForBox(completeBox()));
     const View view = program.look();
     QCOMPARE(view.value("progressBarTransfer"), 0);
@@ -122,7 +122,7 @@ void tst_log::everyKindOfLayout()
 void tst_log::refusedLog()
 {
     Program program(desktop);
-    MUST(begin(program, "hb4", "HB4 connected", ",fault=no-log"));
+    MUST(begin(program, ",fault=no-log"));
     MUST(program.waitForBox(completeBox()));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
@@ -146,7 +146,7 @@ void tst_log::oddLog()
 {
     QFETCH(bool, whole);
     Program program(desktop);
-    MUST(begin(program, "hb4", "HB4 connected", QString(",fault=") + QTest::currentDataTag()));
+    MUST(begin(program, QString(",fault=") + QTest::currentDataTag()));
     MUST(program.waitForBox(completeBox()));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
@@ -170,7 +170,7 @@ void tst_log::stoppedLog()
     QFETCH(int, stored);
     QFETCH(int, percent);
     Program program(desktop);
-    MUST(begin(program, "hb4", "HB4 connected", QString(",fault=") + QTest::currentDataTag()));
+    MUST(begin(program, QString(",fault=") + QTest::currentDataTag()));
     const auto stands = [&](const View& view) {
         return view.value("progressBarTransfer") == percent && view.enabled("stopDownloadingFile") &&
                !view.enabled("updateDeviceButton");
@@ -187,9 +187,8 @@ void tst_log::stoppedLog()
 void tst_log::closedInMidLog()
 {
     Program program(desktop);
-    MUST(begin(program, "hb4", "HB4 connected", ",fault=header-never-comes"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(begin(program, ",fault=header-never-comes"));
+    MUST(scenario::leave(program));
 }
 
 void tst_log::keysOfferNothing_data()
@@ -210,7 +209,7 @@ void tst_log::keysOfferNothing()
     QFETCH(QString, message);
     QFETCH(bool, updates);
     Program program(desktop);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image"));
+    MUST(program.placeFile(filename::service, "image"));
     program.plugIn(units);
     MUST(program.start());
     if (!message.isEmpty())
@@ -224,8 +223,7 @@ void tst_log::keysOfferNothing()
     }
     MUST(pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 /// An image that arrives in mid log would enable Update Device.
@@ -235,12 +233,11 @@ void tst_log::keysOfferNothingWhileTheServerIsAsked()
     QVERIFY(silent.listen(QHostAddress::LocalHost));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, "http://127.0.0.1:" + QString::number(silent.serverPort())));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
     MUST(pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 /// Logs of every second in which the program may start: its own gets another name.
@@ -255,11 +252,10 @@ void tst_log::earlierLogsStay()
         MUST(program.placeFile(earlier.last(), "pulled before"));
     }
     MUST(program.start());
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
     for (const QString& name : qAsConst(earlier))
         QCOMPARE(program.fileContent(name), std::optional(QByteArray("pulled before")));
-    const QStringList all = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    const QStringList all = QDir(program.ownPath(".")).entryList({filename::anyLog}, QDir::Files);
     QCOMPARE(all.size(), seconds + 1);
     QCOMPARE(all.filter(QRegularExpression("^[-0-9]{10}(_[0-9]{2}){3}-2_log\\.enc$")).size(), 1);
 }

@@ -3,6 +3,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -74,13 +75,12 @@ void tst_offers::unitIsUpToDate()
     MUST(publishFirmware(server, "HB4", QString::number(scenario::unitVersion), image, scenario::changeLog));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
-    MUST(program.waitForBox(infoBox("Your unit has the latest software")));
+    MUST(scenario::connectUnit(program));
+    MUST(program.waitForBox(infoBox(text::upToDate)));
     MUST(program.answer("Ok"));
     MUST(program.waitForNoBox());
     QVERIFY(!program.look().enabled("updateDeviceButton"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_offers::declinedOfferChangesNothing()
@@ -92,13 +92,12 @@ void tst_offers::declinedOfferChangesNothing()
     MUST(scenario::declineOffer(program));
     const View view = program.look();
     QVERIFY(!view.enabled("updateDeviceButton"));
-    QCOMPARE(view.text("labelTransfer"), QString("Transfer:"));
+    QCOMPARE(view.text("labelTransfer"), QString(text::transferIdle));
     QVERIFY(!view.enabled("labelTransfer"));
     QVERIFY(!view.enabled("progressBarTransfer"));
     QCOMPARE(server.requests().size(), 2); // the catalogue and the change log
-    QVERIFY(!program.fileContent("updater.sb"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    QVERIFY(!program.fileContent(filename::image));
+    MUST(scenario::leave(program));
 }
 
 void tst_offers::updaterOfferIsHandedToTheBrowser_data()
@@ -119,13 +118,11 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     MUST(placeFakeOpener(program));
     program.putFirstInPath(program.scratchPath(""));
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitForBox(
         offerBox("Your Talvex updater version: 0.11\nLatest version: 0.12", "New window.")));
     MUST(program.answer("Yes"));
-    MUST(program.waitForBox(
-        infoBox("Wait for download new Talvex Updater.\nClose program and insall new version "
-                "Talvex Updater.\nTry again update unit.")));
+    MUST(program.waitForBox(infoBox(text::handOver)));
     const QString noted = program.scratchPath("opened");
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
     QFile file(noted);
@@ -146,8 +143,7 @@ void tst_offers::updaterOfferDeclined()
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
     MUST(program.staysAway("another offer", boxOpen));
     QVERIFY(!QFile::exists(program.scratchPath("opened")));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_offers::missingOnTheServer_data()
@@ -167,7 +163,7 @@ void tst_offers::missingOnTheServer()
     server.withdraw(path);
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     if (offered) {
         MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
         MUST(program.answer("Yes"));
@@ -175,17 +171,17 @@ void tst_offers::missingOnTheServer()
     MUST(program.waitForBox(scenario::networkProblemBox()));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
-    QVERIFY(!program.fileContent("updater.sb"));
+    QVERIFY(!program.fileContent(filename::image));
 }
 
 void tst_offers::imageThatCannotBeSaved()
 {
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
     Program program(desktop);
-    MUST(program.placeFile("updater.sb", "an older image"));
+    MUST(program.placeFile(filename::image, "an older image"));
     QVERIFY(QDir().mkpath(program.ownPath("updater.sb.upd/in the way")));
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     MUST(program.answer("Yes"));
     MUST(program.waitForBox(
@@ -193,7 +189,7 @@ void tst_offers::imageThatCannotBeSaved()
                  "unit and to try the update again.")));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
-    QVERIFY(!program.fileContent("updater.sb")); // an older image must never be taken for the new one
+    QVERIFY(!program.fileContent(filename::image)); // an older image must never be taken for the new one
 }
 
 void tst_offers::announcedSize_data()
@@ -214,7 +210,7 @@ void tst_offers::announcedSize()
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, large, scenario::changeLog));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     MUST(program.answer("Yes"));
     if (isReported) {
@@ -224,7 +220,7 @@ void tst_offers::announcedSize()
     } else {
         MUST(program.waitFor("the image",
                              [](const View& view) { return view.enabled("updateDeviceButton"); }));
-        QVERIFY(program.fileContent("updater.sb") == large); // not compared aloud
+        QVERIFY(program.fileContent(filename::image) == large); // not compared aloud
         MUST(program.closeWindow());
     }
     MUST(program.waitForPromptExit(0));

@@ -2,6 +2,7 @@
 
 #include "tests/harness/program.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -30,7 +31,7 @@ void tst_offline::noServer()
 {
     Program program(desktop);
     MUST(scenario::startWithUnit(program, scenario::deadProxy));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitForBox(scenario::networkProblemBox()));
     QVERIFY2(program.errorOutput().contains("Error by download info file"),
              qPrintable(program.errorOutput()));
@@ -41,15 +42,15 @@ void tst_offline::noServer()
 void tst_offline::localImageIsInstalledWithoutServer()
 {
     Program program(desktop);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", image));
+    MUST(program.placeFile(filename::service, image));
     MUST(scenario::startWithUnit(program, scenario::deadProxy));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.press("updateDeviceButton"));
     MUST(scenario::seeFinished(program));
     QCOMPARE(scenario::receivedImage(program), image);
     QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
-    QCOMPARE(program.fileContent("SUPER_MEGA_UPDATE.sb"), std::optional(image));
-    QVERIFY(!program.fileContent("updater.sb"));
+    QCOMPARE(program.fileContent(filename::service), std::optional(image));
+    QVERIFY(!program.fileContent(filename::image));
 }
 
 QTEST_GUILESS_MAIN(tst_offline)

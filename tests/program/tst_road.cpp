@@ -3,48 +3,14 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
 namespace {
 
-struct Model
-{
-    const char* option;  ///< as the virtual unit is told
-    const char* stem;    ///< its keys in the catalogue
-    const char* message; ///< shown on connection
-};
-
-constexpr std::array models{
-    Model{"hb4", "HB4", "HB4 connected"},           Model{"hb2", "HB2", "HB2 connected"},
-    Model{"hbx", "HBX", "HBX connected"},           Model{"zeq-pro", "ZEQPRO", "ZEQ PRO connected"},
-    Model{"zeq-io", "ZEQPRO", "ZEQ IO connected"},  Model{"panel2v", "PANEL", "PANEL2V connected"},
-    Model{"panel4v", "PANEL", "PANEL4V connected"}, Model{"dsk10", "DSK10", "DSK10/DSK9 connected"},
-    Model{"dsk6", "DSK10", "DSK6/DSK5 connected"},  Model{"lmb1", "LMB1", "LMB-1 connected"},
-    Model{"lmb2", "LMB2", "LMB-2 connected"},       Model{"plt70", "PLT70", "PLT70 connected"},
-    Model{"plt65", "PLT70", "PLT65 connected"},
-};
-
-constexpr std::array pairs{
-    Model{"trk300", "PLT70", "TRK300 connected"},
-    Model{"trk900", "PLT70", "TRK900 connected"},
-};
-
 /// Nothing, one packet more or less, and a hundred whole ones.
 constexpr std::array sizes{1, 59, 60, 61, 120, 6000};
-
-template<std::size_t count> void addRows(const std::array<Model, count>& list)
-{
-    QTest::addColumn<QString>("option");
-    QTest::addColumn<QString>("stem");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<int>("size");
-    for (const Model& model : list) {
-        for (const int size : sizes)
-            QTest::addRow("%s, %d bytes", model.option, size)
-                << model.option << model.stem << model.message << size;
-    }
-}
 
 } // namespace
 
@@ -55,10 +21,8 @@ class tst_road : public QObject
 private slots:
     void initTestCase();
 
-    void everyModel_data() { addRows(models); }
+    void everyModel_data();
     void everyModel();
-    void everyPair_data() { addRows(pairs); }
-    void everyPair();
     void secondRunKeepsTheFirstImage();
     void largeImage();
 
@@ -90,57 +54,39 @@ void tst_road::expectRequests(const QString& stem)
     QCOMPARE(asked, expected);
 }
 
-void tst_road::everyModel()
+void tst_road::everyModel_data()
 {
-    QFETCH(QString, option);
-    QFETCH(QString, stem);
-    QFETCH(QString, message);
-    QFETCH(int, size);
-    const QByteArray image = scenario::image(size);
-    MUST(publishFirmware(server, stem, scenario::offeredVersion, image, scenario::changeLog));
-    server.forgetRequests();
-
-    Program program(desktop);
-    program.setVariable("http_proxy", server.proxy());
-    program.plugIn({scenario::unitOptions(program, option)});
-    MUST(program.start());
-    MUST(scenario::connectAndDownload(program, message));
-    QVERIFY(!program.look().enabled("connect_button"));
-    QCOMPARE(program.look().text("labelTransfer"), QString("Transfer: download new version"));
-    MUST(program.press("updateDeviceButton"));
-    MUST(scenario::seeFinished(program));
-
-    QCOMPARE(scenario::receivedImage(program), image);
-    QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
-    QCOMPARE(program.errorOutput(), QString());
-    expectRequests(stem);
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("size");
+    for (const models::Connection& connection : models::connections())
+        for (const int size : sizes)
+            QTest::addRow("%s, %d bytes", connection.name.constData(), size) << connection.name << size;
 }
 
-void tst_road::everyPair()
+void tst_road::everyModel()
 {
-    QFETCH(QString, option);
-    QFETCH(QString, stem);
-    QFETCH(QString, message);
+    QFETCH(QByteArray, name);
     QFETCH(int, size);
+    const models::Connection connection = models::connectionOf(name);
     const QByteArray image = scenario::image(size);
-    MUST(publishFirmware(server, stem, scenario::offeredVersion, image, scenario::changeLog));
     server.forgetRequests();
 
     Program program(desktop);
-    program.setVariable("http_proxy", server.proxy());
-    program.plugIn({scenario::unitOptions(program, option + "-left", {}, "left"),
-                    scenario::unitOptions(program, option + "-right", {}, "right")});
+    MUST(scenario::offer(program, server, connection, image));
+    program.plugIn(scenario::options(program, connection));
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program, message));
+    MUST(scenario::connectAndDownload(program, connection.message()));
+    QVERIFY(!program.look().enabled("connect_button"));
+    QCOMPARE(program.look().text("labelTransfer"), QString(text::transferDownload));
     MUST(program.press("updateDeviceButton"));
     MUST(scenario::seeFinished(program));
 
-    for (const QString deck : {"left", "right"}) {
-        QCOMPARE(scenario::receivedImage(program, deck), image);
-        QCOMPARE(scenario::journal(program, deck), scenario::faultlessJournal(image));
+    for (const models::Model& unit : connection.units) {
+        QCOMPARE(scenario::receivedImage(program, unit.option), image);
+        QCOMPARE(scenario::journal(program, unit.option), scenario::faultlessJournal(image));
     }
     QCOMPARE(program.errorOutput(), QString());
-    expectRequests(stem);
+    expectRequests(connection.stem());
 }
 
 void tst_road::secondRunKeepsTheFirstImage()
@@ -152,13 +98,13 @@ void tst_road::secondRunKeepsTheFirstImage()
     Program program(desktop);
     program.setVariable("http_proxy", server.proxy());
     program.plugIn({scenario::unitOptions(program, "hb4")});
-    MUST(program.placeFile("updater.sb", first));
-    MUST(program.placeFile("updater.sb.bkp", "the image before that"));
+    MUST(program.placeFile(filename::image, first));
+    MUST(program.placeFile(filename::backup, "the image before that"));
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
-    QCOMPARE(program.fileContent("updater.sb"), second);
-    QCOMPARE(program.fileContent("updater.sb.bkp"), first);
-    QVERIFY(!QFile::exists(program.ownPath("updater.sb.upd")));
+    MUST(scenario::connectAndDownload(program));
+    QCOMPARE(program.fileContent(filename::image), second);
+    QCOMPARE(program.fileContent(filename::backup), first);
+    QVERIFY(!QFile::exists(program.ownPath(filename::download)));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0));
 }
@@ -173,9 +119,9 @@ void tst_road::largeImage()
     program.setVariable("http_proxy", server.proxy());
     program.plugIn({scenario::unitOptions(program, "hb4")});
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
-    MUST(program.waitForText("labelTransfer", "Transfer: in progress"));
+    MUST(program.waitForText("labelTransfer", text::transferInProgress));
     const auto underWay = [](const View& view) {
         const int percent = view.value("progressBarTransfer");
         return percent > 2 && percent < 100 && view.enabled("progressBarTransfer") &&

@@ -1,6 +1,7 @@
 // The window as a user meets it after the start, and the wiring behind it.
 
 #include "tests/harness/program.h"
+#include "tests/support/windowtables.h"
 
 #include <QJsonArray>
 #include <QtTest>
@@ -84,69 +85,30 @@ void tst_window::titleAndSize()
 
 void tst_window::controls_data()
 {
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QRect>("geometry"); // null: the layout decides
-    QTest::addColumn<QString>("text");   // null: not looked at
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<bool>("visible");
-    QTest::addColumn<QString>("whatsThis");
-
-    const QString none;
-    QTest::newRow("centralWidget") << "QWidget"
-                                   << "MainWindow" << QRect(0, 0, 488, 440) << none << true << true << "";
-    QTest::newRow("progressBarTransfer")
-        << "QProgressBar"
-        << "centralWidget" << QRect(20, 160, 451, 21) << none << false << true << "Transfer progress";
-    QTest::newRow("progressBarUpdate")
-        << "QProgressBar"
-        << "centralWidget" << QRect(20, 260, 451, 21) << none << false << true << "";
-    QTest::newRow("layoutWidget") << "QWidget"
-                                  << "centralWidget" << QRect(10, 410, 471, 32) << none << true << true << "";
-    QTest::newRow("connect_button") << "QPushButton"
-                                    << "layoutWidget" << QRect() << "Connect" << true << true << "";
-    QTest::newRow("updateDeviceButton")
-        << "QPushButton"
-        << "layoutWidget" << QRect() << "Update Device" << false << true << "";
-    QTest::newRow("labelTransfer") << "QLabel"
-                                   << "centralWidget" << QRect(20, 120, 411, 16) << "Transfer:" << false
-                                   << true << "";
-    QTest::newRow("labelUpdate") << "QLabel"
-                                 << "centralWidget" << QRect(20, 230, 411, 16) << "Update:" << false << true
-                                 << "";
-    QTest::newRow("downloadLogFile") << "QPushButton"
-                                     << "centralWidget" << QRect(250, 380, 231, 23) << "Download log file"
-                                     << false << false << "";
-    QTest::newRow("stopDownloadingFile")
-        << "QPushButton"
-        << "centralWidget" << QRect(250, 350, 231, 23) << "Stop downloading log file" << true << false << "";
+    QTest::addColumn<QString>("name");
+    for (const windowtable::Control& control : windowtable::controls())
+        QTest::newRow(control.name) << control.name;
 }
 
 void tst_window::controls()
 {
-    QFETCH(QString, className);
-    QFETCH(QString, parent);
-    QFETCH(QRect, geometry);
-    QFETCH(QString, text);
-    QFETCH(bool, enabled);
-    QFETCH(bool, visible);
-    QFETCH(QString, whatsThis);
-
-    const QJsonObject control = view.widget(QTest::currentDataTag());
+    QFETCH(QString, name);
+    const windowtable::Control& expected = windowtable::control(name);
+    const QJsonObject control = view.widget(name);
     QVERIFY2(!control.isEmpty(), "no such control");
-    QCOMPARE(control["class"].toString(), className);
-    QCOMPARE(control["parent"].toString(), parent);
-    if (!geometry.isNull())
+    QCOMPARE(control["class"].toString(), QString(expected.type));
+    QCOMPARE(control["parent"].toString(), QString(expected.parent));
+    if (!expected.geometry.isNull())
         QCOMPARE(QRect(control["x"].toInt(), control["y"].toInt(), control["width"].toInt(),
                        control["height"].toInt()),
-                 geometry);
-    if (!text.isNull())
-        QCOMPARE(control["text"].toString(), text);
-    if (className == "QProgressBar")
+                 expected.geometry);
+    if (control["class"] == "QProgressBar")
         QCOMPARE(control["value"].toInt(-1), 0);
-    QCOMPARE(control["enabled"].toBool(), enabled);
-    QCOMPARE(control["visible"].toBool(), visible);
-    QCOMPARE(control["whatsThis"].toString(), whatsThis);
+    else if (expected.text != nullptr)
+        QCOMPARE(control["text"].toString(), QString(expected.text));
+    QCOMPARE(control["enabled"].toBool(), expected.enabled);
+    QCOMPARE(control["visible"].toBool(), expected.visible);
+    QCOMPARE(control["whatsThis"].toString(), QString(expected.whatsThis));
 }
 
 void tst_window::nothingElseIsShown()
@@ -156,11 +118,7 @@ void tst_window::nothingElseIsShown()
     for (const QJsonValue& widget : widgets)
         names += widget.toObject()["name"].toString();
     names.sort();
-    const QStringList expected{"centralWidget",       "connect_button",    "downloadLogFile",
-                               "labelTransfer",       "labelUpdate",       "layoutWidget",
-                               "progressBarTransfer", "progressBarUpdate", "stopDownloadingFile",
-                               "updateDeviceButton"};
-    QCOMPARE(names, expected);
+    QCOMPARE(names, windowtable::controlNames());
     QCOMPARE(view.boxCount(), 0);
 }
 
@@ -184,7 +142,7 @@ void tst_window::onlyConnectResponds()
     QVERIFY(!program->look().targetOfWidget("downloadLogFile")); // not to be seen, so not to be clicked
     QVERIFY(!program->look().targetOfWidget("stopDownloadingFile"));
     MUST(program->press("connect_button"));
-    MUST(program->waitForBox(errorBox("Device is not found.\nPlease connect.")));
+    MUST(program->waitForBox(errorBox(text::notFound)));
     MUST(program->answer("Ok"));
     MUST(program->waitForNoBox());
     QVERIFY(program->look().enabled("connect_button"));
@@ -192,28 +150,7 @@ void tst_window::onlyConnectResponds()
 
 void tst_window::methodsOfTheWindow()
 {
-    const QStringList expected{
-        "signal needDownloadNewFirmware() ",
-        "signal needDownloadNewMainFirmware() ",
-        "signal notNeedDownloadNewFirmware() ",
-        "signal needDataCompleted(int) type",
-        "slot onFindNewVersion(QString,QString) newVersion,detailText",
-        "slot onFindMainNewVersion(QString,QString) newVersion,detailText",
-        "slot onChangeUpdateFileName(QString) filename",
-        "slot onStartDownloadMainUpdate() ",
-        "slot dataCompleted(int) type",
-        "slot onLogDownloadFinished() ",
-        "slot connectSlot() ",
-        "slot updateDevice() ",
-        "slot transmitSlot() ",
-        "slot timerSlot() ",
-        "slot updateFakeProgressSlot() ",
-        "slot onYouHaveLastVersion() ",
-        "slot onYouHaveProblem(QString,QString) ,msg2",
-        "slot on_downloadLogFile_pressed() ",
-        "slot on_stopDownloadingFile_pressed() ",
-    };
-    QCOMPARE(methodsOf(*program, "MainWindow").join('\n'), expected.join('\n'));
+    QCOMPARE(methodsOf(*program, "MainWindow").join('\n'), windowtable::methods.join('\n'));
 }
 
 void tst_window::connectionsInOrder()
@@ -228,30 +165,9 @@ void tst_window::connectionsInOrder()
         QVERIFY2(row["connected"].toBool(), qPrintable(connectionLine(row)));
         QCOMPARE(row["type"].toInt(), static_cast<int>(Qt::AutoConnection));
     }
-    const QStringList expected{
-        "QThread started () -> LogDownloader process ()",
-        "connect_button clicked() -> MainWindow connectSlot()",
-        "updateDeviceButton clicked() -> MainWindow updateDevice()",
-        "UpdateChecker findMainNewVersion(QString,QString) -> MainWindow onFindMainNewVersion(QString, "
-        "QString)",
-        "UpdateChecker findNewVersion(QString,QString) -> MainWindow onFindNewVersion(QString, QString)",
-        "UpdateChecker downloadProgress(int) -> progressBarTransfer setValue(int)",
-        "LogDownloader logDownloadProgress(int) -> progressBarTransfer setValue(int)",
-        "LogDownloader logDownloadFinished() -> MainWindow onLogDownloadFinished()",
-        "LogDownloader needwaitLogFileMd5() -> LogDownloader waitLogFileMd5()",
-        "LogDownloader needreadLogPart() -> LogDownloader readLogPart()",
-        // The acknowledgement is sent by the downloader itself, on its own thread.
-        "LogDownloader needdataCompleted(int) -> LogDownloader dataCompleted(int)",
-        "LogDownloader needresendMessage(int) -> LogDownloader resendMessage(int)",
-        "MainWindow needDataCompleted(int) -> LogDownloader dataCompleted(int)",
-        "UpdateChecker newUpdateFileDownloaded(bool) -> updateDeviceButton setEnabled(bool)",
-        "UpdateChecker youHaveLastVersion() -> MainWindow onYouHaveLastVersion()",
-        "UpdateChecker youHaveProblem(QString,QString) -> MainWindow onYouHaveProblem(QString,QString)",
-        "UpdateChecker changeUpdateFileName(QString) -> MainWindow onChangeUpdateFileName(QString)",
-        "UpdateChecker startDownloadMainUpdate() -> MainWindow onStartDownloadMainUpdate()",
-        "MainWindow needDownloadNewFirmware() -> UpdateChecker onNeedDownloadNewFirmware()",
-        "MainWindow needDownloadNewMainFirmware() -> UpdateChecker onNeedDownloadNewMainFirmware()",
-    };
+    QStringList expected;
+    for (const windowtable::Connection& row : windowtable::connections())
+        expected += QString("%1 %2 -> %3 %4").arg(row.sender, row.signal, row.receiver, row.slot);
     QCOMPARE(made.join('\n'), expected.join('\n'));
 }
 

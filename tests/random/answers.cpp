@@ -1,6 +1,7 @@
 #include "tests/random/answers.h"
 
 #include "tests/net/scene.h"
+#include "tests/support/models.h"
 
 namespace {
 
@@ -18,20 +19,16 @@ QByteArrayList pieces(const QByteArray& bytes)
 /// Half of the body that the head announces.
 QByteArray half(const QByteArray& body)
 {
-    return httpHead({"HTTP/1.1 200 OK", "Content-Length: " + QByteArray::number(body.size() + 1)}) +
-           body.left(body.size() / 2);
+    return announced(body.size() + 1, body.left(body.size() / 2));
 }
 
 RawServer::Answer answerOf(Way way, const QByteArray& body, const QString& elsewhere)
 {
-    const QByteArray lengthOfHalf = "Content-Length: " + QByteArray::number(body.size() / 2);
     switch (way) {
     case Way::whole:
         return ok(body);
     case Way::inChunks:
-        return {{httpHead({"HTTP/1.1 200 OK", "Transfer-Encoding: chunked"}) +
-                 chunked(body, body.size() / 3 + 1)},
-                RawServer::End::keepOpen};
+        return {{inChunks(body, body.size() / 3 + 1)}, RawServer::End::keepOpen};
     case Way::dripping:
         return {pieces(httpAnswer("200 OK", body)), RawServer::End::keepOpen};
     case Way::redirected:
@@ -39,13 +36,13 @@ RawServer::Answer answerOf(Way way, const QByteArray& body, const QString& elsew
     case Way::compressed:
         return ok(gzip(body), {"Content-Encoding: gzip"});
     case Way::overlong:
-        return {{httpHead({"HTTP/1.1 200 OK", lengthOfHalf}) + body}};
+        return {{announced(body.size() / 2, body)}};
     case Way::cut:
         return {{half(body)}};
     case Way::reset:
         return {{half(body)}, RawServer::End::reset};
     case Way::silent:
-        return {{}, RawServer::End::keepOpen};
+        return silence();
     case Way::stalling:
         return {{half(body)}, RawServer::End::keepOpen};
     case Way::notFound:
@@ -56,26 +53,26 @@ RawServer::Answer answerOf(Way way, const QByteArray& body, const QString& elsew
     return {};
 }
 
-QByteArray entries(const RawServer& server, const Plan& plan)
+QByteArray goodCatalogue(const RawServer& server, const Plan& plan)
 {
     using Kind = Plan::Catalogue;
     const virtualunit::Options unit = plan.units.empty() ? virtualunit::Options{} : plan.units.back();
-    const QString stem = unitModels.at(static_cast<std::size_t>(unit.type)).catalogueStem;
+    const QString stem = models::of(unit.type).stem;
     const QString noPath = server.address({});
     const int version = plan.catalogue == Kind::same    ? unit.version
                         : plan.catalogue == Kind::older ? unit.version - 1
                                                         : unit.version + 1;
-    QStringList lines{"[updater]", "MainVer=" + QString(plan.catalogue == Kind::newerUpdater ? "12" : "11"),
-                      "MainChangeLog=" + server.address(path::mainChangeLog),
-                      "MacMainBin=http://upd.test/updater.zip", stem + "Ver=" + QString::number(version)};
-    if (plan.catalogue != Kind::incomplete)
-        lines +=
-            stem + "Bin=" + (plan.catalogue == Kind::noPathToImage ? noPath : server.address(path::image));
-    lines += stem + "ChangeLog=" +
-             (plan.catalogue == Kind::noPathToChangeLog ? noPath : server.address(path::changeLog));
-    if (plan.catalogue == Kind::oversized)
-        lines += QString(11000, '-');
-    return (lines.join("\r\n") + "\r\n").toUtf8();
+    CatalogueEntries entries =
+        catalogueEntries(stem, QString::number(version),
+                         plan.catalogue == Kind::noPathToImage ? noPath : server.address(imagePath),
+                         plan.catalogue == Kind::noPathToChangeLog ? noPath : server.address(changeLogPath));
+    entries["MainChangeLog"] = server.address(mainChangeLogPath);
+    if (plan.catalogue == Kind::newerUpdater)
+        entries["MainVer"] = "12";
+    if (plan.catalogue == Kind::incomplete)
+        entries.remove(stem + "Bin");
+    const QByteArray text = "[updater]\r\n" + catalogueText(entries, "\r\n");
+    return plan.catalogue == Kind::oversized ? text + QByteArray(11000, '-') : text;
 }
 
 QByteArray catalogueOf(const RawServer& server, const Plan& plan)
@@ -86,7 +83,7 @@ QByteArray catalogueOf(const RawServer& server, const Plan& plan)
     case Plan::Catalogue::broken:
         return QByteArray("\xFF\xFE no entry here\n\n").repeated(20);
     default:
-        return entries(server, plan);
+        return goodCatalogue(server, plan);
     }
 }
 
@@ -99,7 +96,7 @@ void setAnswers(RawServer& server, const Plan& plan)
         server.setAnswer("/elsewhere" + at, ok(body));
     };
     set(cataloguePath, plan.catalogueWay, catalogueOf(server, plan));
-    set(path::changeLog, plan.changeLogWay, "What is new:\r\n- everything\r\n");
-    set(path::mainChangeLog, plan.changeLogWay, "A better updater\n");
-    set(path::image, plan.imageWay, plan.image);
+    set(changeLogPath, plan.changeLogWay, "What is new:\r\n- everything\r\n");
+    set(mainChangeLogPath, plan.changeLogWay, "A better updater\n");
+    set(imagePath, plan.imageWay, plan.image);
 }

@@ -1,7 +1,8 @@
 #include "tests/random/judge.h"
 
 #include "tests/random/answers.h"
-#include "tests/support/closing.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 
 #include <algorithm>
 #include <array>
@@ -88,7 +89,7 @@ void judgeInstalled(const Plan& plan, const Ending& ending, QStringList& wrong)
 /// that repeats its outcome is told so again, meant so.
 void judgeClosing(const Plan& plan, const Ending& ending, QStringList& wrong)
 {
-    const qsizetype count = closing::count(ending.boxes);
+    const qsizetype count = boxline::closing(ending.boxes);
     const bool repeats = anyUnit(plan, [](const virtualunit::Options& unit) { return unit.repeatsOutcome; });
     const bool allFinished = count == ending.boxes.count(boxline::finished);
     if (count == 0 && !ending.endedByUser)
@@ -105,7 +106,7 @@ void judgeDisk(const Plan& plan, const Ending& ending, QStringList& wrong)
     const ImageFiles& before = ending.before;
     const ImageFiles& after = ending.after;
     const std::optional<QByteArray> arriving = plan.arrivingImage();
-    const bool asked = ending.asked.contains(path::image);
+    const bool asked = ending.asked.contains(imagePath);
     if (!(asked && arriving) && !(after == before))
         wrong += "the image's files have changed without an image";
     const bool replaced = asked && arriving && !after.image.isNull() && after.image == *arriving;
@@ -175,10 +176,10 @@ QString outcomeOf(const Ending& ending)
 {
     const std::array<std::pair<QString, const char*>, 12> rows{{
         {boxline::finished, "finished"},
-        {closing::logComplete, "log complete"},
-        {closing::handOver, "handed over"},
-        {closing::notSaved, "not saved"},
-        {closing::noInternet, "network problem"},
+        {boxline::logComplete, "log complete"},
+        {boxline::handOver, "handed over"},
+        {boxline::notSaved, "not saved"},
+        {boxline::noInternet, "network problem"},
         {boxline::wrongDigest, "wrong digest"},
         {boxline::rejected, "rejected"},
         {boxline::timedOut, "timed out"},
@@ -190,7 +191,7 @@ QString outcomeOf(const Ending& ending)
     for (const auto& [line, outcome] : rows)
         if (ending.boxes.contains(line))
             return outcome;
-    if (ending.boxes.contains(informationBox("Your unit has the latest software")))
+    if (ending.boxes.contains(boxline::upToDate))
         return "up to date";
     return ending.last.updatePressed ? "ended in an update" : "ended before an update";
 }

@@ -1,4 +1,5 @@
 #include "tests/random/plan.h"
+#include "tests/support/models.h"
 
 #include <QStringList>
 
@@ -37,7 +38,7 @@ QString fileText(const char* name, const QByteArray& content)
 QString describe(const virtualunit::Options& unit)
 {
     QString text = QString("  unit: %1, version %2, period %3 ms, accepts after %4 ms, installs in %5 ms")
-                       .arg(unitModels.at(unit.type).connectedMessage)
+                       .arg(models::of(unit.type).option)
                        .arg(unit.version)
                        .arg(unit.periodMs)
                        .arg(unit.acceptMs)
@@ -86,7 +87,7 @@ QString Plan::dueOutcome() const
     });
     if (user != "steady" || !isFaultless() || image.isEmpty() || !outcomeStays)
         return {};
-    if (units.size() == 1 && findUnitModel(units.front().type)->pairMessage != nullptr)
+    if (units.size() == 1 && models::of(units.front().type).isDeck())
         return {}; // one deck alone is none
     if (hasServiceFile || catalogue == Catalogue::newer)
         return "finished";

@@ -1,6 +1,7 @@
 #include "tests/random/plan.h"
 
 #include "tests/random/draw.h"
+#include "tests/support/models.h"
 
 #include <algorithm>
 #include <array>
@@ -11,14 +12,18 @@ using virtualunit::Fault;
 
 UnitType deckOf(Draw& draw)
 {
-    return draw.oneOf({UNIT_TRK300_LEFT, UNIT_TRK900_LEFT});
+    std::vector<UnitType> lefts;
+    for (const models::Connection& connection : models::connections())
+        if (connection.units.size() == 2)
+            lefts.push_back(connection.units.first().type);
+    return lefts.at(static_cast<std::size_t>(draw.below(static_cast<int>(lefts.size()))));
 }
 
 UnitType singleModel(Draw& draw)
 {
     for (;;) {
-        const auto type = static_cast<UnitType>(draw.below(static_cast<int>(unitModels.size())));
-        if (findUnitModel(type)->pairMessage == nullptr)
+        const auto type = static_cast<UnitType>(draw.below(models::count));
+        if (!models::of(type).isDeck())
             return type;
     }
 }

@@ -5,6 +5,7 @@
 #include "tests/random/user.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/limits.h"
+#include "tests/support/texts.h"
 
 #include <QApplication>
 #include <QDir>
@@ -25,7 +26,7 @@ void takeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 
 QString imageName()
 {
-    return QCoreApplication::applicationDirPath() + "/updater.sb";
+    return QCoreApplication::applicationDirPath() + '/' + filename::image;
 }
 
 void write(const QString& name, const QByteArray& content)
@@ -54,12 +55,12 @@ QString takenName(Plan::Taken taken)
 ImageFiles prepareDisk(const Plan& plan)
 {
     QDir directory(QCoreApplication::applicationDirPath());
-    for (const QString& name : directory.entryList({"SUPER_MEGA_UPDATE.sb", "*_log.enc"}))
+    for (const QString& name : directory.entryList({filename::service, filename::anyLog}))
         directory.remove(name);
     if (!ImageFiles{plan.oldImage, plan.oldDownload, plan.oldBackup}.placeAt(imageName()))
         qFatal("cannot place the image's files");
     if (plan.hasServiceFile)
-        write(directory.filePath("SUPER_MEGA_UPDATE.sb"), plan.image);
+        write(directory.filePath(filename::service), plan.image);
     if (const QString taken = takenName(plan.taken); !taken.isEmpty()) {
         QFile::remove(taken);
         if (!directory.mkdir(taken))
@@ -73,7 +74,7 @@ QList<QByteArray> readLogs()
 {
     QList<QByteArray> logs;
     const QDir directory(QCoreApplication::applicationDirPath());
-    for (const QString& name : directory.entryList({"*_log.enc"})) {
+    for (const QString& name : directory.entryList({filename::anyLog})) {
         QFile file(directory.filePath(name));
         logs += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
     }

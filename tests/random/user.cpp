@@ -1,8 +1,9 @@
 #include "tests/random/user.h"
 
 #include "tests/random/answers.h"
-#include "tests/support/closing.h"
+#include "tests/support/boxlines.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>
@@ -85,14 +86,14 @@ void User::look()
 {
     readBoxes();
     seen.handleOpen = virtualbus::openHandles() > 0;
-    seen.logEndTold = lines.contains(closing::logComplete);
+    seen.logEndTold = lines.contains(boxline::logComplete);
     const bool imageAsked =
-        !imageArrived && server.requests().size() > 2 && server.paths().contains(path::image);
+        !imageArrived && server.requests().size() > 2 && server.paths().contains(imagePath);
     const bool neverEnds = plan.imageWay == Plan::Way::silent || plan.imageWay == Plan::Way::stalling;
     seen.awaitsForEver = imageAsked && neverEnds;
     if (const auto arriving = plan.arrivingImage(); imageAsked && arriving)
         imageArrived =
-            ImageFiles::at(QCoreApplication::applicationDirPath() + "/updater.sb").image == *arriving;
+            ImageFiles::at(QCoreApplication::applicationDirPath() + '/' + filename::image).image == *arriving;
     seen.imageThere = plan.hasServiceFile || imageArrived;
     if (!endedIt)
         lookAtControls();
@@ -119,7 +120,7 @@ void User::lookAtControls()
 /// Once a closing message is dismissed, or the user has ended the program, it must not go on.
 void User::lookForTheEnd()
 {
-    const bool told = closing::count(lines) > 0 && boxes.openCount() == 0;
+    const bool told = boxline::closing(lines) > 0 && boxes.openCount() == 0;
     if (!told && !endedIt)
         return;
     if (++endingTurns > turnsIn(longestEndMs)) {

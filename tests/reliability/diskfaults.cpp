@@ -1,5 +1,6 @@
 #include "tests/reliability/computer.h"
 #include "tests/reliability/faults.h"
+#include "tests/support/texts.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -42,7 +43,7 @@ void takeName(const char* name)
 
 void resizeImage(qint64 bytes)
 {
-    if (!QFile::resize(beside("updater.sb"), bytes))
+    if (!QFile::resize(beside(filename::image), bytes))
         qFatal("cannot resize the image");
 }
 
@@ -54,7 +55,7 @@ std::vector<FaultRow> diskFaults()
     constexpr auto stored = "only storing a download uses this name";
     constexpr auto readOnce = "the image is read once, when Update Device is pressed";
     const auto fill = [] { computer::fillDisk(10000); };
-    const auto lose = [] { QFile::remove(beside("updater.sb")); };
+    const auto lose = [] { QFile::remove(beside(filename::image)); };
     return {
         {"disk",
          "is full",
@@ -68,16 +69,16 @@ std::vector<FaultRow> diskFaults()
         {"disk",
          "has a directory named like the download",
          stored,
-         {{at(Phase::store, [] { takeName("updater.sb.upd"); }), outcome::notSavedBackup}}},
+         {{at(Phase::store, [] { takeName(filename::download); }), outcome::notSavedBackup}}},
         {"disk",
          "has a directory named like the backup",
          stored,
-         {{at(Phase::store, [] { takeName("updater.sb.bkp"); }), outcome::notSaved}}},
+         {{at(Phase::store, [] { takeName(filename::backup); }), outcome::notSaved}}},
         {"disk",
          "has a directory named like the image",
          "only storing a download and pressing Update Device use this name",
-         {{at(Phase::store, [] { takeName("updater.sb"); }), outcome::updatedWithoutBackup},
-          {withoutImageAtThePress([] { takeName("updater.sb"); }), outcome::noFile}}},
+         {{at(Phase::store, [] { takeName(filename::image); }), outcome::updatedWithoutBackup},
+          {withoutImageAtThePress([] { takeName(filename::image); }), outcome::noFile}}},
         {"disk", "has lost the image", readOnce, {{withoutImageAtThePress(lose), outcome::noFile}}},
         {"disk",
          "has an empty image",

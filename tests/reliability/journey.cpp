@@ -3,6 +3,8 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
 #include "tests/support/limits.h"
+#include "tests/support/models.h"
+#include "tests/support/texts.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>
@@ -41,8 +43,7 @@ RawServer::Answer heldBack(const QByteArray& body)
 /// Comes before anything can go wrong, or is an offer.
 bool belongsToTheRoad(const SeenBox& box)
 {
-    return box.kind == "plain" || box.text.endsWith("connected") ||
-           box.text.endsWith("has the latest software");
+    return box.icon == "NoIcon" || box.text.endsWith("connected") || box.text == text::upToDate;
 }
 
 void say(const QString& line)
@@ -54,13 +55,13 @@ void say(const QString& line)
 qint64 logOnDisk()
 {
     const QDir directory(QCoreApplication::applicationDirPath());
-    const QFileInfoList logs = directory.entryInfoList({"*_log.enc"});
+    const QFileInfoList logs = directory.entryInfoList({filename::anyLog});
     return logs.isEmpty() ? 0 : logs.first().size();
 }
 
-QByteArray stemOf(const std::vector<virtualunit::Options>& units)
+const char* stemOf(const std::vector<virtualunit::Options>& units)
 {
-    return unitModels.at(units.empty() ? UNIT_HB4 : units.front().type).catalogueStem;
+    return models::of(units.empty() ? UNIT_HB4 : units.front().type).stem;
 }
 
 /// The request for this path has come.
@@ -71,16 +72,17 @@ bool asked(const RawServer& server, const char* path)
 
 } // namespace
 
-QByteArray catalogueOf(const QByteArray& stem, const QByteArray& version)
+QByteArray catalogueOf(const QString& stem, const QString& version)
 {
-    return "MainVer=11\nMainChangeLog=http://vendor.example/main.txt\nMacMainBin=http://vendor.example/"
-           "main.zip\n" +
-           stem + "Ver=" + version + '\n' + stem + "Bin=http://vendor.example" + imagePath + '\n' + stem +
-           "ChangeLog=http://vendor.example" + changeLogPath + '\n';
+    const QString host = "http://vendor.example";
+    return catalogueText(catalogueEntries(stem, version, host + imagePath, host + changeLogPath));
 }
 
 Journey::Journey(Cell plan)
-    : scenario(std::move(plan.scenario)), expected(std::move(plan.expected)), mainWindow(findWindow())
+    : scenario(std::move(plan.scenario)),
+      expected(std::move(plan.expected)),
+      mainWindow(findWindow()),
+      state(inside::of(*mainWindow))
 {
     qputenv("http_proxy", server.address({}).toUtf8());
     server.setAnswer(cataloguePath,
@@ -114,8 +116,7 @@ void Journey::listenToTheProgram()
         logAsked = true;
         lookAtThePhase();
     });
-    connect(mainWindow->logDownloader, &LogDownloader::logDownloadProgress, this,
-            [this] { lookAtThePhase(); });
+    connect(&state.logDownloader, &LogDownloader::logDownloadProgress, this, [this] { lookAtThePhase(); });
 }
 
 /// One look at the program, and what a user does on it.
@@ -171,24 +172,24 @@ bool Journey::isAtPhase() const
     case Phase::identification: // both within the press of Connect
         return true;
     case Phase::catalogue:
-        return mainWindow->updateChecker->reply != nullptr;
+        return inside::of(*mainWindow->leftovers().checker).reply != nullptr;
     case Phase::changeLog:
         return asked(server, changeLogPath);
     case Phase::download:
     case Phase::store:
         return asked(server, imagePath);
     case Phase::request:
-        return mainWindow->requestSent == 1 || (updatePressed && mainWindow->applyingPhase == 1);
+        return state.requestSent == 1 || (updatePressed && state.applyingPhase == 1);
     case Phase::stream:
-        return mainWindow->packetNumber >= packetsBeforeTheFault;
+        return state.packetNumber >= packetsBeforeTheFault;
     case Phase::installation:
-        return mainWindow->fakeProgressActive == 1;
+        return state.fakeProgressActive == 1;
     case Phase::logHeader:
         return logAsked;
     case Phase::logParts:
         return logOnDisk() >= partsBeforeTheFault * partLength;
     case Phase::quit:
-        return mainWindow->endTold;
+        return state.endTold;
     }
     return false;
 }
@@ -197,7 +198,7 @@ bool Journey::isAtPhase() const
 QStringList Journey::visible() const
 {
     QStringList all{QString::number(boxes.seen().size()),      QString::number(boxes.openCount()),
-                    QString::number(mainWindow->packetNumber), QString::number(logOnDisk()),
+                    QString::number(state.packetNumber),       QString::number(logOnDisk()),
                     QString::number(server.requests().size()), QString::number(server.bytesSent())};
     const auto labels = mainWindow->findChildren<QLabel*>();
     for (const QLabel* label : labels)
@@ -230,7 +231,7 @@ QStringList Journey::boxTexts() const
     QStringList texts;
     for (const SeenBox& box : boxes.seen())
         if (!belongsToTheRoad(box))
-            texts += (box.text + ' ' + box.informativeText).simplified();
+            texts += (box.text + ' ' + box.informative).simplified();
     texts.removeDuplicates();
     return texts;
 }

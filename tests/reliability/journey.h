@@ -3,6 +3,8 @@
 #include "tests/reliability/journeyfiles.h"
 #include "tests/reliability/outcome.h"
 #include "tests/support/boxes.h"
+#include "tests/support/cataloguetext.h"
+#include "tests/support/inside.h"
 #include "tests/support/rawserver.h"
 #include "ui/mainwindow.h"
 #include "virtualunit/options.h"
@@ -98,6 +100,7 @@ private:
     Scenario scenario;
     Outcome expected;
     MainWindow* mainWindow;
+    inside::Window state; ///< of the window
     QTimer clock;
     QTimer boxesOpen;
     QStringList lastSeen;
@@ -112,8 +115,4 @@ private:
 };
 
 /// A catalogue with this version for the units of one key stem.
-[[nodiscard]] QByteArray catalogueOf(const QByteArray& stem, const QByteArray& version);
-
-inline constexpr auto cataloguePath = "/wp-content/uploads/versions.txt";
-inline constexpr auto changeLogPath = "/HB4.txt";
-inline constexpr auto imagePath = "/HB4.sb";
+[[nodiscard]] QByteArray catalogueOf(const QString& stem, const QString& version);

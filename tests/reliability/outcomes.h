@@ -2,7 +2,6 @@
 
 #include "tests/reliability/outcome.h"
 #include "tests/support/boxlines.h"
-#include "tests/support/closing.h"
 
 /// The outcomes that the journeys are expected to have.
 namespace outcome {
@@ -37,15 +36,15 @@ inline const Outcome oneDeckRejected{box(boxline::rejected), unitword::oneDeckUp
 /// @{
 inline const Outcome notFound{box(boxline::notFound), unitword::untouched, diskword::oldImage,
                               endword::waits};
-inline const Outcome noInternet{box(closing::noInternet), unitword::untouched, diskword::oldImage,
+inline const Outcome noInternet{box(boxline::noInternet), unitword::untouched, diskword::oldImage,
                                 endword::ends};
 inline const Outcome declined{{}, unitword::untouched, diskword::oldImage, endword::waits};
 /// @}
 
 /// The image's file is another than usual.
 /// @{
-inline const Outcome notSaved{box(closing::notSaved), unitword::untouched, diskword::oldImage, endword::ends};
-inline const Outcome notSavedBackup{box(closing::notSaved), unitword::untouched, diskword::onlyBackup,
+inline const Outcome notSaved{box(boxline::notSaved), unitword::untouched, diskword::oldImage, endword::ends};
+inline const Outcome notSavedBackup{box(boxline::notSaved), unitword::untouched, diskword::onlyBackup,
                                     endword::ends};
 inline const Outcome noFile{box(boxline::noFile), unitword::notUpdated, diskword::onlyBackup, endword::waits};
 inline const Outcome updatedWithoutBackup{box(boxline::finished), unitword::updated, diskword::onlyNewImage,
@@ -56,11 +55,11 @@ inline const Outcome updatedByCutImage{box(boxline::finished), unitword::updated
 
 /// The unit's log: told to be complete, or never.
 /// @{
-inline const Outcome wholeLog{box(closing::logComplete), {}, diskword::wholeLog, endword::ends};
-inline const Outcome cutLog{box(closing::logComplete), {}, diskword::cutLog, endword::ends};
-inline const Outcome otherLog{box(closing::logComplete), {}, diskword::otherLog, endword::ends};
-inline const Outcome emptyLog{box(closing::logComplete), {}, diskword::emptyLog, endword::ends};
-inline const Outcome noLog{box(closing::logComplete), {}, diskword::noLog, endword::ends};
+inline const Outcome wholeLog{box(boxline::logComplete), {}, diskword::wholeLog, endword::ends};
+inline const Outcome cutLog{box(boxline::logComplete), {}, diskword::cutLog, endword::ends};
+inline const Outcome otherLog{box(boxline::logComplete), {}, diskword::otherLog, endword::ends};
+inline const Outcome emptyLog{box(boxline::logComplete), {}, diskword::emptyLog, endword::ends};
+inline const Outcome noLog{box(boxline::logComplete), {}, diskword::noLog, endword::ends};
 inline const Outcome awaitsHeader{{}, {}, diskword::emptyLog, endword::waits};
 inline const Outcome awaitsPart{{}, {}, diskword::cutLog, endword::waits};
 /// @}

@@ -53,8 +53,7 @@ FaultRow row(const char* name, const Three& expected, const std::function<Answer
 
 QByteArray promising(const Asked& asked, int missing)
 {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(asked.body.size() + missing) +
-           "\r\n\r\n" + asked.body;
+    return announced(asked.body.size() + missing, asked.body);
 }
 
 Answer redirectTo(const char* address)
@@ -65,12 +64,10 @@ Answer redirectTo(const char* address)
 /// The program's patience of 30 s is over at once.
 FaultRow silent()
 {
-    FaultRow silent = row("says nothing for 30 s", allBad, [](const Asked&) {
-        return Answer{{}, End::keepOpen};
-    });
+    FaultRow silent = row("says nothing for 30 s", allBad, [](const Asked&) { return silence(); });
     for (Cell& cell : silent.cells)
         cell.scenario.fault = [](Journey& journey) {
-            QTimer* timer = journey.window().updateChecker->timeoutTimer;
+            auto* timer = journey.window().leftovers().checker->findChild<QTimer*>();
             QTimerEvent event(timer->timerId());
             QCoreApplication::sendEvent(timer, &event);
         };
@@ -127,26 +124,17 @@ std::vector<FaultRow> serverFaults()
             }),
         row("sends chunks", allGood,
             [](const Asked& asked) {
-                return Answer{
-                    {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunked(asked.body, 11)},
-                    End::keepOpen};
+                return Answer{{inChunks(asked.body, 11)}, End::keepOpen};
             }),
         row("cuts between two chunks", allBad,
-            [](const Asked& asked) {
-                return Answer{{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
-                               chunked(asked.body, 11).chopped(5)}};
-            }),
+            [](const Asked& asked) { return Answer{{inChunks(asked.body, 11).chopped(5)}}; }),
         row("compresses", onlyImageBad,
             [](const Asked& asked) {
                 return ok(qCompress(asked.body).mid(4), {"Content-Encoding: deflate"});
             }),
         row("announces neither length nor end", allGood,
-            [](const Asked& asked) { return Answer{{"HTTP/1.1 200 OK\r\n\r\n" + asked.body}}; }),
-        row("never ends", allBad,
-            [piece](const Asked&) {
-                return Answer{
-                    {"HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n", piece}, End::close, false, true};
-            }),
+            [](const Asked& asked) { return Answer{{unannounced(asked.body)}}; }),
+        row("never ends", allBad, [piece](const Asked&) { return endless(piece); }),
         row("is a captive portal", onlyChangeLogGood,
             [page](const Asked&) { return ok(page, {"Content-Type: text/html"}); }),
         row("sends an empty answer", imageEmpty, [](const Asked&) { return ok(""); }),

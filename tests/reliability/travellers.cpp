@@ -2,6 +2,7 @@
 
 #include "tests/harness/processtime.h"
 #include "tests/reliability/journeyfiles.h"
+#include "tests/support/texts.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -27,7 +28,7 @@ Traveller::Traveller(const QString& program, const QStringList& arguments)
     const QString own = directory.filePath("talvex-journey");
     if (!directory.isValid() || link(QFile::encodeName(program), QFile::encodeName(own)) != 0)
         qFatal("cannot make %s", qPrintable(own));
-    QFile image(directory.filePath("updater.sb"));
+    QFile image(directory.filePath(filename::image));
     if (!image.open(QIODevice::WriteOnly) || image.write(oldImage) < 0)
         qFatal("cannot write %s", qPrintable(image.fileName()));
     image.close();

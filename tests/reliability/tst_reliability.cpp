@@ -2,6 +2,7 @@
 #include "tests/reliability/outcome.h"
 #include "tests/reliability/travellers.h"
 #include "tests/support/limits.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -18,10 +19,10 @@ struct Disk
     QByteArray log;
 
     explicit Disk(const Traveller& traveller)
-        : image(traveller.file("updater.sb")),
-          backup(traveller.file("updater.sb.bkp")),
-          download(traveller.file("updater.sb.upd")),
-          log(traveller.file("*_log.enc"))
+        : image(traveller.file(filename::image)),
+          backup(traveller.file(filename::backup)),
+          download(traveller.file(filename::download)),
+          log(traveller.file(filename::anyLog))
     {
     }
 

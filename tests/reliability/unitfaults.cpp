@@ -98,15 +98,15 @@ std::vector<FaultRow> anyByte()
          "nothing is read from the unit then, or as in the installation (quit); for a log, see below",
          {},
          {{Phase::identification, "the version is read, whatever the status says",
-           "tst_everybyte::firstReport"},
+           "tst_identification::anyReport"},
           {Phase::request,
            "0x9_ starts the stream, 0xA_ and 0xB_ show their boxes and nothing is sent, all others are "
            "ignored",
-           "tst_everybyte::answerToTheRequest"},
-          {Phase::stream, "the stream goes on: nothing is read before its end", "tst_everybyte::inTheStream"},
+           "tst_transferanswers::status"},
+          {Phase::stream, "the stream goes on: nothing is read before its end", "tst_transfer::anyStatusInTheStream"},
           {Phase::installation,
            "0xE_ is shown as progress, 0xF_ as success, 0x7_ and 0xC_ as errors, all others are ignored",
-           "tst_everybyte::inTheInstallation"}}},
+           "tst_installation::ignored"}}},
         {"unit",
          "sends any reply code (256)",
          "a unit answers like this only while its log is fetched",
@@ -114,10 +114,10 @@ std::vector<FaultRow> anyByte()
          {{Phase::logHeader,
            "0x60 ends with “Download log file is complete.…” and an empty file, all others but the header "
            "are ignored",
-           "tst_everybyte::insteadOfTheHeader"},
+           "tst_logdownloader::anyByteInsteadOfTheHeader"},
           {Phase::logParts,
            "0x40 and 0x50 are parts and are stored; for all others the unit is asked to send again",
-           "tst_everybyte::insteadOfAPart"}}},
+           "tst_logdownloader::anyByteInsteadOfAPart"}}},
     };
 }
 

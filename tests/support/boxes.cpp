@@ -1,9 +1,9 @@
 #include "tests/support/boxes.h"
 
-#include <QAbstractButton>
+#include "tests/support/buttonname.h"
+
 #include <QApplication>
 #include <QKeyEvent>
-#include <QPushButton>
 #include <QTimer>
 
 #include <algorithm>
@@ -13,38 +13,18 @@ namespace {
 
 constexpr int lookEveryMs = 1;
 
-QString kindOf(QMessageBox::Icon icon)
-{
-    switch (icon) {
-    case QMessageBox::Information:
-        return "information";
-    case QMessageBox::Critical:
-        return "critical";
-    case QMessageBox::NoIcon:
-        return "plain";
-    default:
-        return "other";
-    }
-}
-
-QString labelOf(const QAbstractButton* button)
-{
-    return button == nullptr ? QString() : button->text().remove('&');
-}
-
 SeenBox describe(const QMessageBox& box)
 {
     SeenBox seen;
-    seen.kind = kindOf(box.icon());
+    seen.icon = QMetaEnum::fromType<QMessageBox::Icon>().valueToKey(box.icon());
     seen.title = box.windowTitle();
     seen.text = box.text();
-    seen.informativeText = box.informativeText();
-    seen.detailedText = box.detailedText();
+    seen.informative = box.informativeText();
+    seen.detailed = box.detailedText();
     const auto buttons = box.buttons();
-    for (const QAbstractButton* button : buttons)
-        seen.buttons += labelOf(button);
-    seen.buttons.sort();
-    seen.defaultButton = labelOf(box.defaultButton());
+    for (QAbstractButton* button : buttons)
+        seen.buttons += nameOf(box, button);
+    seen.defaultButton = nameOf(box, box.defaultButton());
     seen.hasParent = box.parentWidget() != nullptr;
     return seen;
 }
@@ -55,21 +35,6 @@ void pressDefault(QMessageBox& box)
 }
 
 } // namespace
-
-QString SeenBox::line() const
-{
-    return (QStringList{kind, title, text} + buttons).join('|');
-}
-
-QString criticalBox(const QString& text, const QString& title)
-{
-    return QStringList{"critical", title, text, "OK"}.join('|');
-}
-
-QString informationBox(const QString& text)
-{
-    return QStringList{"information", "Info", text, "OK"}.join('|');
-}
 
 Boxes::Boxes() : answer(pressDefault)
 {

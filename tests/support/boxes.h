@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/boxtext.h"
+
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
@@ -9,25 +11,11 @@
 #include <functional>
 #include <vector>
 
-/// A message box as a user sees it.
-struct SeenBox
+/// A box that came up.
+struct SeenBox : BoxText
 {
-    QString kind; ///< "information", "critical", "plain"
-    QString title;
-    QString text;
-    QString informativeText;
-    QString detailedText;
-    QStringList buttons; ///< "OK", "Yes", ... without "&", in alphabetical order
-    QString defaultButton;
     bool hasParent = false;
-
-    /// "critical|Error|text|OK": the parts that every box has.
-    [[nodiscard]] QString line() const;
 };
-
-/// The line of the usual box with one Ok button.
-[[nodiscard]] QString criticalBox(const QString& text, const QString& title = "Error");
-[[nodiscard]] QString informationBox(const QString& text);
 
 /// The user in front of message boxes: notes each one that opens and answers it, so that no box ever holds a
 /// test up. GUI thread.
@@ -49,7 +37,7 @@ public:
 
     [[nodiscard]] int openCount() const;
     [[nodiscard]] const std::vector<SeenBox>& seen() const { return all; }
-    [[nodiscard]] QStringList lines() const; ///< SeenBox::line() of each box so far, in the order they opened
+    [[nodiscard]] QStringList lines() const; ///< BoxText::line() of each box so far, in the order they opened
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override; ///< sees every box come up

@@ -1,31 +1,48 @@
 #pragma once
 
 #include "tests/support/boxes.h"
+#include "tests/support/models.h"
+#include "tests/support/texts.h"
 
-/// The boxes that an update can bring up, as Boxes::lines() gives them.
+#include <algorithm>
+
+/// The boxes that an update or a log can bring up, as Boxes::lines() gives them.
 namespace boxline {
 
-inline const QString notFound = criticalBox("Device is not found.\nPlease connect.");
-inline const QString noFile =
-    criticalBox("File updater is not found.\nCheck the HD free space and try again.");
-inline const QString noRequest = criticalBox(
-    "Check the connections between PC and the unit and to try the update again.", "Error HID device");
-inline const QString timedOut =
-    criticalBox("Transfer timeout failed.\nCheck the connections between PC and the unit and to try the "
-                "update again.");
-inline const QString skipped =
-    criticalBox("Transfer failed. Packets skipped.\nCheck the connections between PC and the unit and to try "
-                "the update again.");
+inline const QString notFound = errorBox(text::notFound).line();
+inline const QString noFile = errorBox(text::noImage).line();
+inline const QString noRequest = errorBox(text::noRequest, text::deviceError).line();
+inline const QString timedOut = errorBox(text::timedOut).line();
+inline const QString skipped = errorBox(text::skipped).line();
 inline const QString behindTheEnd =
-    "critical|Error|Cannot read from file updater|Check the HD free space and try again.";
-inline const QString wrongDigest =
-    criticalBox("Transfer failed. Wrong md5.\nCheck the connections between PC and the unit and to try the "
-                "update again.");
-inline const QString rejected =
-    criticalBox("Updating failed. Wrong file or some internal error.\nCheck the connections between PC and "
-                "the unit and to try the update again.");
-inline const QString finished =
-    informationBox("Update installed correctly, please close program, and disconnect/power off your "
-                   "controller.\nWhen reconnected/power ON your device will have the latest software.");
+    QStringList{"Critical", text::error, text::behindTheEnd, text::behindTheEndAdvice}.join('|');
+inline const QString wrongDigest = errorBox(text::wrongDigest).line();
+inline const QString rejected = errorBox(text::rejected).line();
+inline const QString upToDate = infoBox(text::upToDate).line();
+inline const QString finished = infoBox(text::finished).line();
+inline const QString logComplete = infoBox(text::logComplete).line();
+inline const QString handOver = infoBox(text::handOver).line();
+inline const QString noInternet = errorBox(QString(text::networkProblem) + '\n').line();
+inline const QString notSaved = errorBox(QString(text::savingProblem) + '\n' + text::savingAdvice).line();
+
+/// A unit is connected by itself, or together with its twin.
+/// @{
+[[nodiscard]] inline QString connected(UnitType type)
+{
+    return infoBox(models::of(type).connected).line();
+}
+[[nodiscard]] inline QString pairConnected(UnitType type)
+{
+    return infoBox(models::of(type).pair).line();
+}
+/// @}
+
+/// How many of them end the program.
+[[nodiscard]] inline qsizetype closing(const QStringList& lines)
+{
+    const QStringList all{finished, logComplete, handOver, noInternet, notSaved};
+    return std::count_if(lines.begin(), lines.end(),
+                         [&all](const QString& line) { return all.contains(line); });
+}
 
 } // namespace boxline

@@ -249,14 +249,34 @@ RawServer::Answer ok(const QByteArray& body, const QByteArrayList& furtherHeader
     return {{httpAnswer("200 OK", body, furtherHeaders)}, RawServer::End::keepOpen};
 }
 
-QByteArray chunked(const QByteArray& body, int chunkSize)
+QByteArray announced(qsizetype length, const QByteArray& body)
 {
-    QByteArray bytes;
+    return httpHead({"HTTP/1.1 200 OK", "Content-Length: " + QByteArray::number(length)}) + body;
+}
+
+QByteArray unannounced(const QByteArray& body)
+{
+    return httpHead({"HTTP/1.1 200 OK"}) + body;
+}
+
+QByteArray inChunks(const QByteArray& body, int chunkSize)
+{
+    QByteArray bytes = httpHead({"HTTP/1.1 200 OK", "Transfer-Encoding: chunked"});
     for (int start = 0; start < body.size(); start += chunkSize) {
         const QByteArray chunk = body.mid(start, chunkSize);
         bytes += QByteArray::number(chunk.size(), 16) + "\r\n" + chunk + "\r\n";
     }
     return bytes + "0\r\n\r\n";
+}
+
+RawServer::Answer silence()
+{
+    return {{}, RawServer::End::keepOpen};
+}
+
+RawServer::Answer endless(const QByteArray& piece)
+{
+    return {{httpHead({"HTTP/1.1 200 OK", "Connection: close"}), piece}, RawServer::End::close, false, true};
 }
 
 QByteArrayList drops(const QByteArray& bytes)

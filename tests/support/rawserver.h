@@ -84,8 +84,20 @@ private:
 /// Status 200 with this body, in one piece; the connection stays open.
 [[nodiscard]] RawServer::Answer ok(const QByteArray& body, const QByteArrayList& furtherHeaders = {});
 
-/// The body in chunked transfer coding, `chunkSize` bytes each; whole, with its end mark.
-[[nodiscard]] QByteArray chunked(const QByteArray& body, int chunkSize);
+/// Status 200 and a body whose length is said to be `length`, whatever it is.
+[[nodiscard]] QByteArray announced(qsizetype length, const QByteArray& body);
+
+/// Status 200 and a body of which neither length nor end is told.
+[[nodiscard]] QByteArray unannounced(const QByteArray& body);
+
+/// Status 200 and the body in chunks of so many bytes.
+[[nodiscard]] QByteArray inChunks(const QByteArray& body, int chunkSize);
+
+/// The request is taken, nothing comes.
+[[nodiscard]] RawServer::Answer silence();
+
+/// This piece for ever.
+[[nodiscard]] RawServer::Answer endless(const QByteArray& piece);
 
 /// Every byte by itself.
 [[nodiscard]] QByteArrayList drops(const QByteArray& bytes);

@@ -3,6 +3,7 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
 #include "tests/support/limits.h"
+#include "tests/support/texts.h"
 #include "update/sleepinhibitor.h"
 #include "update/transferstate.h"
 #include "virtualunit/hidapi/virtualbus.h"
@@ -28,7 +29,7 @@ void takePendingQuit()
 void clearProgramDirectory()
 {
     QDir directory(QCoreApplication::applicationDirPath());
-    const QStringList left = directory.entryList({"updater.sb*", "SUPER_MEGA_UPDATE.sb", "*_log.enc"});
+    const QStringList left = directory.entryList({"updater.sb*", filename::service, filename::anyLog});
     for (const QString& name : left)
         directory.remove(name);
 }
@@ -56,15 +57,15 @@ TestWindow::TestWindow()
 TestWindow::~TestWindow()
 {
     clearProgramState();
-    UpdateChecker* const checker = window->updateChecker;
-    LogDownloader* const downloader = window->logDownloader;
+    UpdateChecker* const oldChecker = &checker();
+    LogDownloader* const oldDownloader = &downloader();
     QThread* const worker = window->leftovers().worker;
     window.reset();
     worker->quit();
     worker->wait();
-    delete downloader;
+    delete oldDownloader;
     delete worker;
-    delete checker;
+    delete oldChecker;
     clearProgramDirectory();
 }
 
@@ -94,7 +95,7 @@ void placeFile(const QString& name, const QByteArray& content)
 
 void placeServiceFile(const QByteArray& image)
 {
-    placeFile("SUPER_MEGA_UPDATE.sb", image);
+    placeFile(filename::service, image);
 }
 
 void expectDiagnostic(const QString& beginning)

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "tests/support/boxes.h"
+#include "tests/support/inside.h"
 #include "ui/mainwindow.h"
+#include "virtualunit/hidapi/virtualbus.h"
 
 #include <QByteArray>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
 
 #include <functional>
 #include <memory>
@@ -24,10 +27,24 @@ public:
 
     MainWindow* operator->() const { return window.get(); }
     MainWindow& operator*() const { return *window; }
+    [[nodiscard]] UpdateChecker& checker() const { return *window->leftovers().checker; }
+    [[nodiscard]] LogDownloader& downloader() const { return state().logDownloader; }
+    /// What the window keeps to itself.
+    [[nodiscard]] inside::Window state() const { return inside::of(*window); }
 
     [[nodiscard]] QPushButton& button(const char* name) const { return child<QPushButton>(name); }
     [[nodiscard]] QLabel& label(const char* name) const { return child<QLabel>(name); }
     [[nodiscard]] QProgressBar& bar(const char* name) const { return child<QProgressBar>(name); }
+
+    /// A click of the mouse on it.
+    void press(const char* name) const { QTest::mouseClick(&button(name), Qt::LeftButton); }
+
+    /// Connect; the search gives back all that it asked the HID library for.
+    void pressConnect() const
+    {
+        press("connect_button");
+        QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
+    }
 
     /// Texts, values, enabled and visible states of all controls, to compare one moment with another.
     [[nodiscard]] QStringList controls() const;

@@ -1,52 +1,18 @@
 #include "tests/support/transferdesk.h"
 
-#include <hidapi.h>
-
-#include <algorithm>
-
-namespace {
-
-hid_device* open(const ScriptedUnit& unit)
-{
-    hid_device* const handle = hid_open_path(unit.path().c_str());
-    if (handle == nullptr)
-        qFatal("cannot open %s", unit.path().c_str());
-    return handle;
-}
-
-/// One packet with the number and the data; fewer than 60 bytes make the final packet.
-Bytes packetOf(ReportLayout layout, int number, const QByteArray& data)
-{
-    const bool isPlayer = layout.headerOffset == 60;
-    const std::size_t header = isPlayer ? 61 : 1;
-    const std::size_t first = isPlayer ? 1 : 5;
-    Bytes packet(65, 0);
-    if (data.size() < 60) {
-        packet[header] = 0xD0;
-        packet[header + 1] = static_cast<std::uint8_t>(data.size());
-    } else {
-        packet[header] = static_cast<std::uint8_t>(number >> 24 & 0x0F);
-        packet[header + 1] = static_cast<std::uint8_t>(number >> 16 & 0xFF);
-    }
-    packet[header + 2] = static_cast<std::uint8_t>(number >> 8 & 0xFF);
-    packet[header + 3] = static_cast<std::uint8_t>(number & 0xFF);
-    std::copy(data.begin(), data.end(), packet.begin() + static_cast<std::ptrdiff_t>(first));
-    return packet;
-}
-
-} // namespace
+#include "tests/support/wire.h"
 
 TransferDesk::TransferDesk(UnitType type, std::optional<UnitType> secondType)
     : unit(ScriptedUnit::plugIn(type))
 {
-    window->unitType = type;
-    window->headerOffset = unit->layout.headerOffset;
-    window->payloadOffset = unit->layout.payloadOffset;
-    window->device = open(*unit);
+    window.state().unitType = type;
+    window.state().headerOffset = unit->layout.headerOffset;
+    window.state().payloadOffset = unit->layout.payloadOffset;
+    window.state().device = unit->opened();
     if (secondType) {
         second = ScriptedUnit::plugIn(*secondType);
-        window->secondDevice = open(*second);
-        window->deckCount = 2;
+        window.state().secondDevice = second->opened();
+        window.state().deckCount = 2;
     }
     callsBefore = virtualbus::calls().size();
 }
@@ -82,17 +48,17 @@ QStringList TransferDesk::calls() const
 QString TransferDesk::phase() const
 {
     return QString("%1 %2 %3 %4")
-        .arg(window->transferStarted)
-        .arg(window->applyingPhase)
-        .arg(window->requestSent)
-        .arg(window->packetNumber);
+        .arg(window.state().transferStarted)
+        .arg(window.state().applyingPhase)
+        .arg(window.state().requestSent)
+        .arg(window.state().packetNumber);
 }
 
-std::vector<Bytes> packetsOf(ReportLayout layout, const QByteArray& image)
+std::vector<Bytes> packetsOf(const models::Model& model, const QByteArray& image)
 {
     std::vector<Bytes> packets;
-    for (int number = 1; (number - 1) * 60 <= image.size(); ++number)
-        packets.push_back(packetOf(layout, number, image.mid((number - 1) * 60, 60)));
+    for (const QByteArray& packet : wire::packets(model, image))
+        packets.push_back(bytesOf(packet));
     return packets;
 }
 

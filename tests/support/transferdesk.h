@@ -12,7 +12,7 @@ public:
     explicit TransferDesk(UnitType type, std::optional<UnitType> second = {});
 
     /// The image, as Update Device reads it from its file.
-    void load(const QByteArray& image) { window->firmwareData = image; }
+    void load(const QByteArray& image) { window.state().firmwareData = image; }
 
     /// So many ticks of the transfer's timer, one after the other.
     void tick(int count = 1);
@@ -39,6 +39,6 @@ private:
 };
 
 /// The packets that carry an image: full ones, then the final one. 65 bytes each.
-[[nodiscard]] std::vector<Bytes> packetsOf(ReportLayout layout, const QByteArray& image);
+[[nodiscard]] std::vector<Bytes> packetsOf(const models::Model& model, const QByteArray& image);
 
 [[nodiscard]] QByteArray hexOf(const Bytes& bytes);

@@ -1,6 +1,8 @@
 // What the window tells assistive technology, and its use without a mouse.
 
+#include "tests/support/boxlines.h"
 #include "tests/support/testwindow.h"
+#include "tests/support/texts.h"
 
 #include <QAccessible>
 #include <QScrollBar>
@@ -80,8 +82,8 @@ void TestAccessibility::barTellsWhatItShows()
 void TestAccessibility::textIsTheName_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::newRow("labelTransfer") << "Transfer: in progress";
-    QTest::newRow("labelUpdate") << "Update: finished";
+    QTest::newRow("labelTransfer") << text::transferInProgress;
+    QTest::newRow("labelUpdate") << text::updateFinished;
     QTest::newRow("connect_button") << "Connect";
     QTest::newRow("updateDeviceButton") << "Update Device";
     QTest::newRow("downloadLogFile") << "Download log file";
@@ -175,7 +177,7 @@ void TestAccessibility::spacePressesAButton()
 {
     TestWindow window;
     QTest::keyClick(&window.button("connect_button"), Qt::Key_Space);
-    QCOMPARE(window.boxes.lines(), QStringList{criticalBox("Device is not found.\nPlease connect.")});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
 }
 
 void TestAccessibility::changeLogIsReachedByTab()

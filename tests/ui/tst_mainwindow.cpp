@@ -1,6 +1,7 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
 #include "tests/support/testwindow.h"
+#include "tests/support/windowtables.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QDir>
@@ -26,12 +27,10 @@ private slots:
     void members();
     void firmwareFileIsBesideTheProgram();
     void window();
-    void widget_data();
-    void widget();
-    void widgetsAreThese();
+    void control_data();
+    void control();
+    void controlsAreThese();
     void buttonRow();
-    void startingState_data();
-    void startingState();
     void translatedTexts();
     void onlyConnectResponds();
     void logWorker();
@@ -49,28 +48,29 @@ void TestMainWindow::initTestCase()
 void TestMainWindow::members()
 {
     TestWindow window;
-    QVERIFY(window->updateChecker != nullptr);
-    QVERIFY(window->logDownloader != nullptr);
-    QCOMPARE(window->updaterFile.fileName(), QCoreApplication::applicationDirPath() + "/updater.sb");
-    QVERIFY(!window->updaterFile.isOpen());
-    QVERIFY(window->firmwareData.isEmpty());
-    QCOMPARE(window->transferStarted, 0);
-    QCOMPARE(window->applyingPhase, 0);
-    QCOMPARE(window->requestSent, 0);
-    QCOMPARE(window->updateSize, 1);
-    QCOMPARE(window->packetNumber, 0);
-    QCOMPARE(window->fakeProgressActive, 0);
-    QCOMPARE(window->device, static_cast<hid_device*>(nullptr));
-    QCOMPARE(window->secondDevice, static_cast<hid_device*>(nullptr));
-    QVERIFY(window->pendingDeckInfo != nullptr);
-    QCOMPARE(window->pendingDeckInfo->path, static_cast<char*>(nullptr));
-    QCOMPARE(int{window->deckCount}, 1);
-    QVERIFY(!window->firstDeckSeen);
-    QCOMPARE(window->reserveBlock.size(), std::size_t{25});
-    QVERIFY(std::ranges::all_of(window->reserveBlock, [](unsigned char byte) { return byte == 0; }));
-    QVERIFY(!window->logAckPending);
+    QVERIFY(&window.checker() != nullptr);
+    QVERIFY(&window.downloader() != nullptr);
+    QCOMPARE(window.state().updaterFile.fileName(),
+             QCoreApplication::applicationDirPath() + '/' + filename::image);
+    QVERIFY(!window.state().updaterFile.isOpen());
+    QVERIFY(window.state().firmwareData.isEmpty());
+    QCOMPARE(window.state().transferStarted, 0);
+    QCOMPARE(window.state().applyingPhase, 0);
+    QCOMPARE(window.state().requestSent, 0);
+    QCOMPARE(window.state().updateSize, 1);
+    QCOMPARE(window.state().packetNumber, 0);
+    QCOMPARE(window.state().fakeProgressActive, 0);
+    QCOMPARE(window.state().device, static_cast<hid_device*>(nullptr));
+    QCOMPARE(window.state().secondDevice, static_cast<hid_device*>(nullptr));
+    QVERIFY(window.state().pendingDeckInfo != nullptr);
+    QCOMPARE(window.state().pendingDeckInfo->path, static_cast<char*>(nullptr));
+    QCOMPARE(int{window.state().deckCount}, 1);
+    QVERIFY(!window.state().firstDeckSeen);
+    QCOMPARE(window.state().reserveBlock.size(), std::size_t{25});
+    QVERIFY(std::ranges::all_of(window.state().reserveBlock, [](unsigned char byte) { return byte == 0; }));
+    QVERIFY(!window.state().logAckPending);
     QCOMPARE(virtualbus::calls().size(), std::size_t{0}); // nothing is contacted before Connect is pressed
-    QVERIFY(!window->updateChecker->isBusy());
+    QVERIFY(!window.checker().isBusy());
 }
 
 void TestMainWindow::firmwareFileIsBesideTheProgram()
@@ -80,7 +80,8 @@ void TestMainWindow::firmwareFileIsBesideTheProgram()
     QVERIFY(QDir::setCurrent(elsewhere.path()));
     TestWindow window;
     QVERIFY(QDir::setCurrent(before));
-    QCOMPARE(window->updaterFile.fileName(), QCoreApplication::applicationDirPath() + "/updater.sb");
+    QCOMPARE(window.state().updaterFile.fileName(),
+             QCoreApplication::applicationDirPath() + '/' + filename::image);
 }
 
 void TestMainWindow::window()
@@ -95,56 +96,42 @@ void TestMainWindow::window()
     QVERIFY(window->findChild<QToolBar*>() == nullptr);
 }
 
-void TestMainWindow::widget_data()
+void TestMainWindow::control_data()
 {
-    const QRect fromTheLayout;
-    QTest::addColumn<QByteArray>("type");
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QRect>("geometry");
-    QTest::addColumn<QString>("whatsThis");
-    const QByteArray bar = "QProgressBar";
-    const QByteArray button = "QPushButton";
-    const QByteArray label = "QLabel";
-    const QString centre = "centralWidget";
-    QTest::newRow("centralWidget") << QByteArray("QWidget") << "MainWindow" << fromTheLayout << "";
-    QTest::newRow("progressBarTransfer") << bar << centre << QRect(20, 160, 451, 21) << "Transfer progress";
-    QTest::newRow("progressBarUpdate") << bar << centre << QRect(20, 260, 451, 21) << "";
-    QTest::newRow("layoutWidget") << QByteArray("QWidget") << centre << QRect(10, 410, 471, 32) << "";
-    QTest::newRow("connect_button") << button << "layoutWidget" << fromTheLayout << "";
-    QTest::newRow("updateDeviceButton") << button << "layoutWidget" << fromTheLayout << "";
-    QTest::newRow("labelTransfer") << label << centre << QRect(20, 120, 411, 16) << "";
-    QTest::newRow("labelUpdate") << label << centre << QRect(20, 230, 411, 16) << "";
-    QTest::newRow("downloadLogFile") << button << centre << QRect(250, 380, 231, 23) << "";
-    QTest::newRow("stopDownloadingFile") << button << centre << QRect(250, 350, 231, 23) << "";
+    QTest::addColumn<QString>("name");
+    for (const windowtable::Control& control : windowtable::controls())
+        QTest::newRow(control.name) << control.name;
 }
 
-void TestMainWindow::widget()
+void TestMainWindow::control()
 {
-    QFETCH(QByteArray, type);
-    QFETCH(QString, parent);
-    QFETCH(QRect, geometry);
-    QFETCH(QString, whatsThis);
+    QFETCH(QString, name);
+    const windowtable::Control& expected = windowtable::control(name);
     TestWindow window;
-    const auto found = window->findChildren<QWidget*>(QTest::currentDataTag());
+    const auto found = window->findChildren<QWidget*>(name);
     QCOMPARE(found.size(), 1);
-    QCOMPARE(QByteArray(found.front()->metaObject()->className()), type);
-    QCOMPARE(found.front()->parentWidget()->objectName(), parent);
-    QCOMPARE(found.front()->whatsThis(), whatsThis);
-    if (geometry.isValid())
-        QCOMPARE(found.front()->geometry(), geometry);
+    const QWidget& control = *found.front();
+    QCOMPARE(control.metaObject()->className(), expected.type);
+    QCOMPARE(control.parentWidget()->objectName(), QString(expected.parent));
+    QCOMPARE(control.whatsThis(), QString(expected.whatsThis));
+    if (!expected.geometry.isNull())
+        QCOMPARE(control.geometry(), expected.geometry);
+    QCOMPARE(control.isEnabled(), expected.enabled);
+    QCOMPARE(control.isVisible(), expected.visible);
+    QCOMPARE(control.property("text").toString(), QString(expected.text));
+    if (qobject_cast<const QProgressBar*>(&control) != nullptr)
+        QCOMPARE(control.property("value").toInt(), 0);
 }
 
-void TestMainWindow::widgetsAreThese()
+void TestMainWindow::controlsAreThese()
 {
     TestWindow window;
-    QStringList names;
+    QStringList names{window->centralWidget()->objectName()};
     const auto widgets = window->centralWidget()->findChildren<QWidget*>();
     for (const QWidget* widget : widgets)
         names += widget->objectName();
     names.sort();
-    QCOMPARE(names, (QStringList{"connect_button", "downloadLogFile", "labelTransfer", "labelUpdate",
-                                 "layoutWidget", "progressBarTransfer", "progressBarUpdate",
-                                 "stopDownloadingFile", "updateDeviceButton"}));
+    QCOMPARE(names, windowtable::controlNames());
 }
 
 void TestMainWindow::buttonRow()
@@ -158,39 +145,6 @@ void TestMainWindow::buttonRow()
     QCOMPARE(row->count(), 2);
     QCOMPARE(row->itemAt(0)->widget(), &window.button("connect_button"));
     QCOMPARE(row->itemAt(1)->widget(), &window.button("updateDeviceButton"));
-}
-
-void TestMainWindow::startingState_data()
-{
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<bool>("visible");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("value");
-    constexpr int none = -1;
-    QTest::newRow("connect_button") << true << true << "Connect" << none;
-    QTest::newRow("updateDeviceButton") << false << true << "Update Device" << none;
-    QTest::newRow("labelTransfer") << false << true << "Transfer:" << none;
-    QTest::newRow("labelUpdate") << false << true << "Update:" << none;
-    QTest::newRow("progressBarTransfer") << false << true << "0%" << 0;
-    QTest::newRow("progressBarUpdate") << false << true << "0%" << 0;
-    QTest::newRow("downloadLogFile") << false << false << "Download log file" << none;
-    QTest::newRow("stopDownloadingFile") << true << false << "Stop downloading log file" << none;
-}
-
-void TestMainWindow::startingState()
-{
-    QFETCH(bool, enabled);
-    QFETCH(bool, visible);
-    QFETCH(QString, text);
-    QFETCH(int, value);
-    TestWindow window;
-    const auto* widget = window->findChild<QWidget*>(QTest::currentDataTag());
-    QVERIFY(widget != nullptr);
-    QCOMPARE(widget->isEnabled(), enabled);
-    QCOMPARE(widget->isVisible(), visible);
-    QCOMPARE(widget->property("text").toString(), text);
-    if (value >= 0)
-        QCOMPARE(widget->property("value").toInt(), value);
 }
 
 /// What the layout gives is looked up for translation in the window's own context.
@@ -212,51 +166,52 @@ void TestMainWindow::translatedTexts()
     QCOMPARE(window.button("downloadLogFile").text(), QString("DOWNLOAD LOG FILE"));
     QCOMPARE(window.bar("progressBarTransfer").whatsThis(), QString("TRANSFER PROGRESS"));
     QCOMPARE(window->windowTitle(), QString("TALVEX UPDATER"));
-    QCOMPARE(window.label("labelTransfer").text(), QString("Transfer:")); // the constructor's, not translated
+    QCOMPARE(window.label("labelTransfer").text(),
+             QString(text::transferIdle)); // the constructor's, not translated
 }
 
 void TestMainWindow::onlyConnectResponds()
 {
     TestWindow window;
     const QStringList before = window.controls();
-    QTest::mouseClick(&window.button("updateDeviceButton"), Qt::LeftButton);
-    QTest::mouseClick(&window.button("downloadLogFile"), Qt::LeftButton);
+    window.press("updateDeviceButton");
+    window.press("downloadLogFile");
     QTest::keyClick(&*window, Qt::Key_L,
                     Qt::ControlModifier | Qt::ShiftModifier); // offers no log without a unit
     QCOMPARE(window.controls(), before);
     QCOMPARE(window.boxes.lines(), QStringList{});
     QCOMPARE(virtualbus::calls().size(), std::size_t{0});
-    QTest::mouseClick(&window.button("connect_button"), Qt::LeftButton);
+    window.press("connect_button");
     QCOMPARE(window.boxes.lines().size(), 1);
 }
 
 void TestMainWindow::logWorker()
 {
     TestWindow window;
-    QThread* const worker = window->logDownloader->thread();
+    QThread* const worker = window.downloader().thread();
     QVERIFY(worker != window->thread());
     QVERIFY(worker->isRunning());
     QCOMPARE(worker->priority(), QThread::InheritPriority);
     QVERIFY(worker->parent() == nullptr);
-    QVERIFY(window->logDownloader->parent() == nullptr);
-    QVERIFY(window->updateChecker->parent() == nullptr);
-    QCOMPARE(window->updateChecker->thread(), window->thread());
+    QVERIFY(window.downloader().parent() == nullptr);
+    QVERIFY(window.checker().parent() == nullptr);
+    QCOMPARE(window.checker().thread(), window->thread());
 }
 
 void TestMainWindow::handsOverWhatItLeaves()
 {
     TestWindow window;
     const MainWindow::Leftovers left = window->leftovers();
-    QCOMPARE(left.worker, window->logDownloader->thread());
-    QCOMPARE(left.checker, window->updateChecker);
+    QCOMPARE(left.worker, window.downloader().thread());
+    QCOMPARE(left.checker, &window.checker());
 }
 
 void TestMainWindow::leavesWhatLivesToTheEnd()
 {
     virtualbus::clear();
     auto window = std::make_unique<MainWindow>();
-    const QPointer<QObject> checker = window->updateChecker;
-    const QPointer<LogDownloader> downloader = window->logDownloader;
+    const QPointer<QObject> checker = window->leftovers().checker;
+    const QPointer<LogDownloader> downloader = &inside::of(*window).logDownloader;
     const QPointer<QThread> worker = window->leftovers().worker;
     const QPointer<QObject> button = window->findChild<QPushButton*>("connect_button");
     window.reset();

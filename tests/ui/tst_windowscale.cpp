@@ -1,6 +1,7 @@
 #include "ui/windowscale.h"
 
 #include "tests/support/testwindow.h"
+#include "tests/support/texts.h"
 
 #include <QApplication>
 #include <QLayout>
@@ -171,8 +172,8 @@ void TestWindowScale::largeFontCutsNothing()
     TestWindow window;
     QLabel& transfer = window.label("labelTransfer");
     QLabel& update = window.label("labelUpdate");
-    transfer.setText("Transfer: download new version");
-    update.setText("Update: in progress. Do not power off device!");
+    transfer.setText(text::transferDownload);
+    update.setText(text::updateInProgress);
     QVERIFY(fits(transfer.sizeHint(), transfer));
     QVERIFY(fits(update.sizeHint(), update));
     for (const char* name : buttonNames) {

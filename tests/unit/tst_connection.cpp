@@ -1,14 +1,10 @@
 #include "tests/support/boxlines.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
-#include "virtualunit/identity.h"
 
 #include <QtTest>
 
 namespace {
-
-constexpr int productIds[] = {0x0A21, 0x0A22, 0x0A1F, 0x0B06, 0x0B10, 0x0A24, 0x0A23, 0x2C16, 0x2C17,
-                              0x0D01, 0x0D02, 0x2C15, 0x2A41, 0x2A40, 0x2B55, 0x2B54, 0x2C01};
 
 /// The product IDs asked for since the bus was cleared, in order.
 std::vector<int> enumeratedProducts()
@@ -19,9 +15,19 @@ std::vector<int> enumeratedProducts()
     return products;
 }
 
-std::vector<int> firstProducts(std::size_t count)
+/// Those of the models up to this one.
+std::vector<int> productsUpTo(UnitType last)
 {
-    return {std::begin(productIds), std::begin(productIds) + static_cast<std::ptrdiff_t>(count)};
+    std::vector<int> products;
+    for (int type = 0; type <= last; ++type)
+        products.push_back(models::of(type).productId);
+    return products;
+}
+
+/// Those of all models.
+std::vector<int> allProducts()
+{
+    return productsUpTo(models::all.back().type);
 }
 
 std::string openedPath()
@@ -58,61 +64,55 @@ private slots:
     void pressAfterAFailure();
     void connectedUnitIsKept();
     void unreadableVersionIsConnected();
-
-private:
-    static void pressConnect(TestWindow& window)
-    {
-        QTest::mouseClick(&window.button("connect_button"), Qt::LeftButton);
-        QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
-    }
 };
 
 void TestConnection::nothingAttached()
 {
     TestWindow window;
     const QStringList before = window.controls();
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(enumeratedProducts(), firstProducts(17));
+    QCOMPARE(enumeratedProducts(), allProducts());
     for (const virtualbus::Call& call : virtualbus::callsOf("hid_enumerate"))
         QCOMPARE(int{call.vendor.value()}, 0x3A5D);
-    QCOMPARE(virtualbus::calls().size(), std::size_t{17}); // and nothing else
+    QCOMPARE(virtualbus::calls().size(), models::all.size()); // and nothing else
     QVERIFY(window.button("connect_button").isEnabled());
     QCOMPARE(window.controls(), before);
 }
 
 void TestConnection::singleUnit_data()
 {
-    QTest::addColumn<int>("type");
-    for (int type = 0; type <= 16; ++type)
-        if (type < 12 || type > 15)
-            QTest::newRow(virtualunit::identityOf(static_cast<UnitType>(type)).name.data()) << type;
+    QTest::addColumn<UnitType>("type");
+    for (const models::Model& model : models::all)
+        if (!model.isDeck())
+            QTest::newRow(model.option) << model.type;
 }
 
 void TestConnection::singleUnit()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(static_cast<UnitType>(type));
+    const auto unit = ScriptedUnit::plugIn(type);
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox(unitModels.at(size_t(type)).connectedMessage)});
-    QCOMPARE(enumeratedProducts(), firstProducts(static_cast<std::size_t>(type) + 1));
-    QCOMPARE(static_cast<int>(window->unitType), type);
-    QCOMPARE(int{window->headerOffset}, type >= 11 ? 60 : 0);
-    QCOMPARE(int{window->payloadOffset}, type >= 11 ? 1 : 5);
-    QCOMPARE(int{window->deckCount}, 1);
-    QVERIFY(window->device != nullptr);
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
+    QCOMPARE(enumeratedProducts(), productsUpTo(type));
+    QCOMPARE(window.state().unitType, type);
+    QCOMPARE(window.state().headerOffset, models::of(type).layout.headerOffset);
+    QCOMPARE(window.state().payloadOffset, models::of(type).layout.payloadOffset);
+    QCOMPARE(int{window.state().deckCount}, 1);
+    QVERIFY(window.state().device != nullptr);
     QVERIFY(!window.button("connect_button").isEnabled());
 }
 
+/// The name of any model will do for any other.
 void TestConnection::acceptableName_data()
 {
     QTest::addColumn<QByteArray>("name");
-    for (const char* name :
-         {"HB2", "HB4", "PLT-70", "PLT-65", "TRK-300 L", "TRK-300 R", "TRK-900 L", "TRK-900 R", "PANEL",
-          "PANEL4", "HBX", "DSK-10", "DSK-9", "DSK-6", "DSK-5", "LMB-1", "LMB-2"})
-        QTest::newRow(name) << QByteArray(name);
+    for (const models::Model& model : models::all)
+        for (const char* name : model.names)
+            if (name != nullptr)
+                QTest::newRow(name) << QByteArray(name);
 }
 
 void TestConnection::acceptableName()
@@ -121,8 +121,8 @@ void TestConnection::acceptableName()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_ZEQ_PRO, name.toStdString());
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("ZEQ PRO connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_ZEQ_PRO)});
 }
 
 void TestConnection::foreignName_data()
@@ -143,7 +143,7 @@ void TestConnection::foreignName()
     QFETCH(QByteArray, name);
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4, name.toStdString());
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
 }
@@ -152,27 +152,27 @@ void TestConnection::noProductString()
 {
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
 }
 
 void TestConnection::noPath_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::newRow("a single unit") << int{UNIT_HB4};
-    QTest::newRow("a deck") << int{UNIT_TRK300_LEFT};
+    QTest::addColumn<UnitType>("type");
+    QTest::newRow("a single unit") << UNIT_HB4;
+    QTest::newRow("a deck") << UNIT_TRK300_LEFT;
 }
 
 void TestConnection::noPath()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     TestWindow window;
-    (void)ScriptedUnit::plugInWithoutPath(static_cast<UnitType>(type));
-    pressConnect(window);
+    (void)ScriptedUnit::plugInWithoutPath(type);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
-    QVERIFY(!window->firstDeckSeen);
+    QVERIFY(!window.state().firstDeckSeen);
 }
 
 void TestConnection::skippedRecordsPrecedeTheTakenOne()
@@ -182,8 +182,8 @@ void TestConnection::skippedRecordsPrecedeTheTakenOne()
     (void)ScriptedUnit::plugIn(UNIT_HB4, "Keyboard");
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB4 connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB4)});
     QCOMPARE(openedPath(), unit->path());
 }
 
@@ -193,7 +193,7 @@ void TestConnection::firstOfTwoInOneList()
     (void)ScriptedUnit::plugIn(UNIT_HB4);
     const auto first = ScriptedUnit::plugIn(UNIT_HB4); // in the list: the latest comes first there
     first->say(Bytes(64, 0));
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(openedPath(), first->path());
     QCOMPARE(virtualbus::openHandles(), 1);
 }
@@ -204,8 +204,8 @@ void TestConnection::lowerModelWins()
     const auto plugged = ScriptedUnit::plugIn(UNIT_PLT65);
     const auto lower = ScriptedUnit::plugIn(UNIT_HB2);
     lower->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB2 connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB2)});
     QCOMPARE(openedPath(), lower->path());
     QCOMPARE(virtualbus::openHandles(), 1);
 }
@@ -215,9 +215,9 @@ void TestConnection::nameOfAnotherModel()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB2, "LMB-2");
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB2 connected")});
-    QCOMPARE(window->unitType, UNIT_HB2);
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB2)});
+    QCOMPARE(window.state().unitType, UNIT_HB2);
 }
 
 void TestConnection::unitThatCannotBeOpened()
@@ -226,11 +226,11 @@ void TestConnection::unitThatCannotBeOpened()
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     virtualbus::failOpens(unit->number, true);
     const QStringList before = window.controls();
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(enumeratedProducts(), firstProducts(17));
+    QCOMPARE(enumeratedProducts(), allProducts());
     QCOMPARE(window.controls(), before);
-    QCOMPARE(window->device, static_cast<hid_device*>(nullptr));
+    QCOMPARE(window.state().device, static_cast<hid_device*>(nullptr));
 }
 
 void TestConnection::nextModelAfterOneThatCannotBeOpened()
@@ -239,19 +239,19 @@ void TestConnection::nextModelAfterOneThatCannotBeOpened()
     virtualbus::failOpens(ScriptedUnit::plugIn(UNIT_HB4)->number, true);
     const auto unit = ScriptedUnit::plugIn(UNIT_LMB2);
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("LMB-2 connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_LMB2)});
     QCOMPARE(openedPath(), unit->path());
 }
 
 void TestConnection::pressAfterAFailure()
 {
     TestWindow window;
-    pressConnect(window);
+    window.pressConnect();
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     unit->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, informationBox("HB4 connected")}));
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, boxline::connected(UNIT_HB4)}));
     QVERIFY(!window.button("connect_button").isEnabled());
 }
 
@@ -260,9 +260,9 @@ void TestConnection::connectedUnitIsKept()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     unit->say(Bytes(64, 0));
-    pressConnect(window);
+    window.pressConnect();
     const std::size_t calls = virtualbus::calls().size();
-    pressConnect(window); // Connect is disabled
+    window.pressConnect(); // Connect is disabled
     QCOMPARE(virtualbus::calls().size(), calls);
     QCOMPARE(virtualbus::openHandles(), 1);
     QCOMPARE(window.boxes.lines().size(), 1);
@@ -274,9 +274,9 @@ void TestConnection::unreadableVersionIsConnected()
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     virtualbus::failReads(unit->number, true);
     expectDiagnostic("Can't read current version\n");
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB4 connected")});
-    QCOMPARE(enumeratedProducts(), firstProducts(1));
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB4)});
+    QCOMPARE(enumeratedProducts(), productsUpTo(UNIT_HB4));
 }
 
 QTEST_MAIN(TestConnection)

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::uint16_t hb4 = 0x0A21;
-
 void plugInClosed(UnitType type)
 {
     const auto unit = ScriptedUnit::plugIn(type);
@@ -24,9 +22,19 @@ void plugInGood(UnitType type)
     ScriptedUnit::plugIn(type)->say(Bytes(64, 0));
 }
 
-QString foreignLine(std::uint16_t productId, const wchar_t* product)
+std::uint16_t productOf(UnitType type)
 {
-    return seenrecord::lineForSkipped(productId, product, "path").value_or("");
+    return static_cast<std::uint16_t>(models::of(type).productId);
+}
+
+QString foreignLine(UnitType type, const wchar_t* product)
+{
+    return seenrecord::lineForSkipped(productOf(type), product, "path").value_or("");
+}
+
+QString unopenedLine(UnitType type)
+{
+    return seenrecord::lineForUnopened(productOf(type));
 }
 
 struct Row
@@ -45,7 +53,7 @@ QStringList linesOf(const LogCapture& log)
     return lines;
 }
 
-const QString namelessHb4 = foreignLine(hb4, nullptr);
+const QString namelessHb4 = foreignLine(UNIT_HB4, nullptr);
 
 const std::vector<Row>& failures()
 {
@@ -54,17 +62,14 @@ const std::vector<Row>& failures()
         {"no strings", [] { (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt); }, {namelessHb4}, 0},
         {"a foreign name",
          [] { (void)ScriptedUnit::plugIn(UNIT_PLT65, "Keyboard"); },
-         {foreignLine(0x2C01, L"Keyboard")},
+         {foreignLine(UNIT_PLT65, L"Keyboard")},
          0},
-        {"a unit that does not open",
-         [] { plugInClosed(UNIT_LMB2); },
-         {seenrecord::lineForUnopened(0x0D02)},
-         1},
+        {"a unit that does not open", [] { plugInClosed(UNIT_LMB2); }, {unopenedLine(UNIT_LMB2)}, 1},
         {"no path", [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4); }, {}, 0},
         {"a deck without path", [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_TRK300_LEFT); }, {}, 0},
         {"a deck without strings",
          [] { (void)ScriptedUnit::plugIn(UNIT_TRK300_LEFT, std::nullopt); },
-         {foreignLine(0x2A41, nullptr)},
+         {foreignLine(UNIT_TRK300_LEFT, nullptr)},
          0},
         {"one of each",
          [] {
@@ -72,7 +77,7 @@ const std::vector<Row>& failures()
              plugInClosed(UNIT_HB2);
              (void)ScriptedUnit::plugIn(UNIT_HBX, "Mouse");
          },
-         {namelessHb4, seenrecord::lineForUnopened(0x0A22), foreignLine(0x0A1F, L"Mouse")},
+         {namelessHb4, unopenedLine(UNIT_HB2), foreignLine(UNIT_HBX, L"Mouse")},
          1},
         {"two alike",
          [] {
@@ -86,14 +91,14 @@ const std::vector<Row>& failures()
              plugInClosed(UNIT_TRK300_LEFT);
              plugInClosed(UNIT_TRK300_RIGHT);
          },
-         {seenrecord::lineForUnopened(0x2A40), seenrecord::lineForUnopened(0x2A41)},
+         {unopenedLine(UNIT_TRK300_RIGHT), unopenedLine(UNIT_TRK300_LEFT)},
          2},
         {"a pair whose first deck does not open",
          [] {
              plugInClosed(UNIT_TRK900_LEFT);
              plugInGood(UNIT_TRK900_RIGHT);
          },
-         {seenrecord::lineForUnopened(0x2B55)},
+         {unopenedLine(UNIT_TRK900_LEFT)},
          2},
     };
     return all;
@@ -113,12 +118,6 @@ private slots:
     void notFound();
     void connectedAllTheSame_data();
     void connectedAllTheSame();
-
-private:
-    static void press(TestWindow& window)
-    {
-        QTest::mouseClick(&window.button("connect_button"), Qt::LeftButton);
-    }
 };
 
 void TestConnectionDiagnostics::notFound_data()
@@ -136,9 +135,9 @@ void TestConnectionDiagnostics::notFound()
     TestWindow window;
     row.plugIn();
     const LogCapture log;
-    press(window);
+    window.pressConnect();
     QCOMPARE(linesOf(log), row.lines);
-    press(window);
+    window.pressConnect();
     QCOMPARE(linesOf(log), row.lines + row.lines);
     QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, boxline::notFound}));
     std::size_t others = 0;
@@ -158,7 +157,7 @@ void TestConnectionDiagnostics::connectedAllTheSame_data()
     QTest::newRow("alone") << 0 << QStringList{};
     QTest::newRow("behind a record without strings") << 1 << QStringList{namelessHb4};
     QTest::newRow("behind a record without path") << 2 << QStringList{};
-    QTest::newRow("behind a unit that does not open") << 3 << QStringList{seenrecord::lineForUnopened(hb4)};
+    QTest::newRow("behind a unit that does not open") << 3 << QStringList{unopenedLine(UNIT_HB4)};
 }
 
 void TestConnectionDiagnostics::connectedAllTheSame()
@@ -174,9 +173,9 @@ void TestConnectionDiagnostics::connectedAllTheSame()
     else if (others == 3)
         plugInClosed(UNIT_HB4);
     const LogCapture log;
-    press(window);
+    window.pressConnect();
     QCOMPARE(linesOf(log), lines);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("PLT65 connected")});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_PLT65)});
 }
 
 QTEST_MAIN(TestConnectionDiagnostics)

@@ -54,94 +54,85 @@ private slots:
     void pressAfterAPairThatCouldNotBeOpened_data();
     void pressAfterAPairThatCouldNotBeOpened();
     void secondDeckAlone();
-
-private:
-    static void pressConnect(TestWindow& window)
-    {
-        QTest::mouseClick(&window.button("connect_button"), Qt::LeftButton);
-        QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
-    }
 };
 
 void TestConnectionPair::pair_data()
 {
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("second");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("TRK300, a list each") << 12 << 13 << "TRK300 connected";
-    QTest::newRow("TRK900, a list each") << 14 << 15 << "TRK900 connected";
-    QTest::newRow("two TRK300 left decks, one list") << 12 << 12 << "TRK300 connected";
-    QTest::newRow("two TRK900 right decks, one list") << 15 << 15 << "TRK900 connected";
-    QTest::newRow("decks of two players, lists apart") << 12 << 15 << "TRK900 connected";
-    QTest::newRow("decks of two players, neighbouring lists") << 13 << 14 << "TRK900 connected";
+    QTest::addColumn<UnitType>("first");
+    QTest::addColumn<UnitType>("second");
+    QTest::newRow("TRK300, a list each") << UNIT_TRK300_LEFT << UNIT_TRK300_RIGHT;
+    QTest::newRow("TRK900, a list each") << UNIT_TRK900_LEFT << UNIT_TRK900_RIGHT;
+    QTest::newRow("two TRK300 left decks, one list") << UNIT_TRK300_LEFT << UNIT_TRK300_LEFT;
+    QTest::newRow("two TRK900 right decks, one list") << UNIT_TRK900_RIGHT << UNIT_TRK900_RIGHT;
+    QTest::newRow("decks of two players, lists apart") << UNIT_TRK300_LEFT << UNIT_TRK900_RIGHT;
+    QTest::newRow("decks of two players, neighbouring lists") << UNIT_TRK300_RIGHT << UNIT_TRK900_LEFT;
 }
 
 void TestConnectionPair::pair()
 {
-    QFETCH(int, first);
-    QFETCH(int, second);
-    QFETCH(QString, message);
+    QFETCH(UnitType, first);
+    QFETCH(UnitType, second);
     TestWindow window;
     const auto secondFound = plugInDeck(second); // of two in one list the latest comes first
     const auto firstFound = plugInDeck(first);
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox(message)});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(second)});
     QCOMPARE(enumerations(), static_cast<std::size_t>(second) + 1);
     QCOMPARE(openings(), (std::vector{secondFound->path(), firstFound->path()}));
-    QVERIFY(window->device != nullptr);
-    QVERIFY(window->secondDevice != nullptr);
-    QVERIFY(window->device != window->secondDevice);
-    QCOMPARE(static_cast<int>(window->unitType), second);
-    QCOMPARE(int{window->deckCount}, 2);
-    QVERIFY(!window->firstDeckSeen);
-    QCOMPARE(int{window->headerOffset}, 60);
-    QCOMPARE(int{window->payloadOffset}, 1);
+    QVERIFY(window.state().device != nullptr);
+    QVERIFY(window.state().secondDevice != nullptr);
+    QVERIFY(window.state().device != window.state().secondDevice);
+    QCOMPARE(window.state().unitType, second);
+    QCOMPARE(int{window.state().deckCount}, 2);
+    QVERIFY(!window.state().firstDeckSeen);
+    QCOMPARE(window.state().headerOffset, models::players.headerOffset);
+    QCOMPARE(window.state().payloadOffset, models::players.payloadOffset);
     QVERIFY(!window.button("connect_button").isEnabled());
 }
 
 void TestConnectionPair::deckWithAnotherName()
 {
     TestWindow window;
-    plugInDeck(12);
+    plugInDeck(UNIT_TRK300_LEFT);
     ScriptedUnit::plugIn(UNIT_TRK300_RIGHT, "HB4")->say(Bytes(64, 0));
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("TRK300 connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
 }
 
 void TestConnectionPair::singleUnitBeforeTheDecks()
 {
     TestWindow window;
-    plugInDeck(12);
-    plugInDeck(13);
+    plugInDeck(UNIT_TRK300_LEFT);
+    plugInDeck(UNIT_TRK300_RIGHT);
     const auto single = plugInDeck(UNIT_PLT70);
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("PLT70 connected")});
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_PLT70)});
     QCOMPARE(openings(), std::vector{single->path()});
-    QVERIFY(!window->firstDeckSeen);
+    QVERIFY(!window.state().firstDeckSeen);
 }
 
 void TestConnectionPair::loneDeck_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::newRow("TRK300 left") << 12;
-    QTest::newRow("TRK300 right") << 13;
-    QTest::newRow("TRK900 left") << 14;
-    QTest::newRow("TRK900 right") << 15;
+    QTest::addColumn<UnitType>("type");
+    for (const models::Model& model : models::all)
+        if (model.isDeck())
+            QTest::newRow(model.option) << model.type;
 }
 
 void TestConnectionPair::loneDeck()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     TestWindow window;
     const QStringList before = window.controls();
     const auto deck = plugInDeck(type);
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(enumerations(), std::size_t{17});
+    QCOMPARE(enumerations(), models::all.size());
     QCOMPARE(openings().size(), std::size_t{0});
-    QVERIFY(window->firstDeckSeen);
-    QCOMPARE(int{window->deckCount}, 1);
-    QCOMPARE(std::string(window->pendingDeckInfo->path), deck->path()); // its list is freed: this is a copy
+    QVERIFY(window.state().firstDeckSeen);
+    QCOMPARE(int{window.state().deckCount}, 1);
+    QCOMPARE(std::string(window.state().pendingDeckInfo->path),
+             deck->path()); // its list is freed: this is a copy
     QCOMPARE(window.controls(), before);
 }
 
@@ -149,22 +140,22 @@ void TestConnectionPair::pressAfterALoneDeck_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("nothing new") << -1;
-    QTest::newRow("its twin") << 13;
-    QTest::newRow("another unit of its own") << 12;
-    QTest::newRow("a model that is tried first") << 0;
-    QTest::newRow("a model that is tried last") << 16;
+    QTest::newRow("its twin") << int{UNIT_TRK300_RIGHT};
+    QTest::newRow("another unit of its own") << int{UNIT_TRK300_LEFT};
+    QTest::newRow("a model that is tried first") << int{models::all.front().type};
+    QTest::newRow("a model that is tried last") << int{models::all.back().type};
 }
 
 void TestConnectionPair::pressAfterALoneDeck()
 {
     QFETCH(int, type);
     TestWindow window;
-    plugInDeck(12);
-    pressConnect(window);
+    plugInDeck(UNIT_TRK300_LEFT);
+    window.pressConnect();
     if (type >= 0)
         plugInDeck(type);
     const std::size_t enumerated = enumerations();
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound}); // that of the first press
     QCOMPARE(enumerations(), enumerated + 1);
     QCOMPARE(openings().size(), std::size_t{0});
@@ -174,9 +165,9 @@ void TestConnectionPair::pressAfterALoneDeck()
 void TestConnectionPair::loneDeckHidesAHigherModel()
 {
     TestWindow window;
-    plugInDeck(12);
+    plugInDeck(UNIT_TRK300_LEFT);
     plugInDeck(UNIT_PLT65);
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(openings().size(), std::size_t{0});
     QCOMPARE(virtualbus::openHandles(), 0);
@@ -186,57 +177,57 @@ void TestConnectionPair::loneDeckHidesAHigherModel()
 void TestConnectionPair::firstDeckCannotBeOpened()
 {
     TestWindow window;
-    const auto left = plugInDeck(12);
-    const auto right = plugInDeck(13);
+    const auto left = plugInDeck(UNIT_TRK300_LEFT);
+    const auto right = plugInDeck(UNIT_TRK300_RIGHT);
     virtualbus::failOpens(left->number, true);
-    pressConnect(window);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(openings(), (std::vector{right->path(), left->path()}));
-    QCOMPARE(enumerations(), std::size_t{14}); // nothing is tried after the pair
+    QCOMPARE(enumerations(), std::size_t{UNIT_TRK300_RIGHT + 1}); // nothing is tried after the pair
     QCOMPARE(virtualbus::openHandles(), 0);
-    QCOMPARE(window->device, noHandle);
-    QCOMPARE(window->secondDevice, noHandle);
-    QCOMPARE(int{window->deckCount}, 1);
-    QVERIFY(!window->firstDeckSeen);
+    QCOMPARE(window.state().device, noHandle);
+    QCOMPARE(window.state().secondDevice, noHandle);
+    QCOMPARE(int{window.state().deckCount}, 1);
+    QVERIFY(!window.state().firstDeckSeen);
     QVERIFY(window.button("connect_button").isEnabled());
 }
 
 void TestConnectionPair::pairCannotBeOpened()
 {
     TestWindow window;
-    virtualbus::failOpens(plugInDeck(12)->number, true);
-    virtualbus::failOpens(plugInDeck(13)->number, true);
-    pressConnect(window);
+    virtualbus::failOpens(plugInDeck(UNIT_TRK300_LEFT)->number, true);
+    virtualbus::failOpens(plugInDeck(UNIT_TRK300_RIGHT)->number, true);
+    window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(virtualbus::openHandles(), 0);
-    QCOMPARE(int{window->deckCount}, 1);
+    QCOMPARE(int{window.state().deckCount}, 1);
     QVERIFY(window.button("connect_button").isEnabled());
 }
 
 void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened_data()
 {
     QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("box");
     QTest::addColumn<int>("handles");
-    QTest::newRow("the same pair") << -1 << "TRK300 connected" << 2;
-    QTest::newRow("a single unit plugged in") << 0 << "HB4 connected" << 1;
+    QTest::newRow("the same pair") << -1 << boxline::pairConnected(UNIT_TRK300_LEFT) << 2;
+    QTest::newRow("a single unit plugged in") << int{UNIT_HB4} << boxline::connected(UNIT_HB4) << 1;
 }
 
 void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
 {
     QFETCH(int, type);
-    QFETCH(QString, message);
+    QFETCH(QString, box);
     QFETCH(int, handles);
     TestWindow window;
-    const auto left = plugInDeck(12);
-    plugInDeck(13);
+    const auto left = plugInDeck(UNIT_TRK300_LEFT);
+    plugInDeck(UNIT_TRK300_RIGHT);
     virtualbus::failOpens(left->number, true);
-    pressConnect(window);
+    window.pressConnect();
     virtualbus::failOpens(left->number, false);
     if (type >= 0)
         plugInDeck(type);
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, informationBox(message)}));
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, box}));
     QCOMPARE(virtualbus::openHandles(), handles);
     QVERIFY(!window.button("connect_button").isEnabled());
 }
@@ -245,14 +236,14 @@ void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
 void TestConnectionPair::secondDeckAlone()
 {
     TestWindow window;
-    plugInDeck(12);
-    virtualbus::failOpens(plugInDeck(13)->number, true);
+    plugInDeck(UNIT_TRK300_LEFT);
+    virtualbus::failOpens(plugInDeck(UNIT_TRK300_RIGHT)->number, true);
     expectDiagnostic("Can't read current version\n");
-    pressConnect(window);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("TRK300 connected")});
-    QCOMPARE(window->device, noHandle);
-    QVERIFY(window->secondDevice != nullptr);
-    QCOMPARE(int{window->deckCount}, 2);
+    window.pressConnect();
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
+    QCOMPARE(window.state().device, noHandle);
+    QVERIFY(window.state().secondDevice != nullptr);
+    QCOMPARE(int{window.state().deckCount}, 2);
 }
 
 QTEST_MAIN(TestConnectionPair)

@@ -1,5 +1,7 @@
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/inside.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
 #include "tests/support/ticks.h"
@@ -13,25 +15,6 @@ namespace {
 
 constexpr int notGiven = -1; // of a result
 
-/// A report as a unit sends it by itself: both places where a model may keep its version are told apart.
-Bytes firstReport(std::uint8_t byte62, std::uint8_t byte63)
-{
-    Bytes report(64, 0x33);
-    report[62] = byte62;
-    report[63] = byte63;
-    return report;
-}
-
-/// The calls since the enumeration, each as one line.
-QStringList callLines()
-{
-    QStringList lines;
-    for (const virtualbus::Call& call : virtualbus::calls())
-        if (!call.function.starts_with("hid_enumerate") && !call.function.starts_with("hid_free"))
-            lines += QString::fromStdString(lineOf(call));
-    return lines;
-}
-
 } // namespace
 
 class TestIdentification : public QObject
@@ -44,6 +27,8 @@ private slots:
     void callsInOrder();
     void version_data();
     void version();
+    void anyReport_data();
+    void anyReport();
     void oldestReportCounts();
     void silentUnit();
     void shortReport_data();
@@ -67,8 +52,8 @@ int TestIdentification::find(TestWindow& window, UnitType type, const std::strin
     hid_device_info record{};
     record.path = ownPath.data();
     int result = notGiven;
-    window->unitType = type;
-    window->findDevice(&record, result);
+    window.state().unitType = type;
+    inside::findDevice(*window, &record, result);
     return result;
 }
 
@@ -78,33 +63,53 @@ void TestIdentification::callsInOrder()
     const auto unit = ScriptedUnit::plugIn(UNIT_PLT65);
     unit->say(firstReport(1, 2));
     QCOMPARE(find(window, UNIT_PLT65, unit->path()), 0);
-    QCOMPARE(callLines(), (QStringList{"hid_open_path path=virtual:1 result=1",
-                                       "hid_get_serial_number_string handle=1 length=16 result=0",
-                                       "hid_read_timeout handle=1 length=64 timeout=1000 result=64"}));
+    QCOMPARE(callsToUnits(), (QStringList{"hid_open_path path=virtual:1 result=1",
+                                          "hid_get_serial_number_string handle=1 length=16 result=0",
+                                          "hid_read_timeout handle=1 length=64 timeout=1000 result=64"}));
 }
 
 void TestIdentification::version_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("version");
-    for (const UnitModel& model : unitModels) {
-        const bool at62 = model.type >= UNIT_PANEL2V && model.type <= UNIT_DSK6;
-        QTest::newRow(model.connectedMessage) << static_cast<int>(model.type) << (at62 ? 0x17 : 0x20);
-    }
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << model.type << (model.versionByte == 62 ? 0x17 : 0x20);
 }
 
 void TestIdentification::version()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, version);
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(static_cast<UnitType>(type));
+    const auto unit = ScriptedUnit::plugIn(type);
     unit->say(firstReport(0x17, 0x20));
-    QCOMPARE(find(window, static_cast<UnitType>(type), unit->path()), 0);
-    QCOMPARE(int{window->currentVersion}, version);
-    QCOMPARE(int{window->updateChecker->curVersionByte}, version);
-    QCOMPARE(window->updateChecker->curVersion, QString::number(version));
-    QCOMPARE(static_cast<int>(window->updateChecker->unitType), type);
+    QCOMPARE(find(window, type, unit->path()), 0);
+    QCOMPARE(int{window.state().currentVersion}, version);
+    QCOMPARE(int{inside::of(window.checker()).curVersionByte}, version);
+    QCOMPARE(inside::of(window.checker()).curVersion, QString::number(version));
+    QCOMPARE(inside::of(window.checker()).unitType, type);
+}
+
+void TestIdentification::anyReport_data()
+{
+    QTest::addColumn<UnitType>("type");
+    QTest::addColumn<int>("byte");
+    for (int byte = 0; byte <= 0xFF; ++byte)
+        for (const UnitType type : {UNIT_HB4, UNIT_PLT65})
+            QTest::addRow("%s, 0x%02X", models::of(type).option, byte) << type << byte;
+}
+
+/// Whatever its status says.
+void TestIdentification::anyReport()
+{
+    QFETCH(UnitType, type);
+    QFETCH(int, byte);
+    TestWindow window;
+    placeServiceFile();
+    ScriptedUnit::plugIn(type)->say(Bytes(64, static_cast<std::uint8_t>(byte)));
+    window->connectSlot();
+    QCOMPARE(int{window.state().currentVersion}, byte);
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
 }
 
 void TestIdentification::oldestReportCounts()
@@ -114,21 +119,21 @@ void TestIdentification::oldestReportCounts()
     unit->say(firstReport(0, 255));
     unit->say(firstReport(0, 4));
     QCOMPARE(find(window, UNIT_HB4, unit->path()), 0);
-    QCOMPARE(int{window->currentVersion}, 255);
-    QCOMPARE(window->updateChecker->curVersion, QString("255"));
+    QCOMPARE(int{window.state().currentVersion}, 255);
+    QCOMPARE(inside::of(window.checker()).curVersion, QString("255"));
 }
 
 void TestIdentification::silentUnit()
 {
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
-    window->currentVersion = 7;
+    window.state().currentVersion = 7;
     QCOMPARE(find(window, UNIT_HB4, unit->path()), 0);
-    QCOMPARE(callLines().filter("hid_read_timeout"),
+    QCOMPARE(callsToUnits().filter("hid_read_timeout"),
              QStringList{"hid_read_timeout handle=1 length=64 timeout=1000 result=0"});
-    QCOMPARE(int{window->currentVersion}, 0);
-    QCOMPARE(window->updateChecker->curVersion, QString("0"));
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB4 connected")});
+    QCOMPARE(int{window.state().currentVersion}, 0);
+    QCOMPARE(inside::of(window.checker()).curVersion, QString("0"));
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB4)});
 }
 
 void TestIdentification::shortReport_data()
@@ -144,11 +149,11 @@ void TestIdentification::shortReport()
     QFETCH(int, length);
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
-    window->currentVersion = 7;
+    window.state().currentVersion = 7;
     unit->say(Bytes(static_cast<std::size_t>(length), 0x21));
     QCOMPARE(find(window, UNIT_HB4, unit->path()), 0);
-    QCOMPARE(int{window->currentVersion}, 0);
-    QCOMPARE(window->updateChecker->curVersion, QString("0"));
+    QCOMPARE(int{window.state().currentVersion}, 0);
+    QCOMPARE(inside::of(window.checker()).curVersion, QString("0"));
 }
 
 void TestIdentification::failedRead()
@@ -156,15 +161,15 @@ void TestIdentification::failedRead()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     virtualbus::failReads(unit->number, true);
-    window->currentVersion = 7;
-    const QSignalSpy checked(window->updateChecker, SIGNAL(newUpdateFileDownloaded(bool)));
+    window.state().currentVersion = 7;
+    const QSignalSpy checked(&window.checker(), SIGNAL(newUpdateFileDownloaded(bool)));
     expectDiagnostic("Can't read current version\n");
     QCOMPARE(find(window, UNIT_HB4, unit->path()), 0);
-    QCOMPARE(int{window->currentVersion}, 7);
-    QVERIFY(window->updateChecker->curVersion.isNull());
-    QCOMPARE(int{window->updateChecker->curVersionByte}, 0);
+    QCOMPARE(int{window.state().currentVersion}, 7);
+    QVERIFY(inside::of(window.checker()).curVersion.isNull());
+    QCOMPARE(int{inside::of(window.checker()).curVersionByte}, 0);
     QVERIFY(!window.button("connect_button").isEnabled());
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("HB4 connected")});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB4)});
     QCOMPARE(checked.count(), 1);
 }
 
@@ -174,51 +179,47 @@ void TestIdentification::whatIsToldWhen()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_PANEL4V);
     unit->say(firstReport(0x17, 0x20));
-    const QSignalSpy checked(window->updateChecker, SIGNAL(newUpdateFileDownloaded(bool)));
-    UpdateChecker& checker = *window->updateChecker;
-    LogDownloader& downloader = *window->logDownloader;
+    const QSignalSpy checked(&window.checker(), SIGNAL(newUpdateFileDownloaded(bool)));
+    UpdateChecker& checker = window.checker();
+    LogDownloader& downloader = window.downloader();
     QStringList underTheBox;
     window.boxes.whileOpen = [&](QMessageBox&) {
         underTheBox = QStringList{
             window.button("connect_button").isEnabled() ? "Connect enabled" : "Connect disabled",
-            checker.curVersion,
-            checker.unitType == UNIT_PANEL4V ? "model told" : "model not told",
-            downloader.device != nullptr ? "handle told" : "handle not told",
+            inside::of(checker).curVersion,
+            inside::of(checker).unitType == UNIT_PANEL4V ? "model told" : "model not told",
+            inside::of(downloader).device != nullptr ? "handle told" : "handle not told",
             QString::number(checked.count()),
         };
     };
     bool toldBeforeTheCheck = false;
     connect(&checker, &UpdateChecker::newUpdateFileDownloaded,
-            [&] { toldBeforeTheCheck = downloader.device != nullptr; });
+            [&] { toldBeforeTheCheck = inside::of(downloader).device != nullptr; });
     QCOMPARE(find(window, UNIT_PANEL4V, unit->path()), 0);
     QCOMPARE(underTheBox, (QStringList{"Connect disabled", "23", "model not told", "handle not told", "0"}));
-    QCOMPARE(checker.unitType, UNIT_PANEL4V);
+    QCOMPARE(inside::of(checker).unitType, UNIT_PANEL4V);
     QVERIFY(toldBeforeTheCheck);
-    QCOMPARE(downloader.device, window->device);
-    QCOMPARE(downloader.unitType, UNIT_PANEL4V);
+    QCOMPARE(inside::of(downloader).device, window.state().device);
+    QCOMPARE(inside::of(downloader).unitType, UNIT_PANEL4V);
     QCOMPARE(checked.count(), 1);
 }
 
+/// Also of a deck by itself.
 void TestIdentification::message_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("deck by itself, TRK300 left") << 12 << "TRK300_LEFT connected";
-    QTest::newRow("deck by itself, TRK300 right") << 13 << "TRK300_RIGHT connected";
-    QTest::newRow("deck by itself, TRK900 left") << 14 << "TRK900_LEFT connected";
-    QTest::newRow("deck by itself, TRK900 right: a blank") << 15 << "TRK900 RIGHT connected";
-    QTest::newRow("two sibling models") << 7 << "DSK10/DSK9 connected";
+    QTest::addColumn<UnitType>("type");
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << model.type;
 }
 
 void TestIdentification::message()
 {
-    QFETCH(int, type);
-    QFETCH(QString, message);
+    QFETCH(UnitType, type);
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(static_cast<UnitType>(type));
+    const auto unit = ScriptedUnit::plugIn(type);
     unit->say(firstReport(1, 2));
-    QCOMPARE(find(window, static_cast<UnitType>(type), unit->path()), 0);
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox(message)});
+    QCOMPARE(find(window, type, unit->path()), 0);
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
 }
 
 void TestIdentification::typeWithoutModel()
@@ -226,11 +227,11 @@ void TestIdentification::typeWithoutModel()
     TestWindow window;
     const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
     unit->say(firstReport(1, 2));
-    const QSignalSpy checked(window->updateChecker, SIGNAL(newUpdateFileDownloaded(bool)));
-    QCOMPARE(find(window, static_cast<UnitType>(17), unit->path()), 0);
+    const QSignalSpy checked(&window.checker(), SIGNAL(newUpdateFileDownloaded(bool)));
+    QCOMPARE(find(window, static_cast<UnitType>(models::count), unit->path()), 0);
     passTicks(20); // a box would have been seen by now
     QCOMPARE(window.boxes.lines(), QStringList{});
-    QCOMPARE(int{window->currentVersion}, 2);
+    QCOMPARE(int{window.state().currentVersion}, 2);
     QCOMPARE(checked.count(), 1);
 }
 
@@ -238,9 +239,9 @@ void TestIdentification::noRecord()
 {
     TestWindow window;
     int result = notGiven;
-    window->findDevice(nullptr, result);
+    inside::findDevice(*window, nullptr, result);
     QCOMPARE(result, 1);
-    QCOMPARE(callLines(), QStringList{});
+    QCOMPARE(callsToUnits(), QStringList{});
     QCOMPARE(window.boxes.lines(), QStringList{});
     QVERIFY(window.button("connect_button").isEnabled());
 }
@@ -248,9 +249,9 @@ void TestIdentification::noRecord()
 void TestIdentification::failedOpening()
 {
     TestWindow window;
-    const QSignalSpy checked(window->updateChecker, SIGNAL(newUpdateFileDownloaded(bool)));
+    const QSignalSpy checked(&window.checker(), SIGNAL(newUpdateFileDownloaded(bool)));
     QCOMPARE(find(window, UNIT_HB4, "virtual:99"), 1);
-    QCOMPARE(callLines(), QStringList{"hid_open_path path=virtual:99 result=0"});
+    QCOMPARE(callsToUnits(), QStringList{"hid_open_path path=virtual:99 result=0"});
     QCOMPARE(window.boxes.lines(), QStringList{});
     QVERIFY(window.button("connect_button").isEnabled());
     QCOMPARE(checked.count(), 0);

@@ -1,5 +1,7 @@
 #include "unit/report.h"
 
+#include "tests/support/models.h"
+
 #include <QByteArray>
 #include <QtTest>
 
@@ -111,9 +113,9 @@ void TestReport::firmwareVersion_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("version");
-    for (int type = 0; type <= 16; ++type)
-        QTest::addRow("model %d", type) << type << (type >= 5 && type <= 8 ? 0x17 : 0x20);
-    QTest::newRow("a type without a model") << 17 << 0x20;
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << int{model.type} << (model.versionByte == 62 ? 0x17 : 0x20);
+    QTest::newRow("a type without a model") << models::count << 0x20;
 }
 
 void TestReport::firmwareVersion()

@@ -1,3 +1,4 @@
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferstate.h"
 
@@ -40,8 +41,8 @@ void TestCreepingProgress::barAfterTicks()
     TransferDesk desk(UNIT_HB4);
     desk.window.bar("progressBarUpdate").setMinimum(-1); // to tell "not set" from 0
     desk.window.bar("progressBarUpdate").setValue(-1);
-    desk.window->fakeProgressActive = 1;
-    desk.window->applyingPhase = 1;
+    desk.window.state().fakeProgressActive = 1;
+    desk.window.state().applyingPhase = 1;
     virtualbus::unplug(desk.unit->number); // reads fail at once instead of waiting
     desk.tick(ticks);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), bar);
@@ -50,7 +51,7 @@ void TestCreepingProgress::barAfterTicks()
 void TestCreepingProgress::inactive()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->applyingPhase = 1;
+    desk.window.state().applyingPhase = 1;
     virtualbus::unplug(desk.unit->number);
     desk.tick(20);
     QCOMPARE(transferstate::fakeProgressValue, 0);
@@ -61,7 +62,7 @@ void TestCreepingProgress::alsoWhileTheImageIsSent()
 {
     TransferDesk desk(UNIT_HB4);
     desk.startStream(imageOf(6000));
-    desk.window->fakeProgressActive = 1;
+    desk.window.state().fakeProgressActive = 1;
     desk.tick(10);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), 4);
 }
@@ -69,7 +70,7 @@ void TestCreepingProgress::alsoWhileTheImageIsSent()
 void TestCreepingProgress::beforeAnythingElseInATick()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->applyingPhase = 1;
+    desk.window.state().applyingPhase = 1;
     desk.unit->sayStatus(0xE0);
     desk.tick(); // starts the creeping, does not step
     QCOMPARE(transferstate::fakeProgressTick, 0);
@@ -88,9 +89,9 @@ void TestCreepingProgress::goesOnWhereTheLastOneStopped()
 {
     TransferDesk desk(UNIT_HB4);
     transferstate::fakeProgressValue = 40; // of an earlier installation
-    desk.window->applyingPhase = 1;
+    desk.window.state().applyingPhase = 1;
     virtualbus::unplug(desk.unit->number);
-    desk.window->fakeProgressActive = 1;
+    desk.window.state().fakeProgressActive = 1;
     desk.tick(2);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), 40);
 }
@@ -100,8 +101,8 @@ void TestCreepingProgress::silentUnit()
 {
     TransferDesk desk(UNIT_HB4);
     transferstate::fakeProgressValue = 97;
-    placeFile("updater.sb", imageOf(10));
-    desk.window->applyingPhase = 1;
+    placeFile(filename::image, imageOf(10));
+    desk.window.state().applyingPhase = 1;
     desk.unit->sayStatus(0xE0);
     desk.window->updateDevice();
     QTRY_COMPARE(desk.window.bar("progressBarUpdate").value(), 98);
@@ -110,14 +111,13 @@ void TestCreepingProgress::silentUnit()
     QVERIFY2(polls >= 4 && polls <= 12, qPrintable(QString::number(polls)));
     QTRY_VERIFY(desk.calls().size() >= polls + 4);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), 99);
-    QCOMPARE(desk.window.label("labelUpdate").text(),
-             QString("Update: in progress. Do not power off device!"));
+    QCOMPARE(desk.window.label("labelUpdate").text(), QString(text::updateInProgress));
 }
 
 void TestCreepingProgress::finishedStaysAtHundred()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->applyingPhase = 1;
+    desk.window.state().applyingPhase = 1;
     QVERIFY(quits([&] {
         desk.unit->sayStatus(0xE0);
         desk.unit->sayStatus(0xF0);

@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
 
 #include <QTimer>
 #include <QtTest>
@@ -19,7 +20,7 @@ const QByteArray none; ///< null: no such file
 
 QString imageName()
 {
-    return QCoreApplication::applicationDirPath() + "/updater.sb";
+    return QCoreApplication::applicationDirPath() + '/' + filename::image;
 }
 
 } // namespace
@@ -80,13 +81,13 @@ void TestFirmwareDownload::firstAndSecondDownload()
 
 void TestFirmwareDownload::leavesNothingInMemory()
 {
-    scene.checker->infoData = "stale catalogue";
+    scene.state().infoData = "stale catalogue";
     scene.ask(Request::image);
-    const QPointer<QNetworkReply> reply = scene.checker->reply;
+    const QPointer<QNetworkReply> reply = scene.state().reply;
     QTRY_COMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(scene.checker->reply, nullptr);
-    QVERIFY(scene.checker->infoData.isEmpty() && scene.checker->firmwareData.isEmpty());
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QCOMPARE(scene.state().reply, nullptr);
+    QVERIFY(scene.state().infoData.isEmpty() && scene.state().firmwareData.isEmpty());
+    QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
 }
 
@@ -95,11 +96,10 @@ void TestFirmwareDownload::answer_data()
     QTest::addColumn<Answer>("answer");
     QTest::addColumn<QByteArray>("stored");
     const QByteArray small("\0firm\r\nware\n", 12);
-    const QByteArray chunkedHead = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
     QTest::newRow("whole") << ok(image) << image;
     QTest::newRow("drop by drop") << Answer{drops(httpAnswer("200 OK", small)), End::keepOpen} << small;
-    QTest::newRow("chunked") << Answer{{chunkedHead + chunked(image, 999)}, End::keepOpen} << image;
-    QTest::newRow("no length, then closed") << Answer{{"HTTP/1.1 200 OK\r\n\r\n" + image}} << image;
+    QTest::newRow("chunked") << Answer{{inChunks(image, 999)}, End::keepOpen} << image;
+    QTest::newRow("no length, then closed") << Answer{{unannounced(image)}} << image;
     QTest::newRow("more than announced") << Answer{{httpAnswer("200 OK", image) + "and more"}} << image;
     QTest::newRow("as an image of some kind")
         << ok(image, {"Content-Type: application/octet-stream"}) << image;
@@ -136,7 +136,7 @@ void TestFirmwareDownload::noImage_data()
     QTest::newRow("a page of a captive portal") << ok(page, {"Content-Type: text/html"});
     QTest::newRow("a page, with its character set") << ok(page, {"Content-Type: text/html; charset=utf-8"});
     QTest::newRow("a page, in capital letters") << ok(page, {"CONTENT-TYPE: Text/HTML"});
-    QTest::newRow("cut short") << Answer{{"HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n" + page}};
+    QTest::newRow("cut short") << Answer{{announced(99, page)}};
 }
 
 void TestFirmwareDownload::noImage()
@@ -152,19 +152,19 @@ void TestFirmwareDownload::noImage()
 
 void TestFirmwareDownload::networkErrorWritesNothing()
 {
-    scene.checker->infoData = "catalogue";
-    scene.server.setAnswer(imagePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    scene.state().infoData = "catalogue";
+    scene.server.setAnswer(imagePath, {{announced(9, "half")}});
     download();
     QCOMPARE(scene.journal->events, scene.networkError(Request::image));
     QCOMPARE(ImageFiles::at(imageName()), ImageFiles{});
-    QCOMPARE(scene.checker->firmwareData, QByteArray("half")); // the buffers are kept
-    QCOMPARE(scene.checker->infoData, QByteArray("catalogue"));
-    QVERIFY(!scene.checker->timeoutTimer->isActive());
+    QCOMPARE(scene.state().firmwareData, QByteArray("half")); // the buffers are kept
+    QCOMPARE(scene.state().infoData, QByteArray("catalogue"));
+    QVERIFY(!scene.clock().isActive());
 }
 
 void TestFirmwareDownload::nextDownloadBeginsAfresh()
 {
-    scene.server.setAnswer(imagePath, {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf"}});
+    scene.server.setAnswer(imagePath, {{announced(9, "half")}});
     download();
     QCOMPARE(scene.journal->events, scene.networkError(Request::image));
     scene.server.setAnswer(imagePath, ok(image));
@@ -185,20 +185,20 @@ void TestFirmwareDownload::badAddress_data()
 void TestFirmwareDownload::badAddress()
 {
     QFETCH(QString, address);
-    scene.checker->binUrl = address;
+    scene.state().binUrl = address;
     scene.checker->onNeedDownloadNewFirmware();
     QCOMPARE(scene.journal->all, (QStringList{told::log("UpdateChecker::downloadError"),
                                               told::log("UpdateChecker::exitSlot"), told::problem()}));
-    QCOMPARE(scene.checker->binUrl, address);
-    QVERIFY(!scene.checker->isBusy() && !scene.checker->timeoutTimer->isActive());
+    QCOMPARE(scene.state().binUrl, address);
+    QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
 }
 
 void TestFirmwareDownload::addressIsCutInPlace()
 {
-    scene.checker->binUrl = scene.server.address(imagePath).replace("http:", "https:");
+    scene.state().binUrl = scene.server.address(imagePath).replace("http:", "https:");
     scene.checker->onNeedDownloadNewFirmware();
-    QCOMPARE(scene.checker->binUrl, QString(imagePath));
-    QCOMPARE(scene.checker->timeoutTimer->interval(), 30000);
+    QCOMPARE(scene.state().binUrl, QString(imagePath));
+    QCOMPARE(scene.clock().interval(), 30000);
     QTRY_COMPARE(scene.journal->events, QStringList{done}); // by plain HTTP
 }
 
@@ -214,7 +214,7 @@ void TestFirmwareDownload::progress()
     };
     QTRY_VERIFY(isTold());
     const int percent = scene.journal->progress.first();
-    const int arrived = scene.checker->firmwareData.size();
+    const int arrived = scene.state().firmwareData.size();
     QVERIFY2(percent < 100 && percent <= arrived * 100 / size, qPrintable(QString::number(percent)));
     for (int i = 0; i < bytes.size(); ++i)
         scene.server.goOn();

@@ -2,6 +2,7 @@
 #include "tests/support/faultycalls.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
 
 #include <QDir>
 #include <QtTest>
@@ -19,13 +20,13 @@ const QByteArray image(40000, 'n');
 const QByteArray previous(30000, 'p');
 
 const QString done = told::signal("newUpdateFileDownloaded", {"true"});
-const QStringList notSaved{told::savingProblem(), told::log("Error saving firmware to disk.")};
+const QStringList notSaved{told::savingProblem(), told::log(text::savingProblem)};
 const QStringList imageMissing{told::savingProblem(), told::log("Error not found update file"),
                                told::signal("checkversionError", {"Unknown error"})};
 
 QString imageName()
 {
-    return QCoreApplication::applicationDirPath() + "/updater.sb";
+    return QCoreApplication::applicationDirPath() + '/' + filename::image;
 }
 
 } // namespace
@@ -107,8 +108,8 @@ void TestFirmwareSaving::cannotBeSaved()
     QTEST(files.image, "left");
     if (hadImage)
         QCOMPARE(files.image.isNull() ? files.backup : files.image, previous);
-    QCOMPARE(scene.checker->reply, nullptr);
-    QVERIFY(scene.checker->firmwareData.isEmpty());
+    QCOMPARE(scene.state().reply, nullptr);
+    QVERIFY(scene.state().firmwareData.isEmpty());
 }
 
 void TestFirmwareSaving::diskIsFullInMidFile()

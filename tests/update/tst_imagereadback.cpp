@@ -1,5 +1,6 @@
 #include "tests/support/faultycalls.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
 #include "update/imagestore.h"
 
 #include <QTemporaryDir>
@@ -49,7 +50,7 @@ void TestImageReadBack::diskKeepsSomethingElse()
 {
     QFETCH(Kept, kept);
     const QTemporaryDir folder;
-    const QString name = folder.filePath("updater.sb");
+    const QString name = folder.filePath(filename::image);
     QVERIFY((ImageFiles{previous, none, none}.placeAt(name)));
     const ImageStore store(name);
     faultycalls::spoil(kept);

@@ -1,6 +1,7 @@
 #include "tests/support/faultycalls.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
 #include "update/imagestore.h"
 
 #include <QDir>
@@ -67,7 +68,7 @@ private:
 void TestImageStore::init()
 {
     folder = std::make_unique<QTemporaryDir>();
-    name = folder->filePath("updater.sb");
+    name = folder->filePath(filename::image);
 }
 
 void TestImageStore::place(const ImageFiles& files) const

@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 #include "tests/support/transferdesk.h"
 
@@ -21,8 +22,8 @@ class RunningInstallation : public TransferDesk
 public:
     RunningInstallation() : TransferDesk(UNIT_HB4)
     {
-        placeFile("updater.sb", imageOf(10));
-        window->applyingPhase = 1;
+        placeFile(filename::image, imageOf(10));
+        window.state().applyingPhase = 1;
         window.boxes.leaveOpen();
         window->updateDevice();
     }
@@ -102,7 +103,10 @@ private:
     }
 
     [[nodiscard]] int reportsRead() const { return calls().filter("result=64").size(); }
-    [[nodiscard]] bool isSettled() const { return window.boxes.openCount() == window->installationBoxes; }
+    [[nodiscard]] bool isSettled() const
+    {
+        return window.boxes.openCount() == window.state().installationBoxes;
+    }
 
     int said = 0; ///< reports so far; the script's thread only
 };
@@ -129,15 +133,15 @@ private slots:
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes_data()
 {
     QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("wrong digest") << 0xC0 << "Transfer failed. Wrong md5.";
-    QTest::newRow("rejected") << 0x70 << "Updating failed. Wrong file or some internal error.";
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("wrong digest") << 0xC0 << text::wrongDigest;
+    QTest::newRow("rejected") << 0x70 << text::rejected;
 }
 
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes()
 {
     QFETCH(int, status);
-    QFETCH(QString, text);
+    QFETCH(QString, shown);
     RunningInstallation desk;
     QList<int> open;
     QVERIFY(!desk.follow([&] {
@@ -149,7 +153,7 @@ void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes()
     QCOMPARE(open, (QList<int>{1, 2, 3, 2, 1, 0}));
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{3});
     for (const SeenBox& box : desk.window.boxes.seen())
-        QVERIFY(box.text.startsWith(text));
+        QCOMPARE(box.text, shown);
 }
 
 void TestInstallationBoxes::sixteenAtMost()
@@ -173,7 +177,7 @@ void TestInstallationBoxes::roomAfterADismissal()
     });
     QCOMPARE(open, (QList<int>{16, 15, 15, 16}));
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{17});
-    QVERIFY(desk.window.boxes.seen().back().text.startsWith("Updating failed."));
+    QCOMPARE(desk.window.boxes.seen().back().text, QString(text::rejected));
 }
 
 void TestInstallationBoxes::creepingGoesOnUnderABox()
@@ -203,7 +207,7 @@ void TestInstallationBoxes::startUnderABox()
         label = desk.onGui([&] { return desk.window.label("labelTransfer").text(); });
     });
     QCOMPARE(open, (QList<int>{1, 1}));
-    QCOMPARE(label, QString("Transfer: completed"));
+    QCOMPARE(label, QString(text::transferCompleted));
 }
 
 void TestInstallationBoxes::finishedUnderAnErrorBox()

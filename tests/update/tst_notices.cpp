@@ -1,4 +1,5 @@
 #include "net/updatechecker.h"
+#include "tests/support/boxlines.h"
 #include "tests/support/testwindow.h"
 #include "tests/support/ticks.h"
 
@@ -34,9 +35,9 @@ void TestNotices::lastVersion()
 {
     TestWindow window;
     const QStringList before = window.controls();
-    QVERIFY(runsOn([&] { emit window->updateChecker->youHaveLastVersion(); },
+    QVERIFY(runsOn([&] { emit window.checker().youHaveLastVersion(); },
                    [&] { return !window.boxes.seen().empty() && window.boxes.openCount() == 0; }));
-    QCOMPARE(window.boxes.lines(), QStringList{informationBox("Your unit has the latest software")});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::upToDate});
     QCOMPARE(window.controls(), before);
 }
 
@@ -45,21 +46,19 @@ void TestNotices::updaterIsBeingFetched()
     TestWindow window;
     bool stayedOpen = false;
     keepOpenAWhile(window.boxes, stayedOpen);
-    QVERIFY(quits([&] { emit window->updateChecker->startDownloadMainUpdate(); }));
+    QVERIFY(quits([&] { emit window.checker().startDownloadMainUpdate(); }));
     QVERIFY(stayedOpen); // the program ends with the box, not before
-    QCOMPARE(window.boxes.lines(),
-             QStringList{informationBox("Wait for download new Talvex Updater.\nClose program and insall new "
-                                        "version Talvex Updater.\nTry again update unit.")});
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::handOver});
 }
 
 void TestNotices::problem_data()
 {
     QTest::addColumn<QString>("detail");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("no detail") << QString() << "Problem with internet connection";
-    QTest::newRow("empty detail: a line break") << QString("") << "Problem with internet connection\n";
-    QTest::newRow("detail on its own line") << "Check the HD"
-                                            << "Problem with internet connection\nCheck the HD";
+    QTest::newRow("no detail") << QString() << text::networkProblem;
+    QTest::newRow("empty detail: a line break") << QString("") << QString(text::networkProblem) + '\n';
+    QTest::newRow("detail on its own line")
+        << text::savingAdvice << QString(text::networkProblem) + '\n' + text::savingAdvice;
 }
 
 void TestNotices::problem()
@@ -69,10 +68,9 @@ void TestNotices::problem()
     TestWindow window;
     bool stayedOpen = false;
     keepOpenAWhile(window.boxes, stayedOpen);
-    QVERIFY(quits(
-        [&] { emit window->updateChecker->youHaveProblem("Problem with internet connection", detail); }));
+    QVERIFY(quits([&] { emit window.checker().youHaveProblem(text::networkProblem, detail); }));
     QVERIFY(stayedOpen);
-    QCOMPARE(window.boxes.lines(), QStringList{criticalBox(shown)});
+    QCOMPARE(window.boxes.lines(), QStringList{errorBox(shown).line()});
 }
 
 void TestNotices::oneProblemAtATime()
@@ -80,10 +78,10 @@ void TestNotices::oneProblemAtATime()
     TestWindow window;
     window.boxes.whileOpen = [&](QMessageBox& box) {
         if (box.text() == "the first")
-            emit window->updateChecker->youHaveProblem("the next", QString());
+            emit window.checker().youHaveProblem("the next", QString());
     };
-    QVERIFY(quits([&] { emit window->updateChecker->youHaveProblem("the first", QString()); }));
-    QCOMPARE(window.boxes.lines(), QStringList{criticalBox("the first")});
+    QVERIFY(quits([&] { emit window.checker().youHaveProblem("the first", QString()); }));
+    QCOMPARE(window.boxes.lines(), QStringList{errorBox("the first").line()});
 }
 
 QTEST_MAIN(TestNotices)

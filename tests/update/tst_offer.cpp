@@ -1,5 +1,6 @@
 #include "net/updatechecker.h"
 #include "tests/support/testwindow.h"
+#include "tests/support/texts.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -11,7 +12,7 @@ using Answer = std::function<void(Boxes&)>;
 /// The window with nobody behind its requests, so that an accepted offer starts no download and no browser.
 struct OfferDesk
 {
-    OfferDesk() { QObject::disconnect(&*window, nullptr, window->updateChecker, nullptr); }
+    OfferDesk() { QObject::disconnect(&*window, nullptr, &window.checker(), nullptr); }
 
     /// How often each request was made: firmware, updater, nothing.
     [[nodiscard]] QList<int> requests() const { return {firmware.count(), updater.count(), nothing.count()}; }
@@ -99,8 +100,8 @@ void TestOffer::firmwareText()
     QFETCH(QString, text);
     OfferDesk desk;
     pressNo(desk.window.boxes);
-    desk.window->currentVersion = static_cast<std::uint8_t>(current);
-    emit desk.window->updateChecker->findNewVersion(latest, "what is new");
+    desk.window.state().currentVersion = static_cast<std::uint8_t>(current);
+    emit desk.window.checker().findNewVersion(latest, "what is new");
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     QCOMPARE(desk.window.boxes.seen().front().text, text);
 }
@@ -125,7 +126,7 @@ void TestOffer::updaterText()
     QFETCH(QString, text);
     OfferDesk desk;
     pressNo(desk.window.boxes);
-    emit desk.window->updateChecker->findMainNewVersion(latest, "what is new");
+    emit desk.window.checker().findMainNewVersion(latest, "what is new");
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     QCOMPARE(desk.window.boxes.seen().front().text, text);
 }
@@ -150,12 +151,7 @@ void TestOffer::box()
         desk.window->onFindNewVersion("12", "line 1\nline 2");
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     const SeenBox& box = desk.window.boxes.seen().front();
-    QCOMPARE(box.informativeText, QString("Would you like to update to latest version?"));
-    QCOMPARE(box.detailedText, QString("line 1\nline 2"));
-    QCOMPARE(box.buttons, (QStringList{"No", "Show Details...", "Yes"}));
-    QCOMPARE(box.defaultButton, QString("Yes"));
-    QCOMPARE(box.kind, QString("plain"));
-    QCOMPARE(box.title, QString());
+    QVERIFY2(box == offerBox(box.text, "line 1\nline 2"), qPrintable(box.line()));
     QVERIFY(!box.hasParent);
 }
 
@@ -164,7 +160,7 @@ void TestOffer::noChangeLog()
     OfferDesk desk;
     pressNo(desk.window.boxes);
     desk.window->onFindNewVersion("12", "");
-    QCOMPARE(desk.window.boxes.seen().front().buttons, (QStringList{"No", "Yes"}));
+    QCOMPARE(desk.window.boxes.seen().front().buttons, (QStringList{"Yes", "No"}));
 }
 
 void TestOffer::firmwareAnswer_data()
@@ -234,7 +230,7 @@ void TestOffer::requestPrecedesTheLabel()
     QObject::connect(&*desk.window, &MainWindow::needDownloadNewFirmware,
                      [&] { atRequest = desk.window.label("labelTransfer").text(); });
     desk.window->onFindNewVersion("12", "log");
-    QCOMPARE(atRequest, QString("Transfer:"));
+    QCOMPARE(atRequest, QString(text::transferIdle));
 }
 
 QTEST_MAIN(TestOffer)

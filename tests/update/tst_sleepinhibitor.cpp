@@ -82,11 +82,11 @@ private slots:
             QTRY_COMPARE(logind.inhibitors(), held); // while the answer to the request is awaited
             if (status != 0xA0 && status != 0xB0) {
                 unit->sayStatus(0x90);
-                QTRY_VERIFY(window->packetNumber > 1);
+                QTRY_VERIFY(window.state().packetNumber > 1);
                 QCOMPARE(logind.inhibitors(), held); // in the stream
-                QTRY_COMPARE(window->applyingPhase, 1);
+                QTRY_COMPARE(window.state().applyingPhase, 1);
                 unit->sayStatus(0xE0);
-                QTRY_COMPARE(window->fakeProgressActive, 1);
+                QTRY_COMPARE(window.state().fakeProgressActive, 1);
                 QCOMPARE(logind.inhibitors(), held); // while the unit installs
             }
             unit->sayStatus(static_cast<std::uint8_t>(status));

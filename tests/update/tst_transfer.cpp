@@ -1,3 +1,4 @@
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferprotocol.h"
 
@@ -17,11 +18,11 @@ QByteArray zeros(int bytes)
 
 void addModels()
 {
-    QTest::addColumn<int>("type");
-    QTest::newRow("older family, first") << static_cast<int>(UNIT_HB4);
-    QTest::newRow("older family, last") << static_cast<int>(UNIT_LMB2);
-    QTest::newRow("player, first") << static_cast<int>(UNIT_PLT70);
-    QTest::newRow("player, last") << static_cast<int>(UNIT_PLT65);
+    QTest::addColumn<UnitType>("type");
+    QTest::newRow("older family, first") << UNIT_HB4;
+    QTest::newRow("older family, last") << UNIT_LMB2;
+    QTest::newRow("player, first") << UNIT_PLT70;
+    QTest::newRow("player, last") << UNIT_PLT65;
 }
 
 } // namespace
@@ -41,6 +42,8 @@ private slots:
     void packets_data();
     void packets();
     void nothingIsReadInTheStream();
+    void anyStatusInTheStream_data();
+    void anyStatusInTheStream();
     void packetsOfOneImage();
     void fullPacketAtTheEnd();
     void largePacketNumber_data();
@@ -56,36 +59,36 @@ void TestTransfer::request_data()
     const QByteArray digestOfAbc = QByteArray("900150983cd24fb0d6963f7d28e17f72").toHex();
     const QByteArray fox = "The quick brown fox jumps over the lazy dog";
     const QByteArray digestOfFox = QByteArray("9e107d9d372bb6826bd81d3542a419d6").toHex();
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QByteArray>("report");
     QTest::newRow("older family: command in front")
-        << int{UNIT_HB4} << QByteArray("abc") << "0080" + digestOfAbc + zeros(31);
-    QTest::newRow("older family: another image") << int{UNIT_HB4} << fox << "0080" + digestOfFox + zeros(31);
+        << UNIT_HB4 << QByteArray("abc") << "0080" + digestOfAbc + zeros(31);
+    QTest::newRow("older family: another image") << UNIT_HB4 << fox << "0080" + digestOfFox + zeros(31);
     QTest::newRow("player: command at 61")
-        << int{UNIT_PLT70} << QByteArray("abc") << "0000" + digestOfAbc + zeros(27) + "80000000";
+        << UNIT_PLT70 << QByteArray("abc") << "0000" + digestOfAbc + zeros(27) + "80000000";
     QTest::newRow("player: another image")
-        << int{UNIT_PLT70} << fox << "0000" + digestOfFox + zeros(27) + "80000000";
+        << UNIT_PLT70 << fox << "0000" + digestOfFox + zeros(27) + "80000000";
 }
 
 void TestTransfer::request()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(QByteArray, image);
     QFETCH(QByteArray, report);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     desk.load(image);
     desk.tick();
     QCOMPARE(desk.calls(), (QStringList{silentRead, writing})); // the unit's status is looked at first
     QCOMPARE(hexOf(desk.writes().front()), report);
     QCOMPARE(desk.phase(), QString("0 0 1 0"));
-    QCOMPARE(desk.window->updateSize, image.size());
+    QCOMPARE(desk.window.state().updateSize, image.size());
 }
 
 void TestTransfer::requestIsWrittenOnce()
 {
-    QFETCH(int, type);
-    TransferDesk desk(static_cast<UnitType>(type));
+    QFETCH(UnitType, type);
+    TransferDesk desk(type);
     desk.load(imageOf(200));
     desk.tick(5);
     QCOMPARE(desk.calls(),
@@ -95,8 +98,8 @@ void TestTransfer::requestIsWrittenOnce()
 
 void TestTransfer::acceptance()
 {
-    QFETCH(int, type);
-    TransferDesk desk(static_cast<UnitType>(type));
+    QFETCH(UnitType, type);
+    TransferDesk desk(type);
     desk.load(imageOf(200));
     desk.tick();
     desk.window.bar("progressBarTransfer").setValue(55); // as the download left it
@@ -106,10 +109,10 @@ void TestTransfer::acceptance()
     QVERIFY(desk.window.bar("progressBarTransfer").isEnabled());
     QCOMPARE(desk.window.bar("progressBarTransfer").value(), 0);
     QVERIFY(desk.window.label("labelTransfer").isEnabled());
-    QCOMPARE(desk.window.label("labelTransfer").text(), QString("Transfer: in progress"));
+    QCOMPARE(desk.window.label("labelTransfer").text(), QString(text::transferInProgress));
     QCOMPARE(desk.calls(),
              (QStringList{silentRead, writing, statusRead, writing})); // a packet in the same tick
-    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(desk.unit->layout, imageOf(200)).front()));
+    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(models::of(type), imageOf(200)).front()));
 }
 
 /// A report from before the request counts all the same; the request goes out, the stream follows.
@@ -125,27 +128,27 @@ void TestTransfer::acceptanceBeforeTheRequest()
     QCOMPARE(int{desk.writes().back()[1]}, 0x80);
     desk.tick();
     QCOMPARE(desk.calls(), (QStringList{statusRead, writing, writing}));
-    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(layoutA, imageOf(200)).front()));
+    QCOMPARE(hexOf(desk.writes().back()), hexOf(packetsOf(models::hb4, imageOf(200)).front()));
 }
 
 void TestTransfer::packets_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("size");
     for (const int size : {1, 59, 60, 61, 119, 120, 121, 6000, 15420}) {
-        QTest::addRow("older family, %d bytes", size) << int{UNIT_HB4} << size;
-        QTest::addRow("player, %d bytes", size) << int{UNIT_PLT65} << size;
+        QTest::addRow("older family, %d bytes", size) << UNIT_HB4 << size;
+        QTest::addRow("player, %d bytes", size) << UNIT_PLT65 << size;
     }
 }
 
 void TestTransfer::packets()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, size);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     const QByteArray image = imageOf(size);
     desk.startStream(image);
-    const std::vector<Bytes> expected = packetsOf(desk.unit->layout, image);
+    const std::vector<Bytes> expected = packetsOf(models::of(type), image);
     for (std::size_t i = 1; i < expected.size(); ++i)
         desk.tick(); // one packet each
     std::vector<Bytes> written = desk.writes();
@@ -165,6 +168,31 @@ void TestTransfer::nothingIsReadInTheStream()
     desk.tick(20);
     QCOMPARE(desk.calls().filter("hid_read").size(), 2);
     QCOMPARE(desk.phase(), QString("1 0 1 21"));
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+}
+
+void TestTransfer::anyStatusInTheStream_data()
+{
+    QTest::addColumn<UnitType>("type");
+    QTest::addColumn<int>("status");
+    for (int byte = 0; byte <= 0xFF; ++byte) {
+        QTest::addRow("older family, 0x%02X", byte) << UNIT_HB4 << byte;
+        QTest::addRow("player, 0x%02X", byte) << UNIT_PLT65 << byte;
+    }
+}
+
+void TestTransfer::anyStatusInTheStream()
+{
+    QFETCH(UnitType, type);
+    QFETCH(int, status);
+    const QByteArray image = imageOf(200);
+    TransferDesk desk(type);
+    desk.startStream(image);
+    desk.unit->sayStatus(static_cast<std::uint8_t>(status));
+    desk.tick(3);
+    std::vector<Bytes> packets = desk.writes();
+    packets.erase(packets.begin()); // the request
+    QVERIFY(packets == packetsOf(models::of(type), image));
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
 }
 
@@ -193,28 +221,26 @@ void TestTransfer::fullPacketAtTheEnd()
 
 void TestTransfer::largePacketNumber_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("left");
     QTest::addColumn<int>("headerAt");
     QTest::addColumn<QByteArray>("header");
-    QTest::newRow("older family, full packet") << int{UNIT_HB4} << 61 << 1 << QByteArray("00012345");
-    QTest::newRow("player, full packet") << int{UNIT_PLT65} << 61 << 61 << QByteArray("00012345");
-    QTest::newRow("older family, final packet: low 16 bits")
-        << int{UNIT_HB4} << 10 << 1 << QByteArray("d00a2345");
-    QTest::newRow("player, final packet: low 16 bits")
-        << int{UNIT_PLT65} << 10 << 61 << QByteArray("d00a2345");
+    QTest::newRow("older family, full packet") << UNIT_HB4 << 61 << 1 << QByteArray("00012345");
+    QTest::newRow("player, full packet") << UNIT_PLT65 << 61 << 61 << QByteArray("00012345");
+    QTest::newRow("older family, final packet: low 16 bits") << UNIT_HB4 << 10 << 1 << QByteArray("d00a2345");
+    QTest::newRow("player, final packet: low 16 bits") << UNIT_PLT65 << 10 << 61 << QByteArray("d00a2345");
 }
 
 void TestTransfer::largePacketNumber()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, left);
     QFETCH(int, headerAt);
     QFETCH(QByteArray, header);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     const int before = 74564; // packets already sent
     desk.startStream(imageOf(before * 60 + left));
-    desk.window->packetNumber = before;
+    desk.window.state().packetNumber = before;
     desk.tick();
     QCOMPARE(hexOf(desk.writes().back()).mid(2 * headerAt, 8), header);
 }
@@ -241,8 +267,8 @@ void TestTransfer::progressOfAShortImage()
 
 void TestTransfer::endOfTheStream()
 {
-    QFETCH(int, type);
-    TransferDesk desk(static_cast<UnitType>(type));
+    QFETCH(UnitType, type);
+    TransferDesk desk(type);
     desk.startStream(imageOf(59));
     QCOMPARE(desk.phase(), QString("0 1 1 0"));
     const QStringList before = desk.window.controls();

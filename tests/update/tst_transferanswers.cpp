@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
 #include <QtTest>
@@ -24,11 +25,12 @@ private slots:
 
 void TestTransferAnswers::status_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("phase");
     QTest::addColumn<QStringList>("boxes");
-    for (int nibble = 0; nibble <= 15; ++nibble) {
+    for (int byte = 0; byte <= 0xFF; ++byte) {
+        const int nibble = byte >> 4;
         QString phase = "0 0 1 0"; // ignored
         QStringList boxes;
         if (nibble == 0x9)
@@ -37,49 +39,46 @@ void TestTransferAnswers::status_data()
             phase = "0 1 1 0";
             boxes = QStringList{nibble == 0xA ? boxline::timedOut : boxline::skipped};
         }
-        for (const int low : {0x0, 0x5, 0xF}) {
-            const int byte = nibble << 4 | low;
-            QTest::addRow("older family, 0x%02X", byte) << int{UNIT_HB4} << byte << phase << boxes;
-            QTest::addRow("player, 0x%02X", byte) << int{UNIT_PLT65} << byte << phase << boxes;
-        }
+        QTest::addRow("older family, 0x%02X", byte) << UNIT_HB4 << byte << phase << boxes;
+        QTest::addRow("player, 0x%02X", byte) << UNIT_PLT65 << byte << phase << boxes;
     }
 }
 
 void TestTransferAnswers::status()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, status);
     QFETCH(QString, phase);
     QFETCH(QStringList, boxes);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     desk.load(imageOf(200));
     desk.tick();
-    desk.window->packetNumber = boxes.isEmpty() ? 0 : 7; // an error sets it back
+    desk.window.state().packetNumber = boxes.isEmpty() ? 0 : 7; // an error sets it back
     desk.unit->sayStatus(static_cast<std::uint8_t>(status));
     desk.tick();
     QCOMPARE(desk.phase(), phase);
     QCOMPARE(desk.window.boxes.lines(), boxes);
-    const bool accepted = desk.window->transferStarted == 1;
+    const bool accepted = desk.window.state().transferStarted == 1;
     QCOMPARE(desk.writes().size(), std::size_t{accepted ? 2U : 1U});
     QCOMPARE(desk.window.label("labelTransfer").text(),
-             QString(accepted ? "Transfer: in progress" : "Transfer:"));
+             QString(accepted ? text::transferInProgress : text::transferIdle));
 }
 
 void TestTransferAnswers::placeOfTheStatus_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("index");
-    QTest::newRow("older family: not at 60") << int{UNIT_HB4} << 60;
-    QTest::newRow("older family: not behind the first byte") << int{UNIT_HB4} << 1;
-    QTest::newRow("player: not in front") << int{UNIT_PLT65} << 0;
-    QTest::newRow("player: not at 61") << int{UNIT_PLT65} << 61;
+    QTest::newRow("older family: not at 60") << UNIT_HB4 << 60;
+    QTest::newRow("older family: not behind the first byte") << UNIT_HB4 << 1;
+    QTest::newRow("player: not in front") << UNIT_PLT65 << 0;
+    QTest::newRow("player: not at 61") << UNIT_PLT65 << 61;
 }
 
 void TestTransferAnswers::placeOfTheStatus()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, index);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     desk.load(imageOf(200));
     desk.tick();
     Bytes report(64, 0);
@@ -91,26 +90,26 @@ void TestTransferAnswers::placeOfTheStatus()
 
 void TestTransferAnswers::shortReport_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("length");
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("older family: no byte at all") << int{UNIT_HB4} << 0 << false;
-    QTest::newRow("older family: the status alone") << int{UNIT_HB4} << 1 << true;
-    QTest::newRow("player: all but the header") << int{UNIT_PLT65} << 60 << false;
-    QTest::newRow("player: up to the status") << int{UNIT_PLT65} << 61 << true;
+    QTest::newRow("older family: no byte at all") << UNIT_HB4 << 0 << false;
+    QTest::newRow("older family: the status alone") << UNIT_HB4 << 1 << true;
+    QTest::newRow("player: all but the header") << UNIT_PLT65 << 60 << false;
+    QTest::newRow("player: up to the status") << UNIT_PLT65 << 61 << true;
 }
 
 void TestTransferAnswers::shortReport()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, length);
     QFETCH(bool, accepted);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     desk.load(imageOf(200));
     desk.tick();
     desk.unit->say(Bytes(static_cast<std::size_t>(length), 0x90));
     desk.tick();
-    QCOMPARE(desk.window->transferStarted, accepted ? 1 : 0);
+    QCOMPARE(desk.window.state().transferStarted, accepted ? 1 : 0);
 }
 
 void TestTransferAnswers::failingReads()
@@ -125,7 +124,7 @@ void TestTransferAnswers::failingReads()
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
     virtualbus::failReads(desk.unit->number, false);
     desk.tick();
-    QCOMPARE(desk.window->transferStarted, 1);
+    QCOMPARE(desk.window.state().transferStarted, 1);
 }
 
 /// Reports from before the request stand in front of the answer.
@@ -175,7 +174,7 @@ void TestTransferAnswers::boxFirstThenItsStateChange()
     TransferDesk desk(UNIT_HB4);
     desk.load(imageOf(200));
     desk.tick();
-    desk.window->packetNumber = 3;
+    desk.window.state().packetNumber = 3;
     QString underTheBox;
     desk.window.boxes.whileOpen = [&](QMessageBox&) { underTheBox = desk.phase(); };
     desk.unit->sayStatus(static_cast<std::uint8_t>(status));

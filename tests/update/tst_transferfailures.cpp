@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
 #include <QDir>
@@ -60,7 +61,7 @@ void TestTransferFailures::requestNotTaken()
 void TestTransferFailures::requestToNoUnit()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->device = nullptr;
+    desk.window.state().device = nullptr;
     desk.load(imageOf(200));
     desk.tick();
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noRequest});
@@ -80,7 +81,7 @@ void TestTransferFailures::dataPacketNotTaken()
     QFETCH(int, failures);
     TransferDesk desk(UNIT_HB4);
     const QByteArray image = imageOf(240);
-    const std::vector<Bytes> packets = packetsOf(layoutA, image);
+    const std::vector<Bytes> packets = packetsOf(models::hb4, image);
     desk.startStream(image);
     virtualbus::failNextWrites(desk.unit->number, failures);
     desk.tick(2);
@@ -101,7 +102,7 @@ void TestTransferFailures::finalPacketNotTaken()
     virtualbus::failNextWrites(desk.unit->number, 9);
     desk.tick();
     QCOMPARE(desk.writes().size(), std::size_t{4}); // request, 1, final, final again
-    QCOMPARE(hexOf(desk.writes()[3]), hexOf(packetsOf(layoutA, image)[1]));
+    QCOMPARE(hexOf(desk.writes()[3]), hexOf(packetsOf(models::hb4, image)[1]));
     QCOMPARE(desk.phase(), QString("0 1 1 0"));
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
 }
@@ -120,21 +121,21 @@ void TestTransferFailures::unitUnpluggedInTheStream()
 
 void TestTransferFailures::behindTheEndOfTheImage_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<QByteArray>("packet");
     const QByteArray zeroData(120, '0');
-    QTest::newRow("older family") << int{UNIT_HB4} << "0000000004" + zeroData;
-    QTest::newRow("player") << int{UNIT_PLT65} << "00" + zeroData + "00000004";
+    QTest::newRow("older family") << UNIT_HB4 << "0000000004" + zeroData;
+    QTest::newRow("player") << UNIT_PLT65 << "00" + zeroData + "00000004";
 }
 
 /// Cannot come about by itself: the counters start anew with the final packet.
 void TestTransferFailures::behindTheEndOfTheImage()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(QByteArray, packet);
-    TransferDesk desk(static_cast<UnitType>(type));
+    TransferDesk desk(type);
     desk.startStream(imageOf(100));
-    desk.window->packetNumber = 3;
+    desk.window.state().packetNumber = 3;
     desk.tick();
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::behindTheEnd});
     QCOMPARE(hexOf(desk.writes().back()), packet);
@@ -146,7 +147,7 @@ void TestTransferFailures::stateChangeFirstThenThatBox()
 {
     TransferDesk desk(UNIT_HB4);
     desk.startStream(imageOf(100));
-    desk.window->packetNumber = 3;
+    desk.window.state().packetNumber = 3;
     QString underTheBox;
     std::size_t writesUnderTheBox = 0;
     desk.window.boxes.whileOpen = [&](QMessageBox&) {
@@ -164,21 +165,21 @@ void TestTransferFailures::noImage_data()
     QTest::newRow("no such file") << programFile("nowhere.sb");
     QTest::newRow("a directory") << QDir::tempPath();
     QTest::newRow("no file name") << QString();
-    QTest::newRow("empty") << programFile("updater.sb");
-    QTest::newRow("one byte more than any image can have") << programFile("updater.sb.upd");
+    QTest::newRow("empty") << programFile(filename::image);
+    QTest::newRow("one byte more than any image can have") << programFile(filename::download);
 }
 
 void TestTransferFailures::noImage()
 {
     QFETCH(QString, name);
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", "");
-    resize(programFile("updater.sb.upd"), 64 * 1024 * 1024 + 1);
+    placeFile(filename::image, "");
+    resize(programFile(filename::download), 64 * 1024 * 1024 + 1);
     desk.window->onChangeUpdateFileName(name);
     desk.load(imageOf(200)); // of an earlier update
-    QVERIFY(!desk.window->readImage());
-    QVERIFY(!desk.window->updaterFile.isOpen());
     desk.window->updateDevice();
+    QVERIFY(!desk.window.state().updaterFile.isOpen());
+    QVERIFY(desk.window.state().firmwareData.isEmpty());
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
 }
@@ -186,10 +187,11 @@ void TestTransferFailures::noImage()
 void TestTransferFailures::largestImage()
 {
     TransferDesk desk(UNIT_HB4);
-    resize(programFile("updater.sb.upd"), 64 * 1024 * 1024);
-    desk.window->onChangeUpdateFileName(programFile("updater.sb.upd"));
-    QVERIFY(desk.window->readImage());
-    QCOMPARE(desk.window->firmwareData.size(), 64 * 1024 * 1024);
+    resize(programFile(filename::download), 64 * 1024 * 1024);
+    desk.window->onChangeUpdateFileName(programFile(filename::download));
+    desk.window->updateDevice();
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+    QCOMPARE(desk.window.state().firmwareData.size(), 64 * 1024 * 1024);
 }
 
 /// The timer starts all the same and goes straight to following the installation.

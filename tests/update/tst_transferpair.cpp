@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
 #include <QtTest>
@@ -153,7 +154,7 @@ void TestTransferPair::displayStaysAsItWas()
     pair.startStream(imageOf(200));
     QCOMPARE(pair.window.controls(), before);
     QVERIFY(!pair.window.bar("progressBarTransfer").isEnabled());
-    QCOMPARE(pair.window.label("labelTransfer").text(), QString("Transfer:"));
+    QCOMPARE(pair.window.label("labelTransfer").text(), QString(text::transferIdle));
     pair.tick();
     QCOMPARE(pair.window.bar("progressBarTransfer").value(), 30); // the bar moves all the same
 }
@@ -177,7 +178,7 @@ void TestTransferPair::packetsGoToBoth()
     std::vector<Bytes> written = pair.writes();
     QVERIFY(written == pair.secondWrites());
     written.erase(written.begin());
-    QVERIFY(written == packetsOf(layoutB, image));
+    QVERIFY(written == packetsOf(models::plt70, image));
     QCOMPARE(pair.phase(), QString("0 1 1 0"));
 }
 
@@ -204,7 +205,7 @@ void TestTransferPair::packetNotTaken()
     std::vector<Bytes> written = pair.writes();
     QVERIFY(written == pair.secondWrites());
     written.erase(written.begin());
-    const std::vector<Bytes> packets = packetsOf(layoutB, image);
+    const std::vector<Bytes> packets = packetsOf(models::plt70, image);
     QVERIFY(written == std::vector<Bytes>(packets.begin(), packets.begin() + 3));
     QCOMPARE(pair.phase(), QString("1 0 1 3"));
     QCOMPARE(pair.window.boxes.lines(), QStringList{});
@@ -214,7 +215,7 @@ void TestTransferPair::packetNotTaken()
 void TestTransferPair::deckWithoutHandle()
 {
     Pair pair;
-    pair.window->device = nullptr;
+    pair.window.state().device = nullptr;
     pair.load(imageOf(200));
     pair.tick();
     QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::noRequest});

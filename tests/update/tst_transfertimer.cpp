@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferstate.h"
@@ -32,9 +33,9 @@ void takeNothing(TransferDesk& desk)
 /// The stream stands behind the image's end, as nothing but a fault of the program could bring it there.
 void overrun(TransferDesk& desk)
 {
-    desk.window->requestSent = 1;
-    desk.window->transferStarted = 1;
-    desk.window->packetNumber = 100;
+    desk.window.state().requestSent = 1;
+    desk.window.state().transferStarted = 1;
+    desk.window.state().packetNumber = 100;
 }
 
 } // namespace
@@ -65,16 +66,27 @@ private:
         passTicks(30, hasTicked);
         return hasTicked();
     }
+
+    /// Update Device, once the image's file is gone: its box opens, and no tick is made meanwhile.
+    static void pressWithoutImage(TransferDesk& desk)
+    {
+        desk.window->onChangeUpdateFileName("nowhere.sb");
+        bool tickedUnderTheBox = true;
+        desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
+        desk.window->updateDevice();
+        QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
+        QVERIFY(!tickedUnderTheBox);
+    }
 };
 
 void TestTransferTimer::pressStartsTheTimer()
 {
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", imageOf(500));
+    placeFile(filename::image, imageOf(500));
     desk.window.button("downloadLogFile").show();
     desk.window.button("downloadLogFile").setEnabled(true);
     desk.window.button("updateDeviceButton").setEnabled(true);
-    QTest::mouseClick(&desk.window.button("updateDeviceButton"), Qt::LeftButton);
+    desk.window.press("updateDeviceButton");
     QVERIFY(transferTimer != nullptr);
     QVERIFY(transferTimer->isActive());
     QCOMPARE(transferTimer->interval(), 1);
@@ -82,8 +94,8 @@ void TestTransferTimer::pressStartsTheTimer()
     QVERIFY(transferTimer->parent() == nullptr);
     QVERIFY(!desk.window.button("updateDeviceButton").isEnabled());
     QVERIFY(!desk.window.button("downloadLogFile").isEnabled());
-    QCOMPARE(desk.window->firmwareData, imageOf(500));
-    QVERIFY(!desk.window->updaterFile.isOpen());
+    QCOMPARE(desk.window.state().firmwareData, imageOf(500));
+    QVERIFY(!desk.window.state().updaterFile.isOpen());
     QCOMPARE(desk.calls(), QStringList{}); // the first tick comes a millisecond later
 }
 
@@ -91,22 +103,22 @@ void TestTransferTimer::imageUnderTheTimer()
 {
     TransferDesk desk(UNIT_PLT65);
     const QByteArray image = imageOf(6000);
-    placeFile("updater.sb", image);
+    placeFile(filename::image, image);
     desk.window->updateDevice();
     QTRY_COMPARE(desk.writes().size(), std::size_t{1});
     desk.unit->sayStatus(0x95);
     const QSignalSpy ticks(transferTimer, &QTimer::timeout);
-    QTRY_COMPARE(desk.window->applyingPhase, 1);
+    QTRY_COMPARE(desk.window.state().applyingPhase, 1);
     QVERIFY2(ticks.size() >= 101, qPrintable(QString::number(ticks.size()))); // a packet a tick
     std::vector<Bytes> written = desk.writes();
     written.erase(written.begin());
-    QVERIFY(written == packetsOf(layoutB, image));
+    QVERIFY(written == packetsOf(models::plt70, image));
 }
 
 void TestTransferTimer::secondPressStopsTheTimer()
 {
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", imageOf(500));
+    placeFile(filename::image, imageOf(500));
     desk.window->updateDevice();
     QTRY_VERIFY(!desk.calls().isEmpty());
     const QPointer<QTimer> timer = transferTimer;
@@ -120,7 +132,7 @@ void TestTransferTimer::secondPressStopsTheTimer()
 void TestTransferTimer::thirdPressStartsItAnew()
 {
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", imageOf(500));
+    placeFile(filename::image, imageOf(500));
     for (int press = 0; press < 3; ++press)
         desk.window->updateDevice();
     QVERIFY(transferTimer != nullptr);
@@ -133,16 +145,11 @@ void TestTransferTimer::secondPressWithoutImage()
 {
     TransferDesk desk(UNIT_HB4);
     const QByteArray image = imageOf(60000);
-    placeFile("updater.sb", image);
+    placeFile(filename::image, image);
     desk.unit->sayStatus(0x95);
     desk.window->updateDevice();
     QTRY_VERIFY(desk.writes().size() > 3);
-    desk.window->onChangeUpdateFileName("nowhere.sb");
-    bool tickedUnderTheBox = true;
-    desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
-    desk.window->updateDevice();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
-    QVERIFY(!tickedUnderTheBox);
+    pressWithoutImage(desk);
     QVERIFY(transferTimer == nullptr);
 }
 
@@ -159,7 +166,7 @@ void TestTransferTimer::noStepUnderABox()
 {
     QFETCH(Trouble, trouble);
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", imageOf(500));
+    placeFile(filename::image, imageOf(500));
     bool tickedUnderTheBox = true;
     desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
     trouble(desk);
@@ -168,26 +175,21 @@ void TestTransferTimer::noStepUnderABox()
     QTRY_COMPARE(desk.window.boxes.openCount(), 0);
     QVERIFY(!tickedUnderTheBox);
     QTRY_VERIFY(desk.calls().filter("timeout=100").size() >= 1); // then the installation is followed
-    QCOMPARE(desk.window->applyingPhase, 1);
+    QCOMPARE(desk.window.state().applyingPhase, 1);
     QCOMPARE(desk.window.boxes.lines().size(), 1);
 }
 
 void TestTransferTimer::noStepUnderTheBoxOfAMissingFile()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->onChangeUpdateFileName("nowhere.sb");
-    bool tickedUnderTheBox = true;
-    desk.window.boxes.whileOpen = [&](QMessageBox&) { tickedUnderTheBox = isTicking(desk); };
-    desk.window->updateDevice();
-    QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
-    QVERIFY(!tickedUnderTheBox);
+    pressWithoutImage(desk);
     QVERIFY(transferTimer != nullptr && transferTimer->isActive());
 }
 
 void TestTransferTimer::repeatedRefusalIsShownOnce()
 {
     TransferDesk desk(UNIT_HB4);
-    placeFile("updater.sb", imageOf(500));
+    placeFile(filename::image, imageOf(500));
     desk.window->updateDevice();
     QTRY_COMPARE(desk.writes().size(), std::size_t{1});
     for (int i = 0; i < 10; ++i)

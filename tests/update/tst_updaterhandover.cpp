@@ -71,7 +71,7 @@ void TestUpdaterHandover::openerGetsTheAddress()
     QVERIFY(opener.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", folder.path().toUtf8() + ':' + path);
-    scene.checker->mainBinUrl = address;
+    scene.state().mainBinUrl = address;
     scene.checker->onNeedDownloadNewMainFirmware();
     qputenv("PATH", path);
     QCOMPARE(scene.journal->all, QStringList{told::signal("startDownloadMainUpdate")});

@@ -1,28 +1,23 @@
 #include "tests/support/boxlines.h"
 #include "tests/support/testwindow.h"
+#include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
+#include "tests/support/transferfaults.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QtTest>
 
-using virtualunit::Fault;
-
 namespace {
 
-int plugIn(UnitType type, std::optional<Fault> fault = {}, int argument = 0)
+int plugIn(UnitType type, const char* fault = nullptr)
 {
     virtualunit::Options options;
     options.type = type;
     options.periodMs =
         0; // it speaks when it has something to say, so a window that comes late misses nothing
-    if (fault)
-        options.faults.add(*fault, argument);
+    if (fault != nullptr && options.faults.addByName(fault))
+        qFatal("no fault %s", fault);
     return virtualbus::attach(options);
-}
-
-void click(TestWindow& window, const char* name)
-{
-    QTest::mouseClick(&window.button(name), Qt::LeftButton);
 }
 
 /// Whether the unit got every byte, as the wire format wants it, and installed the image.
@@ -45,8 +40,6 @@ class TestUpdateRoad : public QObject
 private slots:
     void everyModel_data();
     void everyModel();
-    void everyPair_data();
-    void everyPair();
     void everyLength_data();
     void everyLength();
     void fault_data();
@@ -55,122 +48,78 @@ private slots:
 
 void TestUpdateRoad::everyModel_data()
 {
-    QTest::addColumn<int>("type");
-    for (const UnitModel& model : unitModels)
-        if (model.pairMessage == nullptr)
-            QTest::newRow(model.connectedMessage) << static_cast<int>(model.type);
+    QTest::addColumn<QString>("message");
+    for (const models::Connection& connection : models::connections())
+        QTest::newRow(connection.name) << connection.message();
 }
 
 void TestUpdateRoad::everyModel()
 {
-    QFETCH(int, type);
-    const QByteArray image = imageOf(1000);
-    placeServiceFile(image);
-    TestWindow window;
-    const int unit = plugIn(static_cast<UnitType>(type));
-    click(window, "connect_button");
-    QVERIFY(window.button("updateDeviceButton").isEnabled());
-    QVERIFY(quits([&] { click(window, "updateDeviceButton"); }));
-    QCOMPARE(window.boxes.lines(),
-             (QStringList{informationBox(unitModels.at(static_cast<std::size_t>(type)).connectedMessage),
-                          boxline::finished}));
-    QVERIFY(hasInstalled(unit, image));
-    QCOMPARE(window.label("labelTransfer").text(), QString("Transfer: completed"));
-    QCOMPARE(window.label("labelUpdate").text(), QString("Update: finished"));
-}
-
-void TestUpdateRoad::everyPair_data()
-{
-    QTest::addColumn<int>("left");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("TRK300") << int{UNIT_TRK300_LEFT} << "TRK300 connected";
-    QTest::newRow("TRK900") << int{UNIT_TRK900_LEFT} << "TRK900 connected";
-}
-
-void TestUpdateRoad::everyPair()
-{
-    QFETCH(int, left);
     QFETCH(QString, message);
     const QByteArray image = imageOf(1000);
     placeServiceFile(image);
     TestWindow window;
-    const int leftDeck = plugIn(static_cast<UnitType>(left));
-    const int rightDeck = plugIn(static_cast<UnitType>(left + 1));
-    click(window, "connect_button");
-    QVERIFY(quits([&] { click(window, "updateDeviceButton"); }));
-    QCOMPARE(window.boxes.lines(), (QStringList{informationBox(message), boxline::finished}));
-    QVERIFY(hasInstalled(leftDeck, image));
-    QVERIFY(hasInstalled(rightDeck, image));
+    QList<int> units;
+    for (const models::Model& model : models::connectionOf(QTest::currentDataTag()).units)
+        units += plugIn(model.type);
+    window.press("connect_button");
+    QVERIFY(window.button("updateDeviceButton").isEnabled());
+    QVERIFY(quits([&] { window.press("updateDeviceButton"); }));
+    QCOMPARE(window.boxes.lines(), (QStringList{infoBox(message).line(), boxline::finished}));
+    for (const int unit : qAsConst(units))
+        QVERIFY(hasInstalled(unit, image));
+    QCOMPARE(window.label("labelTransfer").text(), QString(text::transferCompleted));
+    QCOMPARE(window.label("labelUpdate").text(), QString(text::updateFinished));
 }
 
 void TestUpdateRoad::everyLength_data()
 {
-    QTest::addColumn<int>("type");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("size");
     for (const int size : {1, 59, 60, 61, 120, 20000}) {
-        QTest::addRow("older family, %d bytes", size) << int{UNIT_HB4} << size;
-        QTest::addRow("player, %d bytes", size) << int{UNIT_PLT65} << size;
+        QTest::addRow("older family, %d bytes", size) << UNIT_HB4 << size;
+        QTest::addRow("player, %d bytes", size) << UNIT_PLT65 << size;
     }
 }
 
 void TestUpdateRoad::everyLength()
 {
-    QFETCH(int, type);
+    QFETCH(UnitType, type);
     QFETCH(int, size);
     const QByteArray image = imageOf(size);
     placeServiceFile(image);
     TestWindow window;
-    const int unit = plugIn(static_cast<UnitType>(type));
-    click(window, "connect_button");
-    QVERIFY(quits([&] { click(window, "updateDeviceButton"); }));
+    const int unit = plugIn(type);
+    window.press("connect_button");
+    QVERIFY(quits([&] { window.press("updateDeviceButton"); }));
     QVERIFY(hasInstalled(unit, image));
 }
 
 void TestUpdateRoad::fault_data()
 {
-    QTest::addColumn<int>("fault");
-    QTest::addColumn<int>("argument");
-    QTest::addColumn<QStringList>("boxes");
     QTest::addColumn<QString>("transfer");
-    QTest::addColumn<QString>("update");
-    const auto add = [](const char* name, Fault fault, int argument, const QStringList& boxes,
-                        const char* transfer, const char* update) {
-        QTest::newRow(name) << static_cast<int>(fault) << argument << boxes << transfer << update;
-    };
-    const char* const inProgress = "Transfer: in progress";
-    const char* const installing = "Update: in progress. Do not power off device!";
-    add("timed out", Fault::RefusesTimeout, 0, {boxline::timedOut}, "Transfer:", "Update:");
-    add("packets skipped", Fault::RefusesSkipped, 0, {boxline::skipped}, "Transfer:", "Update:");
-    add("takes nothing", Fault::TakesNothing, 0, {boxline::noRequest}, "Transfer:", "Update:");
-    add("never answers", Fault::NeverAnswers, 0, {}, "Transfer:", "Update:");
-    add("loses a packet", Fault::LosesPacket, 5, {boxline::wrongDigest}, inProgress, "Update:");
-    add("wrong digest", Fault::WrongDigest, 0, {boxline::wrongDigest}, inProgress, "Update:");
-    add("rejects the image", Fault::RejectsImage, 0, {boxline::rejected}, inProgress, "Update:");
-    add("installation fails", Fault::InstallationFails, 0, {boxline::rejected}, "Transfer: completed",
-        installing);
-    add("silent installation", Fault::SilentInstallation, 0, {}, "Transfer: completed", installing);
-    add("unplugged in the stream", Fault::UnpluggedAt, 5, {}, inProgress, "Update:");
+    for (const TransferFault& fault : transferFaults())
+        QTest::newRow(fault.option) << (fault.transfer == nullptr ? text::transferIdle : fault.transfer);
 }
 
 /// Each trouble is told once, and the program stays open.
 void TestUpdateRoad::fault()
 {
-    QFETCH(int, fault);
-    QFETCH(int, argument);
-    QFETCH(QStringList, boxes);
     QFETCH(QString, transfer);
-    QFETCH(QString, update);
+    const TransferFault& fault = transferFaultOfRow();
     placeServiceFile(imageOf(1000));
     TestWindow window;
-    plugIn(UNIT_HB4, static_cast<Fault>(fault), argument);
-    click(window, "connect_button");
-    const QStringList expected = QStringList{informationBox("HB4 connected")} + boxes;
-    QVERIFY(runsOn([&] { click(window, "updateDeviceButton"); },
+    plugIn(UNIT_HB4, fault.option);
+    window.press("connect_button");
+    QStringList expected{boxline::connected(UNIT_HB4)};
+    if (fault.box != nullptr)
+        expected += errorBox(fault.box, fault.title).line();
+    QVERIFY(runsOn([&] { window.press("updateDeviceButton"); },
                    [&] {
                        return window.boxes.lines().size() >= expected.size() &&
                               window.boxes.openCount() == 0 &&
                               window.label("labelTransfer").text() == transfer &&
-                              window.label("labelUpdate").text() == update;
+                              window.label("labelUpdate").text() == fault.update;
                    }));
     QCOMPARE(window.boxes.lines(), expected);
     QVERIFY(!window.button("updateDeviceButton").isEnabled());

@@ -3,6 +3,7 @@
 
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
 #include <QtTest>
@@ -39,7 +40,7 @@ void tst_usbaccess::withoutAccess()
     MUST(program.start());
     for (int press = 1; press <= 2; ++press) {
         MUST(program.press("connect_button"));
-        MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+        MUST(program.waitForBox(errorBox(text::notFound)));
         MUST(program.answer("Ok"));
         MUST(program.waitForNoBox());
     }
@@ -59,7 +60,7 @@ void tst_usbaccess::withAccess()
     useRealBus(program);
     program.setVariable("http_proxy", server.proxy());
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program, "HB4 connected"));
+    MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
     MUST(scenario::seeFinished(program));
     QFile received(qEnvironmentVariable("TALVEX_TEST_UNIT") + "/unit.image");

@@ -2,6 +2,7 @@
 
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
 #include <X11/keysym.h>
@@ -51,19 +52,12 @@ void tst_usblog::wholeLog_data()
 {
     constexpr int parts = 4; // few: see wholeLog
     constexpr int partSize = 63;
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("message");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<QString>("more"); // options of the unit
     QTest::addColumn<int>("size");     // bytes that arrive
-    QTest::newRow("header first") << "lmb2"
-                                  << "LMB-2 connected"
-                                  << "" << parts * partSize + 10;
-    QTest::newRow("header last") << "plt65"
-                                 << "PLT65 connected"
-                                 << "" << parts * partSize + 10;
-    QTest::newRow("no log") << "lmb2"
-                            << "LMB-2 connected"
-                            << ",fault=no-log" << 0;
+    QTest::newRow("header first") << UNIT_LMB2 << "" << parts * partSize + 10;
+    QTest::newRow("header last") << UNIT_PLT65 << "" << parts * partSize + 10;
+    QTest::newRow("no log") << UNIT_LMB2 << ",fault=no-log" << 0;
 }
 
 /// The program waits 100 ms for each part and then no more, which is too short for a guest whose host is
@@ -78,35 +72,34 @@ void tst_usblog::wholeLog()
 
 void tst_usblog::pullLog(bool& isStored)
 {
-    QFETCH(QString, model);
-    QFETCH(QString, message);
+    QFETCH(UnitType, type);
     QFETCH(QString, more);
     QFETCH(int, size);
     const QByteArray log = scenario::image(size);
 
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    MUST(program.placeFile(filename::service, "image")); // so that no server is asked
     QFile file(program.scratchPath("unit.log"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
     PluggedUnits units;
-    MUST(units.plugIn({scenario::unitOptions(program, model, ",log=" + file.fileName() + more)}));
+    MUST(units.plugIn(
+        {scenario::unitOptions(program, models::of(type).option, ",log=" + file.fileName() + more)}));
     MUST(program.start());
-    MUST(scenario::connectUnit(program, message));
+    MUST(scenario::connectUnit(program, models::of(type).connected));
     MUST(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
     MUST(program.press("downloadLogFile"));
     const bool isStalled = !seesTheEnd(program);
     if (isStalled)
         MUST(program.press("stopDownloadingFile"));
-    MUST(
-        program.waitForBox(infoBox("Download log file is complete.\nYou can find it in program directory.")));
+    MUST(program.waitForBox(infoBox(text::logComplete)));
     MUST(program.answer("Ok"));
     MUST(program.waitForExit(0));
     MUST(units.seeGivenBack());
     if (isStalled)
         return;
 
-    const QStringList stored = QDir(program.ownPath(".")).entryList({"*_log.enc"}, QDir::Files);
+    const QStringList stored = QDir(program.ownPath(".")).entryList({filename::anyLog}, QDir::Files);
     QCOMPARE(stored.size(), 1);
     QVERIFY(program.fileContent(stored.first()) == log);
     QCOMPARE(scenario::journal(program).filter(QRegularExpression("^error ")), QStringList());

@@ -2,6 +2,8 @@
 
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/models.h"
+#include "tests/support/texts.h"
 #include "tests/usb/otherprogram.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -11,7 +13,7 @@ namespace {
 
 BoxText notFoundBox()
 {
-    return errorBox("Device is not found.\nPlease connect.");
+    return errorBox(text::notFound);
 }
 
 Outcome pressInVain(Program& program)
@@ -57,55 +59,29 @@ void tst_usbmodels::initTestCase()
 
 void tst_usbmodels::everyModel_data()
 {
-    QTest::addColumn<QStringList>("models");
-    QTest::addColumn<QString>("stem"); // of the keys in the catalogue
-    QTest::addColumn<QString>("message");
-
-    const auto row = [](const QStringList& models, const char* stem, const char* message) {
-        QTest::newRow(qPrintable(models.join('+'))) << models << stem << message;
-    };
-    row({"hb4"}, "HB4", "HB4 connected");
-    row({"hb2"}, "HB2", "HB2 connected");
-    row({"hbx"}, "HBX", "HBX connected");
-    row({"zeq-pro"}, "ZEQPRO", "ZEQ PRO connected");
-    row({"zeq-io"}, "ZEQPRO", "ZEQ IO connected");
-    row({"panel2v"}, "PANEL", "PANEL2V connected");
-    row({"panel4v"}, "PANEL", "PANEL4V connected");
-    row({"dsk10"}, "DSK10", "DSK10/DSK9 connected");
-    row({"dsk6"}, "DSK10", "DSK6/DSK5 connected");
-    row({"lmb1"}, "LMB1", "LMB-1 connected");
-    row({"lmb2"}, "LMB2", "LMB-2 connected");
-    row({"plt70"}, "PLT70", "PLT70 connected");
-    row({"trk300-left", "trk300-right"}, "PLT70", "TRK300 connected");
-    row({"trk900-left", "trk900-right"}, "PLT70", "TRK900 connected");
-    row({"plt65"}, "PLT70", "PLT65 connected");
+    QTest::addColumn<QByteArray>("name");
+    for (const models::Connection& connection : models::connections())
+        QTest::newRow(connection.name) << connection.name;
 }
 
 void tst_usbmodels::everyModel()
 {
-    QFETCH(QStringList, models);
-    QFETCH(QString, stem);
-    QFETCH(QString, message);
-    MUST(publishFirmware(server, stem, scenario::offeredVersion, "image", scenario::changeLog));
-
+    QFETCH(QByteArray, name);
+    const models::Connection connection = models::connectionOf(name);
     Program program(desktop);
     useRealBus(program);
-    program.setVariable("http_proxy", server.proxy());
-    QStringList options;
-    for (const QString& model : models)
-        options += scenario::unitOptions(program, model, {}, model);
+    MUST(scenario::offer(program, server, connection, "image"));
     PluggedUnits units;
-    MUST(units.plugIn(options));
+    MUST(units.plugIn(scenario::options(program, connection)));
     MUST(program.start());
-    MUST(scenario::connectUnit(program, message));
-    const QString offer = "Your unit current version: 2.3\nLatest version: 2.8";
-    MUST(program.waitForBox(offerBox(offer, scenario::changeLog)));
+    MUST(scenario::connectUnit(program, connection.message()));
+    MUST(program.waitForBox(offerBox(scenario::offerText(), scenario::changeLog)));
     MUST(program.answer("No"));
     MUST(close(program));
     MUST(units.seeGivenBack());
     QCOMPARE(program.errorOutput(), QString());
-    for (const QString& model : models) {
-        QStringList told = scenario::journal(program, model);
+    for (const models::Model& unit : connection.units) {
+        QStringList told = scenario::journal(program, unit.option);
         told.removeAll("closed"); // a unit notices that after a while
         QCOMPARE(told, QStringList{"opened"});
     }
@@ -129,7 +105,7 @@ void tst_usbmodels::unitPluggedInLater()
 {
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    MUST(program.placeFile(filename::service, "image")); // so that no server is asked
     const QString unit = scenario::unitOptions(program, "plt70");
     PluggedUnits before;
     MUST(before.plugIn({unit}));
@@ -139,7 +115,7 @@ void tst_usbmodels::unitPluggedInLater()
 
     PluggedUnits after;
     MUST(after.plugIn({unit}));
-    MUST(scenario::connectUnit(program, "PLT70 connected"));
+    MUST(scenario::connectUnit(program, models::plt70.connected));
     MUST(close(program));
     MUST(after.seeGivenBack());
 }
@@ -158,7 +134,7 @@ void tst_usbmodels::heldByAnotherProgram()
     QFETCH(bool, isFound);
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image"));
+    MUST(program.placeFile(filename::service, "image"));
     PluggedUnits units;
     MUST(units.plugIn({scenario::unitOptions(program, "hb4")}));
     OtherProgram other;
@@ -168,7 +144,7 @@ void tst_usbmodels::heldByAnotherProgram()
         MUST(pressInVain(program));
         MUST(other.letGo());
     }
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(close(program));
     MUST(other.letGo());
     MUST(units.seeGivenBack());

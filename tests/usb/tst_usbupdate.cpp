@@ -3,6 +3,7 @@
 #include "tests/harness/updateserver.h"
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
+#include "tests/support/transferfaults.h"
 #include "tests/usb/otherprogram.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -15,7 +16,6 @@ constexpr int wholeSize = 1'000'000;
 constexpr int wholeReports = wholeSize / 60 + 1;
 constexpr int bareReports = 3000;
 constexpr int smallSize = 6000;
-const QString advice = "Check the connections between PC and the unit and to try the update again.";
 
 /// Waits for a file with long pauses: whoever is measured shall have the processor.
 bool seesFile(const QString& path)
@@ -84,43 +84,31 @@ void tst_usbupdate::initTestCase()
 
 void tst_usbupdate::wholeUpdate_data()
 {
-    QTest::addColumn<QStringList>("models");
-    QTest::addColumn<QString>("stem");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("hb4") << QStringList{"hb4"} << "HB4"
-                         << "HB4 connected";
-    QTest::newRow("plt70") << QStringList{"plt70"} << "PLT70"
-                           << "PLT70 connected";
-    QTest::newRow("trk300") << QStringList{"trk300-left", "trk300-right"} << "PLT70"
-                            << "TRK300 connected";
+    QTest::addColumn<QByteArray>("name");
+    for (const char* name : {"hb4", "plt70", "trk300"})
+        QTest::newRow(name) << QByteArray(name);
 }
 
 void tst_usbupdate::wholeUpdate()
 {
-    QFETCH(QStringList, models);
-    QFETCH(QString, stem);
-    QFETCH(QString, message);
+    QFETCH(QByteArray, name);
+    const models::Connection connection = models::connectionOf(name);
     const QByteArray whole = scenario::image(wholeSize);
-    MUST(publishFirmware(server, stem, scenario::offeredVersion, whole, scenario::changeLog));
-
     Program program(desktop);
     useRealBus(program);
-    program.setVariable("http_proxy", server.proxy());
-    QStringList options;
-    for (const QString& model : models)
-        options += scenario::unitOptions(program, model, {}, model);
+    MUST(scenario::offer(program, server, connection, whole));
     PluggedUnits units;
-    MUST(units.plugIn(options));
+    MUST(units.plugIn(scenario::options(program, connection)));
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program, message));
+    MUST(scenario::connectAndDownload(program, connection.message()));
     MUST(program.press("updateDeviceButton"));
-    const double rate = reportsPerSecond(program, models.first());
+    const double rate = reportsPerSecond(program, connection.units.first().option);
     MUST(scenario::seeFinished(program));
     MUST(units.seeGivenBack());
 
-    for (const QString& model : models) {
-        QVERIFY(scenario::receivedImage(program, model) == whole);
-        QTRY_COMPARE(scenario::journal(program, model), scenario::faultlessJournal(whole));
+    for (const models::Model& unit : connection.units) {
+        QVERIFY(scenario::receivedImage(program, unit.option) == whole);
+        QTRY_COMPARE(scenario::journal(program, unit.option), scenario::faultlessJournal(whole));
     }
     const double bareRate = OtherProgram::pacedRate(flavour(), bareReports);
     QVERIFY(rate > 0 && bareRate > 0);
@@ -129,56 +117,35 @@ void tst_usbupdate::wholeUpdate()
 
 void tst_usbupdate::otherAnswers_data()
 {
-    QTest::addColumn<QString>("box");         // "": none
-    QTest::addColumn<QString>("transfer");    // the label above the transfer's bar
-    QTest::addColumn<QStringList>("journal"); // after "opened" and the request
-
-    const QString noBox;
-    const QString timedOut = "Transfer timeout failed.\n" + advice;
-    const QString skipped = "Transfer failed. Packets skipped.\n" + advice;
-    const QString wrongDigest = "Transfer failed. Wrong md5.\n" + advice;
-    const QString rejected = "Updating failed. Wrong file or some internal error.\n" + advice;
-    const QString idle = "Transfer:";
-    const QString sent = "Transfer: in progress";
-    const QString completed = "Transfer: completed";
-    const QStringList arrived{"accepted", "image-complete size=6000"};
-
-    QTest::newRow("never-answers") << noBox << idle << QStringList{"unanswered"};
-    QTest::newRow("refuses-timeout") << timedOut << idle << QStringList{"refused timeout"};
-    QTest::newRow("refuses-skipped") << skipped << idle << QStringList{"refused skipped"};
-    QTest::newRow("loses-packet:5") << wrongDigest << sent
-                                    << QStringList{"accepted", "lost packet=5",
-                                                   "error packet-number expected=5 got=6",
-                                                   "image-complete size=5940", "verdict wrong-digest"};
-    QTest::newRow("wrong-digest") << wrongDigest << sent << arrived + QStringList{"verdict wrong-digest"};
-    QTest::newRow("rejects-image") << rejected << sent << arrived + QStringList{"verdict rejected"};
-    QTest::newRow("installation-fails")
-        << rejected << completed << arrived + QStringList{"installing", "verdict rejected"};
-    QTest::newRow("silent-installation") << noBox << completed << arrived + QStringList{"installing"};
+    QTest::addColumn<QString>("transfer"); // the label above the transfer's bar
+    for (const TransferFault& fault : transferFaults()) {
+        const QString option = fault.option;
+        if (!option.startsWith("unplugged") && option != "takes-nothing") // these have tests of their own
+            QTest::newRow(fault.option) << (fault.transfer == nullptr ? text::transferIdle : fault.transfer);
+    }
 }
 
 void tst_usbupdate::otherAnswers()
 {
-    QFETCH(QString, box);
     QFETCH(QString, transfer);
-    QFETCH(QStringList, journal);
+    const TransferFault& expected = transferFaultOfRow();
     const QByteArray image = scenario::image(smallSize);
     const QString digest = QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
 
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", image)); // so that no server is asked
+    MUST(program.placeFile(filename::service, image)); // so that no server is asked
     PluggedUnits units;
     const QString fault = QString(",fault=") + QTest::currentDataTag();
     MUST(units.plugIn({scenario::unitOptions(program, "hb4", fault)}));
     MUST(program.start());
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.press("updateDeviceButton"));
-    if (!box.isEmpty()) {
-        MUST(program.waitForBox(errorBox(box)));
+    if (expected.box != nullptr) {
+        MUST(program.waitForBox(errorBox(expected.box, expected.title)));
         MUST(program.answer("Ok"));
     }
-    const QStringList soFar = QStringList{"opened", "request digest=" + digest} + journal;
+    const QStringList soFar = QStringList{"opened", "request digest=" + digest} + expected.journal;
     QTRY_COMPARE(scenario::journal(program), soFar);
     MUST(program.waitForText("labelTransfer", transfer));
     MUST(program.staysAway("another box", [](const View& view) { return view.boxCount() != 0; }));
@@ -191,14 +158,14 @@ void tst_usbupdate::unitThatTakesNothing()
 {
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", scenario::image(smallSize)));
+    MUST(program.placeFile(filename::service, scenario::image(smallSize)));
     PluggedUnits units;
     MUST(units.plugIn({scenario::unitOptions(program, "hb4", ",fault=takes-nothing")}));
     MUST(units.fillUp());
     MUST(program.start());
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.press("updateDeviceButton"));
-    MUST(program.waitForBox(errorBox(advice, "Error HID device")));
+    MUST(program.waitForBox(errorBox(text::noRequest, text::deviceError)));
     MUST(program.answer("Ok"));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0));

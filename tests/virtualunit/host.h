@@ -1,88 +1,24 @@
 #pragma once
 
+#include "tests/support/testimage.h"
+#include "tests/support/wire.h"
 #include "virtualunit/virtualunit.h"
 
-#include <QByteArray>
-#include <QCryptographicHash>
-#include <QList>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
 #include <stdexcept>
-#include <utility>
 
-/// A host for tests of the virtual unit. It has its own idea of the wire, in literal indexes of the 65-byte
-/// output report, and its own clock, which stands still unless told to go.
+/// A host for tests of the virtual unit, with its own clock, which stands still unless told to go.
 namespace host {
 
-/// Where one family of models keeps things, as indexes of the 65-byte output report.
-struct Family
-{
-    const char* model;
-    int command;
-    int data;
-};
-inline constexpr Family older{"hb4", 1, 5};
-inline constexpr Family players{"plt70", 61, 1};
+/// A model of each family.
+inline constexpr const models::Model& older = models::hb4;
+inline constexpr const models::Model& players = models::plt70;
 
+using namespace wire;
 using Bytes = QByteArray;
-
-/// 65 zero bytes but for the ones given by index.
-inline Bytes report(std::initializer_list<std::pair<int, int>> bytes)
-{
-    Bytes written(65, '\0');
-    for (const auto& [index, value] : bytes)
-        written[index] = static_cast<char>(value);
-    return written;
-}
-
-inline Bytes digestOf(const Bytes& image)
-{
-    return QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
-}
-
-inline Bytes request(const Family& family, const Bytes& digest)
-{
-    return report({{family.command, 0x80}}).replace(2, digest.size(), digest);
-}
-
-inline Bytes dataPacket(const Family& family, unsigned number, const Bytes& block)
-{
-    Bytes written = report({{family.command, (number >> 24) & 0x0F},
-                            {family.command + 1, (number >> 16) & 0xFF},
-                            {family.command + 2, (number >> 8) & 0xFF},
-                            {family.command + 3, number & 0xFF}});
-    return written.replace(family.data, 60, block.leftJustified(60, '\0'));
-}
-
-inline Bytes finalPacket(const Family& family, unsigned number, const Bytes& rest)
-{
-    Bytes written = report({{family.command, 0xD0},
-                            {family.command + 1, rest.size()},
-                            {family.command + 2, (number >> 8) & 0xFF},
-                            {family.command + 3, number & 0xFF}});
-    return written.replace(family.data, rest.size(), rest);
-}
-
-/// All reports that carry an image behind its request.
-inline QList<Bytes> packets(const Family& family, const Bytes& image)
-{
-    QList<Bytes> all;
-    int sent = 0;
-    for (; image.size() - sent >= 60; sent += 60)
-        all << dataPacket(family, static_cast<unsigned>(all.size()) + 1, image.mid(sent, 60));
-    return all << finalPacket(family, static_cast<unsigned>(all.size()) + 1, image.mid(sent));
-}
-
-/// An image in which no two blocks are alike.
-inline Bytes imageOf(int size)
-{
-    Bytes image(size, '\0');
-    for (int i = 0; i < size; ++i)
-        image[i] = static_cast<char>((i * 7 + i / 60) & 0xFF);
-    return image;
-}
 
 /// "hb4,version=23": one unit.
 inline virtualunit::Options options(const QString& text)
@@ -125,7 +61,7 @@ public:
         wait(ms);
         QString digits;
         for (const Bytes& input : read()) {
-            const int place = findUnitModel(unit.settings().type)->type >= UNIT_PLT70 ? 60 : 0;
+            const int place = models::of(unit.settings().type).layout.headerOffset;
             const QChar digit = QString::number(static_cast<unsigned char>(input.at(place)) >> 4, 16).at(0);
             if (!digits.endsWith(digit))
                 digits += digit;

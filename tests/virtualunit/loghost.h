@@ -7,9 +7,9 @@ namespace host {
 inline const Bytes acknowledge = report({{1, 0x30}});
 inline const Bytes resend = report({{1, 0x70}});
 
-inline Bytes logRequest(const Family& family, int number = 1)
+inline Bytes logRequest(const models::Model& family, int number = 1)
 {
-    return report({{family.command, 0x10}, {family.command + 1, number}});
+    return report({{family.command(), 0x10}, {family.command() + 1, number}});
 }
 
 inline virtualunit::Options withLog(const QString& text, const Bytes& log)
@@ -23,8 +23,8 @@ inline virtualunit::Options withLog(const QString& text, const Bytes& log)
 class LogHost : public Host
 {
 public:
-    LogHost(const QString& text, const Bytes& log) : Host(withLog(text, log)) { ask(text); }
-    explicit LogHost(const QString& text) : Host(text) { ask(text); }
+    LogHost(const QString& text, const Bytes& log) : Host(withLog(text, log)) { ask(); }
+    explicit LogHost(const QString& text) : Host(text) { ask(); }
 
     /// The replies that come within 10 ms, with the bytes behind the last meaningful one cut off.
     QStringList replies()
@@ -48,10 +48,10 @@ public:
     }
 
 private:
-    void ask(const QString& text)
+    void ask()
     {
         read();
-        write(logRequest(text.startsWith("plt") ? players : older));
+        write(logRequest(models::of(unit.settings().type)));
     }
 };
 

@@ -1,5 +1,5 @@
+#include "tests/support/scriptedunit.h"
 #include "tests/virtualunit/host.h"
-#include "tests/virtualunit/scripteddevice.h"
 
 #include "virtualunit/hidapi/virtualbus.h"
 
@@ -13,8 +13,6 @@
 #include <thread>
 #include <unistd.h>
 
-using host::Bytes;
-
 using Action = std::function<void()>;
 Q_DECLARE_METATYPE(Action)
 
@@ -23,7 +21,7 @@ namespace {
 struct Ending
 {
     int status = 0; ///< of waitpid
-    Bytes errorOutput;
+    QByteArray errorOutput;
 };
 
 /// Runs `action` in a process of its own, which then ends by exit(0).
@@ -107,7 +105,7 @@ void TestVirtualBus::nullHandleEndsTheProcess()
     QVERIFY(WIFSIGNALED(ending.status));
     QCOMPARE(WTERMSIG(ending.status), SIGABRT);
     QCOMPARE(ending.errorOutput,
-             Bytes("talvex-virtual-hid: ") + QTest::currentDataTag() + " called with a null handle\n");
+             QByteArray("talvex-virtual-hid: ") + QTest::currentDataTag() + " called with a null handle\n");
 }
 
 void TestVirtualBus::closedHandleEndsTheProcess()
@@ -117,14 +115,14 @@ void TestVirtualBus::closedHandleEndsTheProcess()
     hid_close(device);
     const Ending ending = inChildProcess([=] { hid_write(device, bytes, 65); });
     QVERIFY(WIFSIGNALED(ending.status));
-    QCOMPARE(ending.errorOutput, Bytes("talvex-virtual-hid: hid_write called with a closed handle\n"));
+    QCOMPARE(ending.errorOutput, QByteArray("talvex-virtual-hid: hid_write called with a closed handle\n"));
 }
 
 void TestVirtualBus::foreignHandleEndsTheProcess()
 {
     const Ending ending = inChildProcess([] { hid_close(reinterpret_cast<hid_device*>(bytes)); });
     QVERIFY(WIFSIGNALED(ending.status));
-    QCOMPARE(ending.errorOutput, Bytes("talvex-virtual-hid: hid_close called with a foreign handle\n"));
+    QCOMPARE(ending.errorOutput, QByteArray("talvex-virtual-hid: hid_close called with a foreign handle\n"));
 }
 
 void TestVirtualBus::listFreedTwiceEndsTheProcess()
@@ -135,7 +133,7 @@ void TestVirtualBus::listFreedTwiceEndsTheProcess()
     const Ending ending = inChildProcess([=] { hid_free_enumeration(list); });
     QVERIFY(WIFSIGNALED(ending.status));
     QCOMPARE(ending.errorOutput,
-             Bytes("talvex-virtual-hid: hid_free_enumeration called with a foreign list\n"));
+             QByteArray("talvex-virtual-hid: hid_free_enumeration called with a foreign list\n"));
 }
 
 void TestVirtualBus::callsAreRecordedInOrder()
@@ -176,7 +174,7 @@ void TestVirtualBus::failedReads()
 
 void TestVirtualBus::clearLeavesHandlesUnplugged()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = hid_open_path("virtual:1");
     virtualbus::clear();
@@ -194,7 +192,7 @@ void TestVirtualBus::clearLeavesHandlesUnplugged()
 
 void TestVirtualBus::clearWakesABlockedRead()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = hid_open_path("virtual:1");
     int result = 99;
@@ -219,7 +217,7 @@ void TestVirtualBus::viewOfAUnit()
 {
     const int unit = virtualbus::attach(host::options("hb4"));
     hid_device* device = hid_open_path("virtual:1");
-    const Bytes report = host::finalPacket(host::older, 1, "abc");
+    const QByteArray report = host::finalPacket(host::older, 1, "abc");
     hid_write(device, reinterpret_cast<const unsigned char*>(report.constData()), 65);
     const virtualbus::UnitView view = virtualbus::unit(unit);
     QVERIFY(view.journal == (std::vector<std::string>{"opened", "error packet-unexpected"}));
@@ -229,7 +227,7 @@ void TestVirtualBus::viewOfAUnit()
 
 void TestVirtualBus::viewOfNothing()
 {
-    const int script = virtualbus::attach({}, std::make_shared<ScriptedDevice>());
+    const int script = virtualbus::attach({}, std::make_shared<ScriptedUnit>());
     QVERIFY(virtualbus::unit(script).journal.empty());
     QVERIFY(virtualbus::unit(99).journal.empty());
 }

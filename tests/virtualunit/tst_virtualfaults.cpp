@@ -56,9 +56,9 @@ void TestVirtualFaults::transferFaults()
     QFETCH(QString, statuses);
     QFETCH(Verdict, verdict);
     QFETCH(QString, line);
-    const Bytes image = host::imageOf(120);
-    for (const host::Family& family : {host::older, host::players}) {
-        Host host(family.model + faults);
+    const Bytes image = imageOf(120);
+    for (const models::Model& family : {host::older, host::players}) {
+        Host host(family.option + faults);
         host.read();
         host.write(host::request(family, host::digestOf(image)));
         for (const Bytes& report : host::packets(family, image))

@@ -1,10 +1,9 @@
+#include "tests/support/scriptedunit.h"
 #include "tests/virtualunit/hidcalls.h"
-#include "tests/virtualunit/scripteddevice.h"
 
 #include <QTest>
 
 using hidcalls::openFirst;
-using host::Bytes;
 
 namespace {
 
@@ -43,10 +42,10 @@ void TestVirtualHid::enumerationFilters_data()
         QTest::newRow(name) << vendorId << productId << found;
     };
     row("everything", 0, 0, "HB4 PLT-70 HB4");
-    row("one model, twice", 0x3A5D, 0x0A21, "HB4 HB4");
-    row("one model of any vendor", 0, 0x2C15, "PLT-70");
-    row("other vendor", 0x1234, 0x0A21, "");
-    row("other product", 0x3A5D, 0x0A22, "");
+    row("one model, twice", vendor, models::hb4.productId, "HB4 HB4");
+    row("one model of any vendor", 0, models::plt70.productId, "PLT-70");
+    row("other vendor", 0x1234, models::hb4.productId, "");
+    row("other product", vendor, models::of(UNIT_HB2).productId, "");
 }
 
 void TestVirtualHid::enumerationFilters()
@@ -72,9 +71,9 @@ void TestVirtualHid::enumerationStrings()
     virtualbus::attach(host::options("trk900-right"));
     hid_device_info* list = hid_enumerate(0, 0);
     QVERIFY(list != nullptr);
-    QCOMPARE(int(list->vendor_id), 0x3A5D);
-    QCOMPARE(int(list->product_id), 0x2B54);
-    QVERIFY(std::wcscmp(list->product_string, L"TRK-900 R") == 0);
+    QCOMPARE(list->vendor_id, vendor);
+    QCOMPARE(int(list->product_id), models::of(UNIT_TRK900_RIGHT).productId);
+    QCOMPARE(QString::fromWCharArray(list->product_string), QString(models::of(UNIT_TRK900_RIGHT).product()));
     QVERIFY(list->serial_number != nullptr);
     QVERIFY(list->manufacturer_string != nullptr);
     QCOMPARE(list->interface_number, 0);
@@ -120,7 +119,7 @@ void TestVirtualHid::openingBySerialNumber()
     record.productId = 7;
     for (const char* serial : {"A", "B"}) {
         record.serial = serial;
-        virtualbus::attach(record, std::make_shared<ScriptedDevice>());
+        virtualbus::attach(record, std::make_shared<ScriptedUnit>());
     }
     QVERIFY(hid_open(vendor, 7, L"C") == nullptr);
     hid_device* first = hid_open(vendor, 7, L"A");
@@ -167,8 +166,8 @@ void TestVirtualHid::deviceInfo()
     virtualbus::attach(host::options("lmb1"));
     hid_device* device = openFirst();
     const hid_device_info* info = hid_get_device_info(device);
-    QCOMPARE(Bytes(info->path), Bytes("virtual:1"));
-    QCOMPARE(int(info->product_id), 0x0D01);
+    QCOMPARE(QByteArray(info->path), QByteArray("virtual:1"));
+    QCOMPARE(int(info->product_id), models::of(UNIT_LMB1).productId);
     QCOMPARE(hid_get_device_info(device), info);
     QCOMPARE(virtualbus::enumerationsNotFreed(), 0); // the handle owns it
     hid_close(device);
@@ -190,7 +189,7 @@ void TestVirtualHid::constantAnswers()
     QCOMPARE(hid_exit(), 0);
     QVERIFY(std::wcslen(hid_error(nullptr)) > 0);
     QCOMPARE(hid_version()->minor, HID_API_VERSION_MINOR);
-    QCOMPARE(Bytes(hid_version_str()), Bytes(HID_API_VERSION_STR));
+    QCOMPARE(QByteArray(hid_version_str()), QByteArray(HID_API_VERSION_STR));
     hid_free_enumeration(nullptr);
 }
 

@@ -51,7 +51,7 @@ void TestVirtualLog::servesALog()
     QFETCH(QString, model);
     QFETCH(int, size);
     QFETCH(int, fullParts);
-    const Bytes log = host::imageOf(size);
+    const Bytes log = imageOf(size);
     LogHost host(model, log);
     const QString count = QString::number(fullParts + 1, 16).rightJustified(8, '0');
     QCOMPARE(host.replies(), QStringList(host::headerOf(log, count)));
@@ -74,7 +74,7 @@ void TestVirtualLog::servesALog()
 
 void TestVirtualLog::countIsBigEndian()
 {
-    const Bytes log = host::imageOf(63 * 0x010203);
+    const Bytes log = imageOf(63 * 0x010203);
     LogHost host("hb4", log);
     host.wait(10);
     QCOMPARE(host.read().value(0).mid(33, 4).toHex(), Bytes("00010204"));
@@ -112,7 +112,7 @@ void TestVirtualLog::requests()
 
 void TestVirtualLog::replyWaitsForItsAcknowledge()
 {
-    LogHost host("plt70", host::imageOf(100));
+    LogHost host("plt70", imageOf(100));
     QCOMPARE(host.replies().size(), 1);
     host.wait(100000);
     QCOMPARE(host.replies().size(), 0);
@@ -124,7 +124,7 @@ void TestVirtualLog::replyWaitsForItsAcknowledge()
 
 void TestVirtualLog::resendRepeatsTheReply()
 {
-    LogHost host("plt70", host::imageOf(200));
+    LogHost host("plt70", imageOf(200));
     const QStringList header = host.replies();
     host.write(resend);
     QCOMPARE(host.replies(), header);
@@ -139,7 +139,7 @@ void TestVirtualLog::resendRepeatsTheReply()
 
 void TestVirtualLog::reportsPauseWhileALogIsServed()
 {
-    LogHost host("hb4", host::imageOf(100));
+    LogHost host("hb4", imageOf(100));
     host.wait(1000);
     QCOMPARE(host.read().size(), 1);
     for (int i = 0; i < 3; ++i)
@@ -151,7 +151,7 @@ void TestVirtualLog::reportsPauseWhileALogIsServed()
 
 void TestVirtualLog::floodGoesOnWhileALogIsServed()
 {
-    LogHost host("hb4,floods-log=yes,period-ms=8", host::imageOf(100));
+    LogHost host("hb4,floods-log=yes,period-ms=8", imageOf(100));
     host.wait(80);
     QCOMPARE(host.read().size(), 11); // the header and ten ordinary reports
 }
@@ -175,7 +175,7 @@ void TestVirtualLog::complaints()
     QFETCH(Bytes, report);
     QFETCH(QString, error);
     for (const char* model : {"hb4", "plt70"}) {
-        LogHost host(model, host::imageOf(100));
+        LogHost host(model, imageOf(100));
         host.replies();
         host.write(acknowledge);
         host.write(report);
@@ -189,7 +189,7 @@ void TestVirtualLog::complaints()
 
 void TestVirtualLog::acknowledgeTooFew()
 {
-    LogHost host("hb4", host::imageOf(10));
+    LogHost host("hb4", imageOf(10));
     host.replies();
     host.next();
     host.unit.close(host.now);
@@ -199,7 +199,7 @@ void TestVirtualLog::acknowledgeTooFew()
 
 void TestVirtualLog::secondLogIsCountedAnew()
 {
-    LogHost host("hb4", host::imageOf(10));
+    LogHost host("hb4", imageOf(10));
     for (int i = 0; i < 2; ++i) {
         host.replies();
         host.next();
@@ -212,7 +212,7 @@ void TestVirtualLog::secondLogIsCountedAnew()
 
 void TestVirtualLog::transferEndsALog()
 {
-    LogHost host("hb4", host::imageOf(100));
+    LogHost host("hb4", imageOf(100));
     host.replies();
     host.write(host::request(host::older, host::digestOf("")));
     QVERIFY(host.journal().contains("log-abandoned replies=1 acknowledges=0"));

@@ -53,12 +53,12 @@ void TestVirtualLogFaults::noLog()
 
 void TestVirtualLogFaults::restartAfterTheLastPart()
 {
-    LogHost host("hb4,fault=wrong-count", host::imageOf(10));
-    QCOMPARE(host.replies(), QStringList(host::headerOf(host::imageOf(10), "00000002")));
+    LogHost host("hb4,fault=wrong-count", imageOf(10));
+    QCOMPARE(host.replies(), QStringList(host::headerOf(imageOf(10), "00000002")));
     host.next();
     host.write(logRequest(host::older));
     QCOMPARE(host.errors(), QStringList());
-    QCOMPARE(host.replies(), QStringList(host::headerOf(host::imageOf(10), "00000002")));
+    QCOMPARE(host.replies(), QStringList(host::headerOf(imageOf(10), "00000002")));
     host.write(acknowledge);
     host.write(acknowledge);
     QCOMPARE(host.errors(), QStringList("error log-acknowledge-unexpected"));
@@ -85,7 +85,7 @@ void TestVirtualLogFaults::counts()
     QFETCH(QString, fault);
     QFETCH(QString, announced);
     QFETCH(int, sent);
-    LogHost host("hb4" + fault, host::imageOf(136));
+    LogHost host("hb4" + fault, imageOf(136));
     host.wait(10);
     QCOMPARE(QString(host.read().value(0).mid(33, 4).toHex()), announced);
     QList<char> codes;
@@ -102,7 +102,7 @@ void TestVirtualLogFaults::counts()
 
 void TestVirtualLogFaults::unknownReplies()
 {
-    LogHost host("plt70,fault=unknown-replies:2", host::imageOf(10));
+    LogHost host("plt70,fault=unknown-replies:2", imageOf(10));
     host.replies();
     host.write(acknowledge);
     QCOMPARE(host.replies(), QStringList("5a"));
@@ -117,7 +117,7 @@ void TestVirtualLogFaults::unknownReplies()
 
 void TestVirtualLogFaults::strayReplies()
 {
-    LogHost host("hb4,fault=stray-replies:3", host::imageOf(10));
+    LogHost host("hb4,fault=stray-replies:3", imageOf(10));
     const QStringList replies = host.replies();
     QCOMPARE(replies.size(), 4);
     QCOMPARE(replies.mid(0, 3), QStringList({"5a", "5a", "5a"}));
@@ -126,20 +126,20 @@ void TestVirtualLogFaults::strayReplies()
 
 void TestVirtualLogFaults::stall()
 {
-    LogHost host("hb4,fault=stalls-after-part:1", host::imageOf(200));
+    LogHost host("hb4,fault=stalls-after-part:1", imageOf(200));
     host.replies();
     QCOMPARE(host.next().at(0), '\x40');
     host.write(acknowledge);
     host.wait(100000);
     QCOMPARE(host.read().size(), 0);
-    LogHost atOnce("hb4,fault=stalls-after-part:0", host::imageOf(200));
+    LogHost atOnce("hb4,fault=stalls-after-part:0", imageOf(200));
     QCOMPARE(atOnce.replies().size(), 1);
     QCOMPARE(atOnce.next(), Bytes());
 }
 
 void TestVirtualLogFaults::headerNeverComes()
 {
-    LogHost host("hb4,fault=header-never-comes", host::imageOf(200));
+    LogHost host("hb4,fault=header-never-comes", imageOf(200));
     host.wait(100000);
     QCOMPARE(host.read().size(), 0);
     QCOMPARE(host.journal().last(), "log-request number=1");
@@ -147,7 +147,7 @@ void TestVirtualLogFaults::headerNeverComes()
 
 void TestVirtualLogFaults::unpluggedAtPart()
 {
-    LogHost host("hb4,fault=unplugged-at-part:2", host::imageOf(200));
+    LogHost host("hb4,fault=unplugged-at-part:2", imageOf(200));
     host.replies();
     QCOMPARE(host.next().at(0), '\x40');
     QVERIFY(host.unit.isPluggedIn());

@@ -71,7 +71,7 @@ void TestVirtualOptions::imageFileIsWrittenWhole()
 {
     QTemporaryDir folder;
     const QString path = folder.filePath("image");
-    const Bytes image = host::imageOf(130);
+    const Bytes image = imageOf(130);
     Host host("hb4,image=" + path);
     host.write(host::request(host::older, host::digestOf(image)));
     const QList<Bytes> reports = host::packets(host::older, image);

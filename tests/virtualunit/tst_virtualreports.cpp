@@ -1,5 +1,5 @@
+#include "tests/support/scriptedunit.h"
 #include "tests/virtualunit/hidcalls.h"
-#include "tests/virtualunit/scripteddevice.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -10,7 +10,6 @@ using hidcalls::openFirst;
 using hidcalls::Read;
 using hidcalls::readTimeout;
 using hidcalls::write;
-using host::Bytes;
 
 /// Input and output reports through hidapi's interface, as a caller sees them.
 class TestVirtualReports : public QObject
@@ -51,7 +50,7 @@ void TestVirtualReports::versionReportComesByItself()
 
 void TestVirtualReports::newest32ReportsAreKept()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     virtualbus::change([&] {
@@ -59,7 +58,7 @@ void TestVirtualReports::newest32ReportsAreKept()
             script->input.push_back(std::vector<std::uint8_t>(64, i));
     });
     for (char i = 8; i < 40; ++i)
-        QCOMPARE(readTimeout(device, 0).bytes, Bytes(64, i));
+        QCOMPARE(readTimeout(device, 0).bytes, QByteArray(64, i));
     QCOMPARE(readTimeout(device, 0).result, 0);
 }
 
@@ -89,7 +88,7 @@ void TestVirtualReports::timeOuts_data()
 void TestVirtualReports::timeOuts()
 {
     QFETCH(int, milliseconds);
-    virtualbus::attach({}, std::make_shared<ScriptedDevice>());
+    virtualbus::attach({}, std::make_shared<ScriptedUnit>());
     QCOMPARE(readTimeout(openFirst(), milliseconds).result, 0);
     const virtualbus::Call call = virtualbus::callsOf("hid_read_timeout").at(0);
     QVERIFY(call.timeout == milliseconds);
@@ -98,7 +97,7 @@ void TestVirtualReports::timeOuts()
 
 void TestVirtualReports::timeOutIsNotShorterThanAsked()
 {
-    virtualbus::attach({}, std::make_shared<ScriptedDevice>());
+    virtualbus::attach({}, std::make_shared<ScriptedUnit>());
     hid_device* device = openFirst();
     for (int i = 0; i < 20; ++i) {
         QElapsedTimer timer;
@@ -110,29 +109,29 @@ void TestVirtualReports::timeOutIsNotShorterThanAsked()
 
 void TestVirtualReports::zeroLengthReportReadsAsNothing()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     script->input = {{}, {7}};
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     QCOMPARE(readTimeout(device, -1).result, 0);
-    QCOMPARE(readTimeout(device, -1).bytes, Bytes(1, 7));
+    QCOMPARE(readTimeout(device, -1).bytes, QByteArray(1, 7));
 }
 
 void TestVirtualReports::shortBufferCutsTheReport()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     script->input = {{1, 2, 3, 4}, {5}};
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     unsigned char buffer[3] = {9, 9, 9};
     QCOMPARE(hid_read(device, buffer, 2), 2);
-    QCOMPARE(Bytes(reinterpret_cast<char*>(buffer), 3), Bytes("\1\2\11"));
+    QCOMPARE(QByteArray(reinterpret_cast<char*>(buffer), 3), QByteArray("\1\2\11"));
     QCOMPARE(hid_read(device, buffer, 2), 1);
 }
 
 void TestVirtualReports::nonblockingRead()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     QCOMPARE(hid_set_nonblocking(device, 1), 0);
@@ -144,7 +143,7 @@ void TestVirtualReports::nonblockingRead()
 
 void TestVirtualReports::blockingReadWaitsForAReport()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     std::atomic<int> result{99};
@@ -176,7 +175,7 @@ void TestVirtualReports::unpluggedDeviceGivesItsQueueFirst()
 
 void TestVirtualReports::unplugWakesABlockedRead()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     const int unit = virtualbus::attach({}, script);
     hid_device* device = openFirst();
     int result = 99;
@@ -202,7 +201,7 @@ void TestVirtualReports::unitVanishesAtAWrite()
 
 void TestVirtualReports::closeWakesABlockedRead()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     virtualbus::attach({}, script);
     hid_device* device = openFirst();
     int result = 99;
@@ -216,10 +215,10 @@ void TestVirtualReports::closeWakesABlockedRead()
 
 void TestVirtualReports::writes()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     const int number = virtualbus::attach({}, script);
     hid_device* device = openFirst();
-    const Bytes report = host::report({{1, 0x80}, {64, 7}});
+    const QByteArray report = host::report({{1, 0x80}, {64, 7}});
     QCOMPARE(write(device, report), 65);
     QCOMPARE(write(device, report.left(3)), 3);
     QCOMPARE(hid_write(device, nullptr, 0), -1);
@@ -254,7 +253,7 @@ void TestVirtualReports::unitThatTakesNothingBlocksTheWriter()
 
 void TestVirtualReports::blockedWriterKeepsNobodyWaiting()
 {
-    const auto script = std::make_shared<ScriptedDevice>();
+    const auto script = std::make_shared<ScriptedUnit>();
     script->receipt = {false, 2000000000};
     script->input = {std::vector<std::uint8_t>(64)};
     const int unit = virtualbus::attach({}, script);
@@ -273,7 +272,7 @@ void TestVirtualReports::readerAndWriterInTwoThreads()
 {
     const int unit = virtualbus::attach(host::options("plt70,period-ms=1,install-ms=20,repeats-outcome=yes"));
     hid_device* device = openFirst();
-    const Bytes image = host::imageOf(60000);
+    const QByteArray image = imageOf(60000);
     std::atomic<char> status{0}; // repeated: a reader kept from running for 30 ms misses a single report
     std::thread reader([&] {
         const QDeadlineTimer limit(limits::hang());
@@ -284,7 +283,7 @@ void TestVirtualReports::readerAndWriterInTwoThreads()
     QCOMPARE(write(device, host::request(host::players, host::digestOf(image))), 65);
     QTRY_COMPARE(status.load(), '\x95');
     int written = 0;
-    for (const Bytes& report : host::packets(host::players, image))
+    for (const QByteArray& report : host::packets(host::players, image))
         written += write(device, report) == 65;
     reader.join();
     QCOMPARE(written, 1001);

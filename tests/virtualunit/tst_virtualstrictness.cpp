@@ -5,7 +5,7 @@
 using host::Bytes;
 using host::Host;
 
-Q_DECLARE_METATYPE(host::Family)
+Q_DECLARE_METATYPE(models::Model)
 
 using virtualunit::Verdict;
 
@@ -17,7 +17,7 @@ Bytes with(Bytes report, int index, int value)
     return report;
 }
 
-const host::Family families[] = {host::older, host::players};
+const models::Model families[] = {host::older, host::players};
 
 } // namespace
 
@@ -41,35 +41,35 @@ private slots:
 /// A good transfer of 70 bytes in which one report is replaced; the digest is that of the 70 bytes.
 void TestVirtualStrictness::strictness_data()
 {
-    QTest::addColumn<host::Family>("family");
+    QTest::addColumn<models::Model>("family");
     QTest::addColumn<int>("position"); // 0: request, 1: data packet, 2: final packet
     QTest::addColumn<Bytes>("report");
     QTest::addColumn<QString>("error");
     QTest::addColumn<QString>("statuses");
-    const Bytes image = host::imageOf(70);
-    for (const host::Family& f : families) {
+    const Bytes image = imageOf(70);
+    for (const models::Model& f : families) {
         const auto row = [&](const char* name, int position, const Bytes& report, const QString& error,
                              const QString& statuses) {
-            QTest::addRow("%s, %s", f.model, name) << f << position << report << error << statuses;
+            QTest::addRow("%s, %s", f.option, name) << f << position << report << error << statuses;
         };
         const Bytes data = host::packets(f, image).first();
         const Bytes last = host::packets(f, image).last();
-        const int lastPad = f.command == 1 ? 63 : 59;
+        const int lastPad = f.command() == 1 ? 63 : 59;
         const QString lastByte = QString::number(static_cast<uchar>(image.at(69)), 16);
         row("data packet too short", 1, data.left(64), "report-length got=64", "bc0");
         row("data packet too long", 1, data + '\0', "report-length got=66", "bc0");
         row("report ID 1", 1, with(data, 0, 1), "report-id got=0x01", "bc0");
-        row("unknown command", 1, with(data, f.command, 0x40), "command got=0x40", "bc0");
-        row("final command with a low half", 2, with(last, f.command, 0xD1), "command got=0xd1", "0");
-        row("packet number 2 first", 1, with(data, f.command + 3, 2), "packet-number expected=1 got=2",
+        row("unknown command", 1, with(data, f.command(), 0x40), "command got=0x40", "bc0");
+        row("final command with a low half", 2, with(last, f.command(), 0xD1), "command got=0xd1", "0");
+        row("packet number 2 first", 1, with(data, f.command() + 3, 2), "packet-number expected=1 got=2",
             "b70");
-        row("byte changed", 1, with(data, f.data + 17, 0xEE), "", "c0");
-        row("final number wrong", 2, with(last, f.command + 3, 3), "packet-number expected=2 got=3", "b70");
-        row("final count 60", 2, with(last, f.command + 1, 60), "final-count got=60", "c0");
-        row("final count 255", 2, with(last, f.command + 1, 255), "final-count got=255", "c0");
-        row("final count too small", 2, with(last, f.command + 1, 9),
-            QString("final-pad byte=%1 value=0x%2").arg(f.data + 8).arg(lastByte), "c0");
-        row("final pad not zero", 2, with(last, f.data + 59, 7),
+        row("byte changed", 1, with(data, f.data() + 17, 0xEE), "", "c0");
+        row("final number wrong", 2, with(last, f.command() + 3, 3), "packet-number expected=2 got=3", "b70");
+        row("final count 60", 2, with(last, f.command() + 1, 60), "final-count got=60", "c0");
+        row("final count 255", 2, with(last, f.command() + 1, 255), "final-count got=255", "c0");
+        row("final count too small", 2, with(last, f.command() + 1, 9),
+            QString("final-pad byte=%1 value=0x%2").arg(f.data() + 8).arg(lastByte), "c0");
+        row("final pad not zero", 2, with(last, f.data() + 59, 7),
             QString("final-pad byte=%1 value=0x07").arg(lastPad), "70");
         row("second request", 1, host::request(f, host::digestOf(image)), "request-during-transfer", "bc0");
     }
@@ -77,16 +77,16 @@ void TestVirtualStrictness::strictness_data()
 
 void TestVirtualStrictness::strictness()
 {
-    QFETCH(host::Family, family);
+    QFETCH(models::Model, family);
     QFETCH(int, position);
     QFETCH(Bytes, report);
     QFETCH(QString, error);
     QFETCH(QString, statuses);
-    const Bytes image = host::imageOf(70);
+    const Bytes image = imageOf(70);
     QList<Bytes> reports =
         QList<Bytes>{host::request(family, host::digestOf(image))} + host::packets(family, image);
     reports[position] = report;
-    Host host(family.model);
+    Host host(family.option);
     host.read();
     for (const Bytes& output : reports)
         host.write(output);
@@ -98,15 +98,15 @@ void TestVirtualStrictness::strictness()
 
 void TestVirtualStrictness::badRequests_data()
 {
-    QTest::addColumn<host::Family>("family");
+    QTest::addColumn<models::Model>("family");
     QTest::addColumn<Bytes>("report");
     QTest::addColumn<QString>("error");
     const Bytes digest = host::digestOf("abc");
-    const auto row = [](const char* name, const host::Family& family, const Bytes& report,
+    const auto row = [](const char* name, const models::Model& family, const Bytes& report,
                         const QString& error) {
-        QTest::addRow("%s, %s", family.model, name) << family << report << error;
+        QTest::addRow("%s, %s", family.option, name) << family << report << error;
     };
-    for (const host::Family& f : families) {
+    for (const models::Model& f : families) {
         const Bytes good = host::request(f, digest);
         row("capital digits", f, host::request(f, digest.toUpper()), "request-digest");
         row("one digit short", f, with(good, 33, 0), "request-digest");
@@ -122,10 +122,10 @@ void TestVirtualStrictness::badRequests_data()
 
 void TestVirtualStrictness::badRequests()
 {
-    QFETCH(host::Family, family);
+    QFETCH(models::Model, family);
     QFETCH(Bytes, report);
     QFETCH(QString, error);
-    Host host(family.model);
+    Host host(family.option);
     host.read();
     host.write(report);
     QCOMPARE(host.errors(), QStringList("error " + error));
@@ -139,30 +139,30 @@ void TestVirtualStrictness::badRequests()
 
 void TestVirtualStrictness::packetNumbers_data()
 {
-    QTest::addColumn<host::Family>("family");
+    QTest::addColumn<models::Model>("family");
     QTest::addColumn<Bytes>("number");
     QTest::addColumn<QString>("got");
-    for (const host::Family& f : families) {
-        QTest::addRow("%s, four different bytes", f.model) << f << Bytes::fromHex("00012345") << "74565";
-        QTest::addRow("%s, 28 bits", f.model) << f << Bytes::fromHex("0fffffff") << "268435455";
-        QTest::addRow("%s, highest byte only", f.model) << f << Bytes::fromHex("01000000") << "16777216";
+    for (const models::Model& f : families) {
+        QTest::addRow("%s, four different bytes", f.option) << f << Bytes::fromHex("00012345") << "74565";
+        QTest::addRow("%s, 28 bits", f.option) << f << Bytes::fromHex("0fffffff") << "268435455";
+        QTest::addRow("%s, highest byte only", f.option) << f << Bytes::fromHex("01000000") << "16777216";
     }
 }
 
 void TestVirtualStrictness::packetNumbers()
 {
-    QFETCH(host::Family, family);
+    QFETCH(models::Model, family);
     QFETCH(Bytes, number);
     QFETCH(QString, got);
-    Host host(family.model);
+    Host host(family.option);
     host.write(host::request(family, host::digestOf("")));
-    host.write(host::report({}).replace(family.command, 4, number));
+    host.write(host::report({}).replace(family.command(), 4, number));
     QCOMPARE(host.errors(), QStringList("error packet-number expected=1 got=" + got));
 }
 
 void TestVirtualStrictness::skippedPacketIsToldAtOnce()
 {
-    const Bytes image = host::imageOf(300);
+    const Bytes image = imageOf(300);
     const QList<Bytes> reports = host::packets(host::players, image);
     Host host("plt70");
     host.read();

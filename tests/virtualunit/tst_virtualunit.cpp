@@ -5,8 +5,6 @@
 using host::Bytes;
 using host::Host;
 
-Q_DECLARE_METATYPE(host::Family)
-
 /// What a host sees of a unit that it finds, updates and follows, with nothing wrong on either side.
 class TestVirtualUnit : public QObject
 {
@@ -34,46 +32,22 @@ private slots:
 
 void TestVirtualUnit::models_data()
 {
-    QTest::addColumn<int>("productId");
-    QTest::addColumn<QString>("product");
-    QTest::addColumn<int>("versionByte");
-    QTest::addColumn<int>("statusByte");
-    const auto row = [](const char* name, int productId, const QString& product, int versionByte,
-                        int statusByte) {
-        QTest::newRow(name) << productId << product << versionByte << statusByte;
-    };
-    row("hb4", 0x0A21, "HB4", 63, 0);
-    row("hb2", 0x0A22, "HB2", 63, 0);
-    row("hbx", 0x0A1F, "HBX", 63, 0);
-    row("zeq-pro", 0x0B06, "HB4", 63, 0);
-    row("zeq-io", 0x0B10, "HB4", 63, 0);
-    row("panel2v", 0x0A24, "PANEL", 62, 0);
-    row("panel4v", 0x0A23, "PANEL4", 62, 0);
-    row("dsk10", 0x2C16, "DSK-10", 62, 0);
-    row("dsk6", 0x2C17, "DSK-6", 62, 0);
-    row("lmb1", 0x0D01, "LMB-1", 63, 0);
-    row("lmb2", 0x0D02, "LMB-2", 63, 0);
-    row("plt70", 0x2C15, "PLT-70", 63, 60);
-    row("trk300-left", 0x2A41, "TRK-300 L", 63, 60);
-    row("trk300-right", 0x2A40, "TRK-300 R", 63, 60);
-    row("trk900-left", 0x2B55, "TRK-900 L", 63, 60);
-    row("trk900-right", 0x2B54, "TRK-900 R", 63, 60);
-    row("plt65", 0x2C01, "PLT-65", 63, 60);
+    QTest::addColumn<UnitType>("type");
+    for (const models::Model& model : models::all)
+        QTest::newRow(model.option) << model.type;
 }
 
 void TestVirtualUnit::models()
 {
-    QFETCH(int, productId);
-    QFETCH(QString, product);
-    QFETCH(int, versionByte);
-    QFETCH(int, statusByte);
-    Host host(QString(QTest::currentDataTag()) + ",version=23");
+    QFETCH(UnitType, type);
+    const models::Model& model = models::of(type);
+    Host host(QString(model.option) + ",version=23");
     QVERIFY(host.opened);
-    QCOMPARE(int(findUnitModel(host.unit.settings().type)->productId), productId);
-    QCOMPARE(QString::fromStdString(virtualunit::productOf(host.unit.settings()).value_or("")), product);
+    QCOMPARE(int(findUnitModel(host.unit.settings().type)->productId), model.productId);
+    QCOMPARE(virtualunit::productOf(host.unit.settings()), std::optional<std::string>(model.product()));
     Bytes expected(64, '\x55');
-    expected[versionByte] = 23;
-    expected[statusByte] = 5; // idle; the low half has no meaning
+    expected[model.versionByte] = 23;
+    expected[model.layout.headerOffset] = 5; // idle; the low half has no meaning
     QCOMPARE(host.read(), QList<Bytes>{expected});
 }
 
@@ -117,7 +91,7 @@ void TestVirtualUnit::quietUnitReportsChangesOnly()
     QCOMPARE(host.read().size(), 1);
     host.wait(5000);
     QCOMPARE(host.read().size(), 0);
-    const Bytes image = host::imageOf(10);
+    const Bytes image = imageOf(10);
     host.write(host::request(host::older, host::digestOf(image)));
     QCOMPARE(host.statuses(0), "9");
     host.write(host::finalPacket(host::older, 1, image));
@@ -129,7 +103,7 @@ void TestVirtualUnit::quietUnitReportsChangesOnly()
 
 void TestVirtualUnit::transfers_data()
 {
-    QTest::addColumn<host::Family>("family");
+    QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("packets");
     struct
@@ -138,18 +112,19 @@ void TestVirtualUnit::transfers_data()
         int packets;
     } const sizes[] = {{1, 1}, {59, 1}, {60, 2}, {61, 2}, {119, 2}, {120, 3}, {121, 3}, {6000, 101}};
     for (const auto& [size, packets] : sizes) {
-        QTest::addRow("header first, %d bytes", size) << host::older << size << packets;
-        QTest::addRow("data first, %d bytes", size) << host::players << size << packets;
+        QTest::addRow("header first, %d bytes", size) << host::older.type << size << packets;
+        QTest::addRow("data first, %d bytes", size) << host::players.type << size << packets;
     }
 }
 
 void TestVirtualUnit::transfers()
 {
-    QFETCH(host::Family, family);
+    QFETCH(UnitType, type);
+    const models::Model& family = models::of(type);
     QFETCH(int, size);
     QFETCH(int, packets);
-    const Bytes image = host::imageOf(size);
-    Host host(family.model);
+    const Bytes image = imageOf(size);
+    Host host(family.option);
     QCOMPARE(host.statuses(0), "0");
     host.write(host::request(family, host::digestOf(image)));
     QCOMPARE(host.statuses(20), "9");
@@ -170,13 +145,13 @@ void TestVirtualUnit::acceptedIsRepeatedUntilTheFirstPacket()
 {
     Host host("hb4");
     host.read();
-    host.write(host::request(host::older, host::digestOf(host::imageOf(60))));
+    host.write(host::request(host::older, host::digestOf(imageOf(60))));
     host.wait(400);
     const QList<Bytes> reports = host.read();
     QCOMPARE(reports.size(), 50);
     for (const Bytes& report : reports)
         QCOMPARE(report.at(0), '\x95');
-    host.write(host::packets(host::older, host::imageOf(60)).first());
+    host.write(host::packets(host::older, imageOf(60)).first());
     QCOMPARE(host.statuses(400), "0");
 }
 
@@ -230,7 +205,7 @@ void TestVirtualUnit::acceptanceTakesItsTime()
 
 void TestVirtualUnit::numberOfALongImageGoesOnBehind16Bits()
 {
-    const Bytes image = host::imageOf(65536 * 60 + 1);
+    const Bytes image = imageOf(65536 * 60 + 1);
     const QList<Bytes> reports = host::packets(host::players, image);
     QCOMPARE(reports.at(65535).mid(61).toHex(), Bytes("00010000")); // number 65536
     QCOMPARE(reports.last().mid(61).toHex(), Bytes("d0010001"));    // number 65537, 16 bits of it
@@ -247,7 +222,7 @@ void TestVirtualUnit::secondTransferStartsFromNothing()
 {
     Host host("hb4");
     for (const int size : {200, 70}) {
-        const Bytes image = host::imageOf(size);
+        const Bytes image = imageOf(size);
         host.write(host::request(host::older, host::digestOf(image)));
         for (const Bytes& report : host::packets(host::older, image))
             host.write(report);

@@ -1,5 +1,7 @@
 #include "tests/harness/probe/snapshot.h"
 
+#include "tests/support/buttonname.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QBoxLayout>
@@ -51,17 +53,6 @@ QJsonObject describe(const QWidget& widget)
     if (const auto* bar = qobject_cast<const QProgressBar*>(&widget))
         fields["value"] = bar->value();
     return fields;
-}
-
-/// "Ok", "Yes", ... of a standard button, the label of any other, "" of none.
-QString nameOf(const QMessageBox& box, QAbstractButton* button)
-{
-    if (button == nullptr)
-        return {};
-    const QMessageBox::StandardButton standard = box.standardButton(button);
-    if (standard == QMessageBox::NoButton)
-        return button->text();
-    return QMetaEnum::fromType<QMessageBox::StandardButtons>().valueToKey(standard);
 }
 
 QJsonObject describe(const QMessageBox& box)
