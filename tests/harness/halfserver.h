@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/cataloguetext.h"
+
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -29,10 +31,12 @@ private:
             sendHalf(client);
             return;
         }
-        if (request.contains("versions.txt"))
-            body = "MainVer=" + QByteArray::number(updaterVersion) +
-                   "\nMainChangeLog=http://host/updater.txt\nMacMainBin=http://host/updater.zip\nHB4Ver=28\n"
-                   "HB4Bin=http://host/HB4.sb\nHB4ChangeLog=http://host/HB4.txt\n";
+        if (request.contains(cataloguePath)) {
+            CatalogueEntries entries =
+                catalogueEntries("HB4", "28", "http://host/HB4.sb", "http://host/HB4.txt");
+            entries["MainVer"] = QString::number(updaterVersion);
+            body = catalogueText(entries);
+        }
         client.write(header(body.size()) + body);
     }
 

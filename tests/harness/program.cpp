@@ -85,6 +85,11 @@ std::optional<QByteArray> Program::fileContent(const QString& name) const
     return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
 }
 
+void Program::useSystemsHid()
+{
+    libraries.removeAll(TALVEX_VIRTUAL_HID);
+}
+
 Outcome Program::start()
 {
     if (!QFile::copy(executable(), ownPath("talvex-updater")))

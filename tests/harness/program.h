@@ -35,6 +35,8 @@ public:
     void setVariable(const QString& name, const QString& value) { environment.insert(name, value); }
     /// Units that are plugged in, as the virtual HID library is told of them.
     void plugIn(const QStringList& units) { setVariable("TALVEX_VIRTUAL_UNITS", units.join(';')); }
+    /// Not the virtual HID library but the system's.
+    void useSystemsHid();
     /// A further library to preload, before the others.
     void preload(const QString& library) { libraries.prepend(library); }
     /// A terminal to run in, as the program that the terminal was opened for.

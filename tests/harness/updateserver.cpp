@@ -98,10 +98,10 @@ QByteArray catalogueOf(const QString& stem, const QString& version, const QStrin
 Outcome publishFirmware(UpdateServer& server, const QString& stem, const QString& version,
                         const QByteArray& image, const QByteArray& changeLog)
 {
-    const QString imagePath = "/bin/" + stem + ".sb";
+    const QString binPath = "/bin/" + stem + ".sb";
     const QString logPath = "/logs/" + stem + ".txt";
     const QString host = QString("http://") + updateHost;
-    STEP(server.publish(imagePath, image));
+    STEP(server.publish(binPath, image));
     STEP(server.publish(logPath, changeLog));
-    return server.publish(cataloguePath, catalogueOf(stem, version, host + imagePath, host + logPath));
+    return server.publish(cataloguePath, catalogueOf(stem, version, host + binPath, host + logPath));
 }

@@ -3,11 +3,11 @@
 #include "tests/support/boxlines.h"
 #include "tests/support/inside.h"
 #include "tests/support/scriptedunit.h"
+#include "tests/support/silentserver.h"
 #include "tests/support/testwindow.h"
 #include "ui/mainwindow.h"
 
 #include <QSignalSpy>
-#include <QTcpServer>
 #include <QThread>
 #include <QtTest>
 
@@ -68,12 +68,10 @@ private slots:
 
     void theKeyDoesNothingWhileAnAnswerIsAwaited()
     {
-        QTcpServer silent;
-        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        const SilentServer silent;
         TestWindow window;
         connectUnit(window);
-        inside::of(window.checker()).binUrl =
-            "http://127.0.0.1:" + QString::number(silent.serverPort()) + "/image";
+        inside::of(window.checker()).binUrl = silent.address() + "/image";
         window.checker().onNeedDownloadNewFirmware();
         pressLogKey(window);
         QVERIFY(!window.button("downloadLogFile").isVisible());

@@ -1,8 +1,8 @@
 #include "log/logdownloader.h"
 #include "log/logfilename.h"
 #include "tests/support/easternlocales.h"
-#include "tests/support/readonlyfolder.h"
 #include "tests/support/inside.h"
+#include "tests/support/readonlyfolder.h"
 #include "tests/support/texts.h"
 
 #include <QDir>
@@ -172,9 +172,9 @@ void TestLogFile::folderCannotBeWritten()
         const ReadOnlyFolder folder(QFile::encodeName(QCoreApplication::applicationDirPath()));
         QCOMPARE(claim(downloader), std::nullopt);
     }
-    QVERIFY(!downloader.logFile.isOpen());
-    QCOMPARE(downloader.logFile.fileName(), pathOf(logfilename::at(moment, taken + 1)));
-    QVERIFY(!QFile::exists(downloader.logFile.fileName()));
+    QVERIFY(!inside::of(downloader).logFile.isOpen());
+    QCOMPARE(inside::of(downloader).logFile.fileName(), pathOf(logfilename::at(moment, taken + 1)));
+    QVERIFY(!QFile::exists(inside::of(downloader).logFile.fileName()));
 }
 
 /// The program says so as it starts, and the log's parts then go nowhere.
@@ -182,8 +182,8 @@ void TestLogFile::folderCannotBeWrittenAtTheStart()
 {
     QTest::ignoreMessage(QtSystemMsg, "LogDownloader::LogDownloader (Permission denied)");
     const ReadOnlyFolder folder(QFile::encodeName(QCoreApplication::applicationDirPath()));
-    const LogDownloader downloader(nullptr, nullptr);
-    QVERIFY(!downloader.logFile.isOpen());
+    LogDownloader downloader(nullptr, nullptr);
+    QVERIFY(!inside::of(downloader).logFile.isOpen());
 }
 
 void TestLogFile::startsOfOneSecond()

@@ -5,7 +5,6 @@
 
 #include <QCryptographicHash>
 #include <QFile>
-#include <QRandomGenerator>
 
 namespace {
 
@@ -51,15 +50,6 @@ QString lastWord(const Program& program)
 {
     const QStringList lines = journal(program);
     return lines.isEmpty() ? QString("closed") : lines.last();
-}
-
-QByteArray image(int size)
-{
-    QRandomGenerator generator(static_cast<quint32>(size));
-    QByteArray bytes(size, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator.bounded(256));
-    return bytes;
 }
 
 QStringList faultlessJournal(const QByteArray& image)

@@ -3,6 +3,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/support/models.h"
+#include "tests/support/testimage.h"
 #include "tests/support/texts.h"
 
 /// The steps of an update that several tests share. The unit is at version 2.3, the server offers 2.8.
@@ -27,8 +28,6 @@ inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- 
 /// The last line of it: "closed" once the unit is given back; also of one that was never opened.
 [[nodiscard]] QString lastWord(const Program& program);
 
-/// Bytes that differ from one size to another and do not repeat in step with a packet; always the same.
-[[nodiscard]] QByteArray image(int size);
 /// The journal of a unit that got this image in the proper way and was closed when the program ended.
 [[nodiscard]] QStringList faultlessJournal(const QByteArray& image);
 

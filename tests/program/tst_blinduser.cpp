@@ -21,7 +21,7 @@ private slots:
 
 void tst_blinduser::updatesAUnit()
 {
-    const QByteArray image = scenario::image(6000);
+    const QByteArray image = imageOf(6000);
     Desktop desktop;
     UpdateServer server;
     MUST(desktop.start());

@@ -4,21 +4,14 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/silentserver.h"
+#include "tests/support/texts.h"
 
-#include <QTcpServer>
 #include <QtTest>
 
 namespace {
 
 constexpr int smallSize = 6000;
-
-/// A server that takes connections and never answers.
-class SilentServer : public QTcpServer
-{
-public:
-    SilentServer() { listen(QHostAddress::LocalHost); }
-    [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(serverPort()); }
-};
 
 using State = Outcome (*)(Program&);
 
@@ -49,7 +42,7 @@ private:
 
 void tst_ending::initTestCase()
 {
-    image = scenario::image(60'000);
+    image = imageOf(60'000);
     MUST(desktop.start());
     MUST(server.start());
 }
@@ -61,9 +54,8 @@ void tst_ending::windowClosed_data()
     QTest::addColumn<int>("size"); // of the image
     QTest::newRow("right after the start") << "" << State([](Program&) { return Outcome(); }) << smallSize;
     QTest::newRow("after a declined offer") << "" << State(scenario::declineOffer) << smallSize;
-    QTest::newRow("with an image to send") << "" << State([](Program& program) {
-        return scenario::connectAndDownload(program, "HB4 connected");
-    }) << smallSize;
+    QTest::newRow("with an image to send")
+        << "" << State([](Program& program) { return scenario::connectAndDownload(program); }) << smallSize;
     QTest::newRow("while the unit does not answer")
         << ",fault=never-answers" << State(scenario::pressUpdate) << smallSize;
     QTest::newRow("in the middle of the transfer")
@@ -77,13 +69,12 @@ void tst_ending::windowClosed()
     QFETCH(QString, more);
     QFETCH(State, reach);
     QFETCH(int, size);
-    const QByteArray sent = scenario::image(size);
+    const QByteArray sent = imageOf(size);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, sent, scenario::changeLog));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy(), more));
     MUST(reach(program));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
     QCOMPARE(scenario::lastWord(program), QString("closed"));
 }
 
@@ -91,19 +82,17 @@ void tst_ending::closedWhileTheServerIsSilent()
 {
     SilentServer silent;
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, silent.proxy()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::startWithUnit(program, silent.address()));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_ending::closedWhileTheHostIsLookedUp()
 {
     Program program(desktop);
     MUST(scenario::lookHostUp(program));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
     QCOMPARE(scenario::lastWord(program), QString("closed")); // though the look-up held the end up
 }
 
@@ -112,17 +101,15 @@ void tst_ending::closedWhileTheImageArrives()
     HalfServer half;
     Program program(desktop);
     MUST(scenario::startWithUnit(program, half.address()));
-    MUST(scenario::connectUnit(program, "HB4 connected"));
+    MUST(scenario::connectUnit(program));
     MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     MUST(program.answer("Yes"));
     MUST(program.waitFor("the download under way", [](const View& view) {
-        return view.text("labelTransfer") == "Transfer: download new version" &&
-               view.value("progressBarTransfer") > 0;
+        return view.text("labelTransfer") == text::transferDownload && view.value("progressBarTransfer") > 0;
     }));
     QVERIFY(!program.look().enabled("updateDeviceButton"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
-    QVERIFY(!program.fileContent("updater.sb"));
+    MUST(scenario::leave(program));
+    QVERIFY(!program.fileContent(filename::image));
 }
 
 void tst_ending::boxClosed_data()
@@ -145,7 +132,7 @@ void tst_ending::boxClosed()
     Program program(desktop);
     MUST(scenario::startWithUnit(program, version.isEmpty() ? QString(scenario::deadProxy) : server.proxy()));
     if (connects)
-        MUST(scenario::connectUnit(program, "HB4 connected"));
+        MUST(scenario::connectUnit(program));
     else
         MUST(program.press("connect_button"));
     MUST(program.waitFor("the box", [](const View& view) { return view.boxCount() == 1; }));
@@ -165,8 +152,7 @@ void tst_ending::boxClosed()
         MUST(program.closeBox());
     }
     MUST(program.waitForNoBox());
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 QTEST_GUILESS_MAIN(tst_ending)

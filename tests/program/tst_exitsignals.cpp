@@ -5,6 +5,8 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/models.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -29,18 +31,18 @@ Outcome doNothing(Program&)
 Outcome seeConnectionsBox(Program& program)
 {
     STEP(program.press("connect_button"));
-    return program.waitForBox(infoBox("HB4 connected"));
+    return program.waitForBox(infoBox(models::of(UNIT_HB4).connected));
 }
 
 Outcome seeOffer(Program& program)
 {
-    STEP(scenario::connectUnit(program, "HB4 connected"));
+    STEP(scenario::connectUnit(program));
     return program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; });
 }
 
 Outcome connectAndDownload(Program& program)
 {
-    return scenario::connectAndDownload(program, "HB4 connected");
+    return scenario::connectAndDownload(program);
 }
 
 Outcome seeRefusal(Program& program)
@@ -119,8 +121,7 @@ void tst_exitsignals::initTestCase()
 {
     MUST(desktop.start());
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(60'000),
-                         scenario::changeLog));
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(60'000), scenario::changeLog));
 }
 
 void tst_exitsignals::addSignals()
@@ -178,7 +179,7 @@ void tst_exitsignals::signalWhileTheHeaderIsAwaited()
 {
     QFETCH(int, signal);
     Program program(desktop);
-    MUST(program.placeFile("SUPER_MEGA_UPDATE.sb", "image")); // so that no server is asked
+    MUST(program.placeFile(filename::service, "image")); // so that no server is asked
     MUST(scenario::startWithUnit(program, server.proxy(), ",fault=header-never-comes"));
     MUST(scenario::fetchLog(program, "log-request number=1"));
     QTRY_VERIFY(isAsleep(program.processId())); // the worker is in its read

@@ -50,7 +50,6 @@ Display displayOf(const char* label)
 } // namespace
 
 Q_DECLARE_METATYPE(Display)
-Q_DECLARE_METATYPE(std::optional<BoxText>)
 
 class tst_faults : public QObject
 {
@@ -84,7 +83,7 @@ void tst_faults::initTestCase()
 {
     MUST(desktop.start());
     MUST(server.start());
-    image = scenario::image(imageSize);
+    image = imageOf(imageSize);
     requestLine = "request digest=" + QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
 }
@@ -208,11 +207,12 @@ void tst_faults::silentInstallationStopsAt99()
     const auto creepingAt = [](int percent) {
         return [percent](const View& view) {
             return view.value("progressBarUpdate") >= percent &&
-                   shows(view, "labelUpdate", "progressBarUpdate", creeping);
+                   shows(view, "labelUpdate", "progressBarUpdate", displayOf(text::updateInProgress));
         };
     };
     MUST(program.waitFor("the bar at its start", creepingAt(2)));
-    QVERIFY(shows(program.look(), "labelTransfer", "progressBarTransfer", completed));
+    QVERIFY(
+        shows(program.look(), "labelTransfer", "progressBarTransfer", displayOf(text::transferCompleted)));
     // A step every second poll, and a poll waits 100 ms: about 20 s.
     MUST(program.waitFor("the bar at 99", creepingAt(99)));
     const auto elsewhere = [&](const View& view) { return !creepingAt(99)(view) || view.boxCount() != 0; };

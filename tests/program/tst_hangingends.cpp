@@ -62,7 +62,7 @@ private:
 void tst_hangingends::initTestCase()
 {
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(scenario::longOnItsWay),
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
                          scenario::changeLog));
 }
 

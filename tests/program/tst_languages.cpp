@@ -26,8 +26,7 @@ void tst_languages::initTestCase()
 {
     MUST(desktop.start());
     MUST(server.start());
-    MUST(
-        publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(6000), scenario::changeLog));
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(6000), scenario::changeLog));
 }
 
 void tst_languages::digits_data()

@@ -2,11 +2,11 @@
 
 #include "tests/harness/program.h"
 #include "tests/program/scenario.h"
+#include "tests/support/silentserver.h"
 #include "tests/support/texts.h"
 
 #include <X11/keysym.h>
 
-#include <QTcpServer>
 #include <QtTest>
 
 namespace {
@@ -72,7 +72,7 @@ private:
 
 void tst_log::initTestCase()
 {
-    log = scenario::image(logSize);
+    log = imageOf(logSize);
     QFile file(folder.filePath("unit.log"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
     MUST(desktop.start());
@@ -229,10 +229,9 @@ void tst_log::keysOfferNothing()
 /// An image that arrives in mid log would enable Update Device.
 void tst_log::keysOfferNothingWhileTheServerIsAsked()
 {
-    QTcpServer silent;
-    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    SilentServer silent;
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, "http://127.0.0.1:" + QString::number(silent.serverPort())));
+    MUST(scenario::startWithUnit(program, silent.address()));
     MUST(scenario::connectUnit(program));
     MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
     MUST(pressLogKeys(program));

@@ -53,7 +53,7 @@ private:
 
 void tst_offers::initTestCase()
 {
-    image = scenario::image(60'000);
+    image = imageOf(60'000);
     MUST(desktop.start());
     MUST(server.start());
 }
@@ -206,7 +206,7 @@ void tst_offers::announcedSize()
 {
     QFETCH(int, size);
     QFETCH(bool, isReported);
-    const QByteArray large = scenario::image(size);
+    const QByteArray large = imageOf(size);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, large, scenario::changeLog));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));

@@ -23,7 +23,7 @@ private:
 
 void tst_offline::initTestCase()
 {
-    image = scenario::image(60'000);
+    image = imageOf(60'000);
     MUST(desktop.start());
 }
 

@@ -68,7 +68,7 @@ void tst_road::everyModel()
     QFETCH(QByteArray, name);
     QFETCH(int, size);
     const models::Connection connection = models::connectionOf(name);
-    const QByteArray image = scenario::image(size);
+    const QByteArray image = imageOf(size);
     server.forgetRequests();
 
     Program program(desktop);
@@ -91,8 +91,8 @@ void tst_road::everyModel()
 
 void tst_road::secondRunKeepsTheFirstImage()
 {
-    const QByteArray first = scenario::image(61);
-    const QByteArray second = scenario::image(120);
+    const QByteArray first = imageOf(61);
+    const QByteArray second = imageOf(120);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, second, scenario::changeLog));
 
     Program program(desktop);
@@ -112,7 +112,7 @@ void tst_road::secondRunKeepsTheFirstImage()
 void tst_road::largeImage()
 {
     // 100000 packets, not quite one a millisecond: the bar is on its way for so long that nobody misses it.
-    const QByteArray image = scenario::image(6'000'000);
+    const QByteArray image = imageOf(6'000'000);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
 
     Program program(desktop);

@@ -1,6 +1,7 @@
 // The window on screens of other resolutions, and with the fonts of a user who sees badly.
 
 #include "tests/harness/program.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -79,7 +80,7 @@ void tst_scaling::resolution()
     QCOMPARE(placeOf(view.widget("progressBarUpdate")), times(layoutOfBar, factor));
     QCOMPARE(placeOf(view.widget("stopDownloadingFile")), times(layoutOfStop, factor));
     MUST(program.press("connect_button")); // the mouse hits what is seen
-    MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+    MUST(program.waitForBox(errorBox(text::notFound)));
     MUST(program.answer("Ok"));
     MUST(program.closeWindow());
     MUST(program.waitForExit(0));
@@ -103,7 +104,7 @@ void tst_scaling::largeFont()
     const QRect button = placeOf(view.widget("connect_button")).translated(row.topLeft());
     QVERIFY(QRect(QPoint(), desktop.screen().sizeOf(idOf(view))).contains(button));
     MUST(program.press("connect_button"));
-    MUST(program.waitForBox(errorBox("Device is not found.\nPlease connect.")));
+    MUST(program.waitForBox(errorBox(text::notFound)));
     MUST(program.answer("Ok"));
 }
 

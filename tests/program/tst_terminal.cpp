@@ -38,7 +38,7 @@ void tst_terminal::initTestCase()
 {
     MUST(desktop.start());
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, scenario::image(scenario::longOnItsWay),
+    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
                          scenario::changeLog));
 }
 

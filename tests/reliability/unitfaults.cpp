@@ -103,7 +103,8 @@ std::vector<FaultRow> anyByte()
            "0x9_ starts the stream, 0xA_ and 0xB_ show their boxes and nothing is sent, all others are "
            "ignored",
            "tst_transferanswers::status"},
-          {Phase::stream, "the stream goes on: nothing is read before its end", "tst_transfer::anyStatusInTheStream"},
+          {Phase::stream, "the stream goes on: nothing is read before its end",
+           "tst_transfer::anyStatusInTheStream"},
           {Phase::installation,
            "0xE_ is shown as progress, 0xF_ as success, 0x7_ and 0xC_ as errors, all others are ignored",
            "tst_installation::ignored"}}},

@@ -44,6 +44,10 @@ void TestUnitType::model()
     QCOMPARE(model->layout.headerOffset, expected.layout.headerOffset);
     QCOMPARE(model->layout.payloadOffset, expected.layout.payloadOffset);
     QCOMPARE(model->pairMessage, expected.pair);
+    QStringList names;
+    for (const wchar_t* name : model->productNames)
+        names += QString::fromWCharArray(name == nullptr ? L"" : name);
+    QCOMPARE(names, QStringList(expected.names.begin(), expected.names.end()));
 }
 
 void TestUnitType::mixersHaveNoProductName()

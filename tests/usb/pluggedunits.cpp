@@ -102,7 +102,7 @@ QStringList PluggedUnits::nodes()
 
 void useRealBus(Program& program)
 {
-    program.libraries = QStringList{TALVEX_PROBE};
+    program.useSystemsHid();
     // Neither is to be had here, and looking for them takes an emulated processor seconds.
     program.setVariable("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     program.setVariable("QT_XCB_GL_INTEGRATION", "none");
@@ -110,7 +110,7 @@ void useRealBus(Program& program)
 
 int processorLoad(Program& program)
 {
-    const qint64 process = program.process.processId();
+    const qint64 process = program.processId();
     QElapsedTimer passed;
     passed.start();
     const std::chrono::milliseconds before = processorTime(process);

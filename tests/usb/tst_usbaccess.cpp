@@ -54,7 +54,7 @@ void tst_usbaccess::withoutAccess()
 
 void tst_usbaccess::withAccess()
 {
-    const QByteArray image = scenario::image(6000);
+    const QByteArray image = imageOf(6000);
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
     Program program(desktop);
     useRealBus(program);

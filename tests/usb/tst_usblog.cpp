@@ -75,7 +75,7 @@ void tst_usblog::pullLog(bool& isStored)
     QFETCH(UnitType, type);
     QFETCH(QString, more);
     QFETCH(int, size);
-    const QByteArray log = scenario::image(size);
+    const QByteArray log = imageOf(size);
 
     Program program(desktop);
     useRealBus(program);

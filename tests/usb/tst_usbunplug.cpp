@@ -2,6 +2,7 @@
 // crashes nor spins, its window can be used, and it ends cleanly.
 
 #include "tests/program/scenario.h"
+#include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
 #include <X11/keysym.h>
@@ -30,7 +31,7 @@ using State = Outcome (*)(Program&);
 
 Outcome connectOnly(Program& program)
 {
-    return scenario::connectUnit(program, "HB4 connected");
+    return scenario::connectUnit(program);
 }
 
 Outcome pressUpdate(Program& program)
@@ -112,7 +113,7 @@ void tst_usbunplug::initTestCase()
 Outcome tst_usbunplug::begin(Program& program, PluggedUnits& units, const QString& more, int imageSize)
 {
     useRealBus(program);
-    STEP(program.placeFile("SUPER_MEGA_UPDATE.sb", scenario::image(imageSize))); // so that no server is asked
+    STEP(program.placeFile(filename::service, imageOf(imageSize))); // so that no server is asked
     STEP(units.plugIn({scenario::unitOptions(program, "hb4", more)}));
     return program.start();
 }
@@ -164,8 +165,7 @@ void tst_usbunplug::vanishesByItself()
     QFETCH(State, reach);
     QTemporaryDir folder;
     QFile log(folder.filePath("unit.log"));
-    QVERIFY(log.open(QIODevice::WriteOnly) && log.write(scenario::image(shortImage)) == shortImage &&
-            log.flush());
+    QVERIFY(log.open(QIODevice::WriteOnly) && log.write(imageOf(shortImage)) == shortImage && log.flush());
     Program program(desktop);
     PluggedUnits units;
     MUST(begin(program, units, ",log=" + log.fileName() + ",fault=" + QTest::currentDataTag()));

@@ -93,7 +93,7 @@ void tst_usbupdate::wholeUpdate()
 {
     QFETCH(QByteArray, name);
     const models::Connection connection = models::connectionOf(name);
-    const QByteArray whole = scenario::image(wholeSize);
+    const QByteArray whole = imageOf(wholeSize);
     Program program(desktop);
     useRealBus(program);
     MUST(scenario::offer(program, server, connection, whole));
@@ -129,7 +129,7 @@ void tst_usbupdate::otherAnswers()
 {
     QFETCH(QString, transfer);
     const TransferFault& expected = transferFaultOfRow();
-    const QByteArray image = scenario::image(smallSize);
+    const QByteArray image = imageOf(smallSize);
     const QString digest = QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
 
     Program program(desktop);
@@ -158,7 +158,7 @@ void tst_usbupdate::unitThatTakesNothing()
 {
     Program program(desktop);
     useRealBus(program);
-    MUST(program.placeFile(filename::service, scenario::image(smallSize)));
+    MUST(program.placeFile(filename::service, imageOf(smallSize)));
     PluggedUnits units;
     MUST(units.plugIn({scenario::unitOptions(program, "hb4", ",fault=takes-nothing")}));
     MUST(units.fillUp());
