@@ -13,6 +13,7 @@ quickSteps=(shipped format quick-in-process quick-program)
 jobs=$(nproc)
 junit=$PWD/artifacts/test/junit
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+export CCACHE_SLOPPINESS=pch_defines,time_macros # or it keeps nothing that was compiled with a precompiled header
 export UBSAN_OPTIONS=print_stacktrace=1
 # A busy test takes three of these, any other takes one (tests/CMakeLists.txt).
 testJobs=$((4 * jobs))
