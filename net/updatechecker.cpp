@@ -102,30 +102,11 @@ void UpdateChecker::getPlain(QString& address, const char* finishedSlot, const c
     get(parts->url(), finishedSlot, readyReadSlot);
 }
 
-void UpdateChecker::downloadChangeLog()
-{
-    getPlain(changeLogUrl, SLOT(downloadChangeLogDone()), SLOT(httpReadyRead3()));
-}
-
-void UpdateChecker::downloadMainChangeLog()
-{
-    getPlain(mainChangeLogUrl, SLOT(downloadMainChangeLogDone()), SLOT(httpReadyRead3()));
-}
-
 void UpdateChecker::httpReadyRead()
 {
     if (reply == nullptr)
         return;
     infoData += catalogue::withoutCarriageReturns(takePiece());
-    giveUpEndless();
-}
-
-void UpdateChecker::httpReadyRead3()
-{
-    if (reply == nullptr)
-        return;
-    // Intentional: each piece is decoded separately, up to its first NUL byte, including carriage returns.
-    changeLogText += QString::fromUtf8(takePiece().constData());
     giveUpEndless();
 }
 
@@ -224,38 +205,6 @@ void UpdateChecker::act()
         downloadChangeLog();
     else
         emit youHaveLastVersion();
-}
-
-/// Reports a change log that did not arrive. Intentional: the part received precedes the next one.
-bool UpdateChecker::changeLogFailed(const char* logLine)
-{
-    timeoutTimer->stop();
-    if (reply == nullptr)
-        return true;
-    if (!replyFailed())
-        return false;
-    reportFailedDownload(logLine);
-    return true;
-}
-
-void UpdateChecker::downloadChangeLogDone()
-{
-    if (changeLogFailed("UpdateChecker::downloadChangeLogDone"))
-        return;
-    releaseReply();
-    infoData.clear();
-    emit findNewVersion(newVersion, changeLogText);
-    changeLogText.clear();
-}
-
-void UpdateChecker::downloadMainChangeLogDone()
-{
-    if (changeLogFailed("UpdateChecker::downloadMainChangeLogDone"))
-        return;
-    releaseReply();
-    infoData.clear();
-    emit findMainNewVersion(mainVersion, changeLogText);
-    changeLogText.clear();
 }
 
 void UpdateChecker::onDataReadProgress(qint64 done, qint64 total)
