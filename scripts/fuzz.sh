@@ -16,7 +16,7 @@ fi
 minutes=$1
 folder=build-fuzz
 crashes=$PWD/artifacts/fuzz
-targets=(address catalogue changelog logexchange logreader transfer)
+targets=(address catalogue changelog logexchange logreader signature transfer)
 processors=$(nproc)
 seconds=$((minutes * 60 * processors / ${#targets[@]}))
 export LSAN_OPTIONS=suppressions=$PWD/fuzz/lsan.supp:print_suppressions=0

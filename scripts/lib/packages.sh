@@ -2,7 +2,7 @@
 # The Debian packages that the scripts need, and how the missing ones are installed. Sourced, not run.
 # shellcheck disable=SC2034  # the lists are for those who source this
 
-buildPackages=(build-essential ccache cmake libhidapi-dev ninja-build pkg-config qtbase5-dev)
+buildPackages=(build-essential ccache cmake libhidapi-dev libsodium-dev minisign ninja-build pkg-config qtbase5-dev)
 # To run the program unattended: a screen, a window manager, fonts, input; and the update server.
 stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
 benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
