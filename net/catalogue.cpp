@@ -1,5 +1,6 @@
 #include "net/catalogue.h"
 
+#include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -42,6 +43,7 @@ Offer lookUp(const Entries& entries, const QString& stem)
     offer.mainVersion = entries.value("MainVer");
     offer.mainChangeLogUrl = entries.value("MainChangeLog");
     offer.mainBinUrl = entries.value("MacMainBin");
+    offer.imageDigest = entries.value(stem + "Sha256");
     return offer;
 }
 
@@ -56,6 +58,17 @@ Decision decide(const Offer& offer, const QString& curVersion)
         return Decision::newerUpdater;
     return leadingNumber(offer.newVersion) > leadingNumber(curVersion) ? Decision::newerFirmware
                                                                        : Decision::upToDate;
+}
+
+bool isDigest(const QString& text)
+{
+    static const QRegularExpression digest(R"(\A[0-9A-Fa-f]{64}\z)");
+    return digest.match(text).hasMatch();
+}
+
+QString digestOf(const QByteArray& image)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(image, QCryptographicHash::Sha256).toHex());
 }
 
 double leadingNumber(const QString& text)

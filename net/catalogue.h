@@ -27,6 +27,7 @@ struct Offer
     QString mainVersion;
     QString mainChangeLogUrl;
     QString mainBinUrl;
+    QString imageDigest{}; ///< SHA-256 of the image at binUrl, in hexadecimal digits
 };
 
 enum class Decision {
@@ -52,6 +53,12 @@ enum class Decision {
 
 /// Compares the offer with the unit's version in decimal text.
 [[nodiscard]] Decision decide(const Offer& offer, const QString& curVersion);
+
+/// True for 64 hexadecimal digits, in either case.
+[[nodiscard]] bool isDigest(const QString& text);
+
+/// The SHA-256 of an image as the catalogue gives it, in lower case.
+[[nodiscard]] QString digestOf(const QByteArray& image);
 
 /// The number at the start of `text` (leading blanks are skipped), in the C locale: 27 for "27=x", 0.0 for a
 /// text that does not start with a number.

@@ -149,6 +149,13 @@ void UpdateChecker::reportProblem()
     emit youHaveProblem(QStringLiteral("Problem with internet connection"), QStringLiteral(""));
 }
 
+/// Reports an answer that is damaged or forged; the user is shown `line`.
+void UpdateChecker::reportNotGenuine(const char* line)
+{
+    emit youHaveProblem(
+        line, QStringLiteral("Nothing was changed on your unit. Try again later or in another network."));
+}
+
 /// Reports a change log or an image that did not arrive.
 void UpdateChecker::reportFailedDownload(const char* logLine)
 {
@@ -188,6 +195,7 @@ void UpdateChecker::act()
     mainVersion = offer.mainVersion;
     mainChangeLogUrl = offer.mainChangeLogUrl;
     mainBinUrl = offer.mainBinUrl;
+    imageDigest = offer.imageDigest;
 
     const catalogue::Decision decision = catalogue::decide(offer, curVersion);
     if (decision == catalogue::Decision::incomplete) {

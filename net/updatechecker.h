@@ -74,8 +74,10 @@ private:
     void giveUpEndless();
     void releaseReply();
     void reportProblem();
+    void reportNotGenuine(const char* line);
     void reportFailedDownload(const char* logLine);
     void act();
+    [[nodiscard]] const char* imageFault() const;
     void storeFirmware();
     [[nodiscard]] bool changeLogFailed(const char* logLine);
 
@@ -94,5 +96,7 @@ private:
     QByteArray infoData;
     QByteArray firmwareData;
     QString changeLogText;
-    qint64 received = 0; ///< bytes of the answer to the request in flight
+    qint64 received = 0;   ///< bytes of the answer to the request in flight
+    QString imageDigest;   ///< of the image at binUrl, as the catalogue tells it; empty: it tells none
+    QString awaitedDigest; ///< the same, of the image being downloaded
 };

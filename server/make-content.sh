@@ -1,6 +1,6 @@
 #!/bin/bash
 # Fills ROOT with what the update server serves: a catalogue with one firmware for each key stem, images of BYTES random
-# bytes, and the change logs.
+# bytes and their digests, and the change logs.
 set -euo pipefail
 
 usage="usage: make-content.sh ROOT BYTES VERSION [HOST]"
@@ -29,6 +29,7 @@ for stem in "${stems[@]}"; do
         echo "[$stem]"
         echo "${stem}Ver=$version"
         echo "${stem}Bin=http://$host/bin/$stem.sb"
+        echo "${stem}Sha256=$(sha256sum < "$root/bin/$stem.sb" | cut -d ' ' -f 1)"
         echo "${stem}ChangeLog=http://$host/logs/$stem.txt"
     } >> "$catalogue"
 done

@@ -1,3 +1,4 @@
+#include "net/catalogue.h"
 #include "net/updatechecker.h"
 #include "update/imagestore.h"
 
@@ -26,6 +27,7 @@ bool isNoImage(const QNetworkReply& answer)
 void UpdateChecker::onNeedDownloadNewFirmware()
 {
     firmwareData.clear(); // of a download that did not finish
+    awaitedDigest = imageDigest;
     getPlain(binUrl, SLOT(replyFinishedOnDone()), SLOT(httpReadyRead2()));
 }
 
@@ -47,11 +49,30 @@ void UpdateChecker::replyFinishedOnDone()
         reportFailedDownload("UpdateChecker::onDone");
         return;
     }
+    if (const char* const fault = imageFault()) {
+        qWarning("%s", fault);
+        releaseReply();
+        firmwareData.clear();
+        reportNotGenuine("The downloaded firmware is damaged or not genuine.");
+        return;
+    }
     storeFirmware();
     releaseReply();
     infoData.clear();
     firmwareData.clear();
     emit newUpdateFileDownloaded(true); // intentional: also after an error, whose box ends the program
+}
+
+/// What is wrong with the received image, judged by the digest known when its download began; null: nothing.
+const char* UpdateChecker::imageFault() const
+{
+    if (awaitedDigest.isEmpty())
+        return nullptr;
+    if (!catalogue::isDigest(awaitedDigest))
+        return "The catalogue's SHA-256 of the image is malformed";
+    if (awaitedDigest.toLower() != catalogue::digestOf(firmwareData))
+        return "The image's SHA-256 differs from the catalogue's";
+    return nullptr;
 }
 
 void UpdateChecker::storeFirmware()

@@ -29,11 +29,11 @@ void findDevice(MainWindow& window, hid_device_info* record, int& result)
 
 Checker of(UpdateChecker& checker)
 {
-    return {checker.mainVersion,   checker.mainBinUrl,   checker.mainChangeLogUrl,
-            checker.newVersion,    checker.changeLogUrl, checker.binUrl,
-            checker.reply,         checker.unitType,     checker.curVersionByte,
-            checker.curVersion,    checker.infoData,     checker.firmwareData,
-            checker.changeLogText, checker.received};
+    return {checker.mainVersion,    checker.mainBinUrl,   checker.mainChangeLogUrl,
+            checker.newVersion,     checker.changeLogUrl, checker.binUrl,
+            checker.reply,          checker.unitType,     checker.curVersionByte,
+            checker.curVersion,     checker.infoData,     checker.firmwareData,
+            checker.changeLogText,  checker.received,     checker.imageDigest};
 }
 
 Downloader of(LogDownloader& downloader)

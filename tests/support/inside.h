@@ -70,6 +70,7 @@ struct Checker
     QByteArray& firmwareData;
     QString& changeLogText;
     qint64& received;
+    QString& imageDigest;
 };
 [[nodiscard]] Checker of(UpdateChecker& checker);
 

@@ -1,0 +1,184 @@
+#include "tests/net/scene.h"
+#include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
+
+#include <QCryptographicHash>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(RawServer::Answer)
+
+namespace {
+
+using Answer = RawServer::Answer;
+
+const QByteArray image = QByteArray(40000, 'n') + '\0' + QByteArray(9, '\r');
+const QByteArray previous(30000, 'p');
+const QByteArray none; ///< null: no such file
+const ImageFiles before{previous, none, "older"};
+
+const QString done = told::signal("newUpdateFileDownloaded", {"true"});
+const QString damaged = told::signal("youHaveProblem", {text::damagedImage, text::nothingChanged});
+const QStringList differs{told::log("The image's SHA-256 differs from the catalogue's"), damaged};
+const QStringList malformed{told::log("The catalogue's SHA-256 of the image is malformed"), damaged};
+
+QString sha256(const QByteArray& bytes)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+}
+
+QString imageName()
+{
+    return QCoreApplication::applicationDirPath() + '/' + filename::image;
+}
+
+} // namespace
+
+/// A catalogue that tells the image's SHA-256: no other image is stored.
+class TestImageDigest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void digest_data();
+    void digest();
+    void answer_data();
+    void answer();
+    void digestOfAnotherModel();
+    void refusedImageLeavesNothingBehind();
+    void digestBelongsToItsDownload_data();
+    void digestBelongsToItsDownload();
+
+private:
+    void checkAndDownload(const QMap<QString, QString>& changes, const Answer& imageAnswer = ok(image));
+
+    Scene scene;
+};
+
+void TestImageDigest::init()
+{
+    QVERIFY(before.placeAt(imageName()));
+    scene.reset();
+    scene.server.setAnswer(changeLogPath, ok("better"));
+}
+
+/// From the check to the image, as if the user said Yes.
+void TestImageDigest::checkAndDownload(const QMap<QString, QString>& changes, const Answer& imageAnswer)
+{
+    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(changes)));
+    scene.server.setAnswer(imagePath, imageAnswer);
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("findNewVersion", {"27", "better"})});
+    scene.journal->events.clear();
+    scene.checker->onNeedDownloadNewFirmware();
+    QTRY_VERIFY(scene.rests(1));
+}
+
+void TestImageDigest::digest_data()
+{
+    QTest::addColumn<QString>("digest");
+    QTest::addColumn<QStringList>("events");
+    const QString good = sha256(image);
+    const auto row = [](const char* name, const QString& digest, const QStringList& events) {
+        QTest::newRow(name) << digest << events;
+    };
+    row("none", {}, {done});
+    row("empty", "", {done});
+    row("lower case", good, {done});
+    row("upper case", good.toUpper(), {done});
+    row("both cases", good.left(32).toUpper() + good.mid(32), {done});
+    row("before a carriage return", good + '\r', {done});
+    row("of another image", sha256(previous), differs);
+    row("of an empty image", sha256(""), differs);
+    row("another last digit", good.chopped(1) + (good.endsWith('0') ? '1' : '0'), differs);
+    row("all zeros", QString(64, '0'), differs);
+    row("a digit short", good.chopped(1), malformed);
+    row("a digit long", good + '0', malformed);
+    row("a blank before it", ' ' + good, malformed);
+    row("a blank behind it", good + ' ', malformed);
+    row("a blank alone", " ", malformed);
+    row("no digit within", good.left(30) + 'g' + good.mid(31), malformed);
+    row("a digit of another script", good.left(30) + QChar(0xFF11) + good.mid(31), malformed);
+    row("with the name of its kind", "sha256:" + good, malformed);
+    row("an MD5", good.left(32), malformed);
+}
+
+void TestImageDigest::digest()
+{
+    QFETCH(QString, digest);
+    QFETCH(QStringList, events);
+    checkAndDownload({{"HB4Sha256", digest}});
+    QCOMPARE(scene.journal->events, events);
+    const bool stored = events.contains(done);
+    QCOMPARE(ImageFiles::at(imageName()), stored ? (ImageFiles{image, none, previous}) : before);
+}
+
+void TestImageDigest::answer_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<bool>("isGood");
+    QTest::newRow("whole") << ok(image) << true;
+    QTest::newRow("in chunks") << Answer{{inChunks(image, 999)}} << true;
+    QTest::newRow("cut short by a wrong length") << Answer{{announced(image.size() - 1, image)}} << false;
+    QTest::newRow("cut short, without a length") << Answer{{unannounced(image.chopped(1))}} << false;
+    QTest::newRow("with a byte more") << ok(image + 'x') << false;
+    QTest::newRow("with another byte") << ok("N" + image.mid(1)) << false;
+    QTest::newRow("nothing in it") << ok("") << false;
+}
+
+void TestImageDigest::answer()
+{
+    QFETCH(Answer, answer);
+    QFETCH(bool, isGood);
+    checkAndDownload({{"HB4Sha256", sha256(image)}}, answer);
+    QCOMPARE(scene.journal->events, isGood ? QStringList{done} : differs);
+    QCOMPARE(ImageFiles::at(imageName()), isGood ? (ImageFiles{image, none, previous}) : before);
+}
+
+void TestImageDigest::digestOfAnotherModel()
+{
+    checkAndDownload({{"HB2Sha256", sha256(previous)}, {"hb4Sha256", "x"}, {"HB4Sha256 ", "x"}});
+    QCOMPARE(scene.journal->events, QStringList{done});
+}
+
+void TestImageDigest::refusedImageLeavesNothingBehind()
+{
+    checkAndDownload({{"HB4Sha256", sha256(previous)}});
+    QCOMPARE(scene.journal->events, differs);
+    QVERIFY(scene.state().firmwareData.isEmpty() && !scene.checker->isBusy());
+    scene.journal->events.clear();
+    checkAndDownload({{"HB4Sha256", sha256(image)}}); // and a later one is taken
+    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, previous}));
+}
+
+void TestImageDigest::digestBelongsToItsDownload_data()
+{
+    QTest::addColumn<QString>("own");
+    QTest::addColumn<QString>("later");
+    QTest::addColumn<QStringList>("events");
+    QTest::newRow("good, then another") << sha256(image) << sha256(previous) << QStringList{done};
+    QTest::newRow("good, then none") << sha256(image) << "" << QStringList{done};
+    QTest::newRow("bad, then a good one") << sha256(previous) << sha256(image) << differs;
+    QTest::newRow("bad, then none") << sha256(previous) << "" << differs;
+}
+
+/// A check that ends during the download brings the digest of another image.
+void TestImageDigest::digestBelongsToItsDownload()
+{
+    QFETCH(QString, own);
+    QFETCH(QString, later);
+    QFETCH(QStringList, events);
+    const QByteArray whole = httpAnswer("200 OK", image);
+    scene.server.setAnswer(imagePath, {{whole.left(1000), whole.mid(1000)}, RawServer::End::keepOpen, true});
+    scene.state().imageDigest = own;
+    scene.ask(Request::image);
+    QTRY_VERIFY(!scene.state().firmwareData.isEmpty());
+    scene.state().imageDigest = later;
+    scene.server.goOn();
+    QTRY_VERIFY(scene.rests(events.size()));
+    QCOMPARE(scene.journal->events, events);
+}
+
+QTEST_GUILESS_MAIN(TestImageDigest)
+#include "tst_imagedigest.moc"
