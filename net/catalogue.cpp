@@ -47,12 +47,14 @@ Offer lookUp(const Entries& entries, const QString& stem)
     return offer;
 }
 
-Decision decide(const Offer& offer, const QString& curVersion)
+Decision decide(const Offer& offer, const QString& curVersion, bool digestRequired)
 {
     // The updater's change log is not required: without an address, requesting it fails.
     const std::array required{&offer.newVersion, &offer.binUrl, &offer.changeLogUrl, &offer.mainBinUrl,
                               &offer.mainVersion};
     if (std::any_of(required.begin(), required.end(), [](const QString* value) { return value->isEmpty(); }))
+        return Decision::incomplete;
+    if (digestRequired && !isDigest(offer.imageDigest))
         return Decision::incomplete;
     if (offer.mainVersion.toInt() >= UPDATER_VERSION_THRESHOLD)
         return Decision::newerUpdater;

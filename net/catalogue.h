@@ -51,8 +51,9 @@ enum class Decision {
 /// The entries under this key stem, and the updater's own.
 [[nodiscard]] Offer lookUp(const Entries& entries, const QString& stem);
 
-/// Compares the offer with the unit's version in decimal text.
-[[nodiscard]] Decision decide(const Offer& offer, const QString& curVersion);
+/// Compares the offer with the unit's version in decimal text. Where the image's digest is required, one that
+/// is malformed counts as missing.
+[[nodiscard]] Decision decide(const Offer& offer, const QString& curVersion, bool digestRequired = false);
 
 /// True for 64 hexadecimal digits, in either case.
 [[nodiscard]] bool isDigest(const QString& text);

@@ -3,6 +3,7 @@
 #include "base/percent.h"
 #include "base/sizelimit.h"
 #include "net/catalogue.h"
+#include "net/cataloguekey.h"
 #include "net/plainaddress.h"
 
 #include <QCoreApplication>
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr int silenceLimitMs = 30000;
 constexpr qint64 reportedTotal = 15000001; // bytes; an answer announcing this much is reported, not refused
 constexpr int okStatus = 200;
 
@@ -71,18 +71,32 @@ void UpdateChecker::checkUpdate()
         emit newUpdateFileDownloaded(true);
         return;
     }
-    // Intentional: infoData is not cleared; what a failed check left behind precedes the new lines.
-    get(QStringLiteral("http://" TALVEX_UPDATE_HOST "/wp-content/uploads/versions.txt"),
-        SLOT(replyFinished()), SLOT(httpReadyRead()));
+    // Intentional: infoData is not cleared; what a failed check left behind precedes the new lines. With a
+    // key, only what the signature covers may be there.
+    if (cataloguekey::isBuiltIn())
+        forgetEarlierCheck();
+    get(catalogueUrl(), SLOT(replyFinished()), SLOT(httpReadyRead()));
     timeoutTimer->start(silenceLimitMs);
 }
 
-void UpdateChecker::get(const QString& url, const char* finishedSlot, const char* readyReadSlot)
+const QString& UpdateChecker::catalogueUrl()
+{
+    static const QString url =
+        QStringLiteral("http://" TALVEX_UPDATE_HOST "/wp-content/uploads/versions.txt");
+    return url;
+}
+
+void UpdateChecker::start(const QString& url)
 {
     QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
     request.setRawHeader("User-Agent", "MyOwnBrowser 1.0");
     received = 0;
     reply = networkManager.get(request);
+}
+
+void UpdateChecker::get(const QString& url, const char* finishedSlot, const char* readyReadSlot)
+{
+    start(url);
     connect(reply, SIGNAL(finished()), this, finishedSlot);
     connect(reply, SIGNAL(readyRead()), this, readyReadSlot);
     // clang-format off
@@ -106,7 +120,9 @@ void UpdateChecker::httpReadyRead()
 {
     if (reply == nullptr)
         return;
-    infoData += catalogue::withoutCarriageReturns(takePiece());
+    const QByteArray piece = takePiece();
+    // The signature covers the file as it was sent.
+    infoData += cataloguekey::isBuiltIn() ? piece : catalogue::withoutCarriageReturns(piece);
     giveUpEndless();
 }
 
@@ -130,11 +146,15 @@ void UpdateChecker::giveUpEndless()
     reply->abort();
 }
 
+bool UpdateChecker::hasGoodStatus() const
+{
+    return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == okStatus;
+}
+
 /// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 counts.
 bool UpdateChecker::replyFailed() const
 {
-    return reply->error() != QNetworkReply::NoError ||
-           reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() != okStatus;
+    return reply->error() != QNetworkReply::NoError || !hasGoodStatus();
 }
 
 void UpdateChecker::releaseReply()
@@ -176,6 +196,15 @@ void UpdateChecker::replyFinished()
         reportProblem();
         return;
     }
+    if (cataloguekey::isBuiltIn())
+        askForSignature();
+    else
+        useCatalogue();
+}
+
+/// Acts on the catalogue in infoData, from which carriage returns have been removed.
+void UpdateChecker::useCatalogue()
+{
     if (infoData.size() > catalogue::reportedSize)
         exitSlot(); // intentional: only a warning, the catalogue is still used
     if (findUnitModel(unitType) == nullptr)
@@ -197,7 +226,7 @@ void UpdateChecker::act()
     mainBinUrl = offer.mainBinUrl;
     imageDigest = offer.imageDigest;
 
-    const catalogue::Decision decision = catalogue::decide(offer, curVersion);
+    const catalogue::Decision decision = catalogue::decide(offer, curVersion, cataloguekey::isBuiltIn());
     if (decision == catalogue::Decision::incomplete) {
         qErrnoWarning("Can't find info about version and binary file");
         reportProblem();

@@ -31,6 +31,10 @@ public:
 
     void downloadError();
 
+    /// Whether an image read from disk may be sent to a unit: with a catalogue key, only the one this run has
+    /// downloaded; without one, any.
+    [[nodiscard]] bool mayBeSent(const QByteArray& image) const;
+
     /// True while waiting for an answer.
     [[nodiscard]] bool isBusy() const;
 
@@ -67,8 +71,13 @@ public slots:
     void slotAuthenticationRequired(QNetworkReply*, QAuthenticator*);
 
 private:
+    static constexpr int silenceLimitMs = 30000;
+    static const QString& catalogueUrl();
+
+    void start(const QString& url);
     void get(const QString& url, const char* finishedSlot, const char* readyReadSlot);
     void getPlain(QString& address, const char* finishedSlot, const char* readyReadSlot);
+    [[nodiscard]] bool hasGoodStatus() const;
     [[nodiscard]] bool replyFailed() const;
     [[nodiscard]] QByteArray takePiece();
     void giveUpEndless();
@@ -76,10 +85,19 @@ private:
     void reportProblem();
     void reportNotGenuine(const char* line);
     void reportFailedDownload(const char* logLine);
+    void useCatalogue();
     void act();
     [[nodiscard]] const char* imageFault() const;
     void storeFirmware();
     [[nodiscard]] bool changeLogFailed(const char* logLine);
+
+    // net/signedcatalogue.cpp: in a build with a catalogue key
+    void forgetEarlierCheck();
+    [[nodiscard]] bool isSignatureTooLarge() const;
+    void askForSignature();
+    void signatureArrived();
+    void signatureFinished();
+    void judgeCatalogue();
 
     QTimer* timeoutTimer;
     QString mainVersion;
@@ -96,7 +114,9 @@ private:
     QByteArray infoData;
     QByteArray firmwareData;
     QString changeLogText;
-    qint64 received = 0;   ///< bytes of the answer to the request in flight
-    QString imageDigest;   ///< of the image at binUrl, as the catalogue tells it; empty: it tells none
-    QString awaitedDigest; ///< the same, of the image being downloaded
+    qint64 received = 0; ///< bytes of the answer to the request in flight
+    QByteArray signatureData;
+    QString imageDigest;     ///< of the image at binUrl, as the catalogue tells it; empty: it tells none
+    QString awaitedDigest;   ///< the same, of the image being downloaded
+    QString downloadedImage; ///< the digest of the image that this run has stored; empty: none so far
 };

@@ -135,6 +135,15 @@ void MainWindow::startUpdateCheck()
     updateChecker->checkUpdate();
 }
 
+/// A service file, placed by hand, is sent whatever it holds.
+bool MainWindow::mayBeSent(const QByteArray& image) const
+{
+    if (updaterFile.fileName() != ImageStore::imagePath() || updateChecker->mayBeSent(image))
+        return true;
+    qWarning("The image on the disk is not the one that was downloaded");
+    return false;
+}
+
 bool MainWindow::mayOfferLog() const
 {
     return logoffer::isAllowed({.unitIsOpen = device != nullptr,

@@ -85,6 +85,7 @@ private:
     void tellLogDownloader();
     void startUpdateCheck();
     [[nodiscard]] bool mayOfferLog() const;
+    [[nodiscard]] bool mayBeSent(const QByteArray& image) const;
     [[nodiscard]] ReportLayout layout() const { return {headerOffset, payloadOffset}; }
 
     // unit/connection.cpp

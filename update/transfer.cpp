@@ -30,7 +30,7 @@ void MainWindow::updateDevice()
     ui->downloadLogFile->setEnabled(false);
     if (transferTimer != nullptr)
         transferTimer->stop(); // before a box can open: no protocol step is made under one
-    if (!readImage()) {
+    if (!readImage() || !mayBeSent(firmwareData)) {
         QMessageBox::critical(this, tr("Error"),
                               tr("File updater is not found.\nCheck the HD free space and try again."));
         applyingPhase = 1; // intentional: the timer starts anyway and only polls the installation

@@ -49,6 +49,9 @@ private slots:
     void decides();
     void missingValue_data();
     void missingValue();
+    void requiredDigest_data();
+    void requiredDigest();
+    void digestOfAnImage();
     void number_data();
     void number();
     void numberInAnyLocale();
@@ -207,6 +210,42 @@ void TestCatalogue::missingValue()
                             &offer.mainVersion, &offer.mainBinUrl, &offer.mainChangeLogUrl};
     values.at(static_cast<std::size_t>(value))->clear();
     QTEST(catalogue::decide(offer, "23"), "decision");
+}
+
+void TestCatalogue::requiredDigest_data()
+{
+    QTest::addColumn<QString>("digest");
+    QTest::addColumn<bool>("isGood");
+    const QString good = "0123456789abcdef0123456789ABCDEFfedcba9876543210FEDCBA9876543210";
+    QTest::newRow("64 digits") << good << true;
+    QTest::newRow("none") << QString() << false;
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("63 digits") << good.mid(1) << false;
+    QTest::newRow("65 digits") << good + '0' << false;
+    QTest::newRow("g is none") << good.mid(1) + 'g' << false;
+    QTest::newRow("the first is a G") << 'G' + good.mid(1) << false;
+    QTest::newRow("a blank behind them") << good + ' ' << false;
+    QTest::newRow("a line end behind them") << good + '\n' << false;
+    QTest::newRow("a blank instead of the first") << ' ' + good.mid(1) << false;
+    QTest::newRow("a digit of another script") << good.mid(1) + QChar(0x0661) << false;
+}
+
+/// Nobody demands it but a program with a key.
+void TestCatalogue::requiredDigest()
+{
+    QFETCH(QString, digest);
+    QFETCH(bool, isGood);
+    catalogue::Offer offer = goodOffer();
+    offer.imageDigest = digest;
+    QCOMPARE(catalogue::isDigest(digest), isGood);
+    QCOMPARE(catalogue::decide(offer, "23", true), isGood ? Decision::newerFirmware : Decision::incomplete);
+    QCOMPARE(catalogue::decide(offer, "23"), Decision::newerFirmware);
+}
+
+void TestCatalogue::digestOfAnImage()
+{
+    QCOMPARE(catalogue::digestOf("abc"),
+             QString("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"));
 }
 
 void TestCatalogue::number_data()

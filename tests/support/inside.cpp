@@ -33,7 +33,8 @@ Checker of(UpdateChecker& checker)
             checker.newVersion,     checker.changeLogUrl, checker.binUrl,
             checker.reply,          checker.unitType,     checker.curVersionByte,
             checker.curVersion,     checker.infoData,     checker.firmwareData,
-            checker.changeLogText,  checker.received,     checker.imageDigest};
+            checker.changeLogText,  checker.received,     checker.imageDigest,
+            checker.downloadedImage};
 }
 
 Downloader of(LogDownloader& downloader)

@@ -71,6 +71,7 @@ struct Checker
     QString& changeLogText;
     qint64& received;
     QString& imageDigest;
+    QString& downloadedImage;
 };
 [[nodiscard]] Checker of(UpdateChecker& checker);
 

@@ -30,6 +30,7 @@ inline constexpr auto savingProblem = "Error saving firmware to disk.";
 inline constexpr auto savingAdvice =
     "Check the HD, connections between PC and the unit and to try the update again.";
 inline constexpr auto damagedImage = "The downloaded firmware is damaged or not genuine.";
+inline constexpr auto notGenuine = "The update server's answer is not genuine.";
 inline constexpr auto nothingChanged =
     "Nothing was changed on your unit. Try again later or in another network.";
 inline constexpr auto noImage = "File updater is not found.\nCheck the HD free space and try again.";

@@ -1,0 +1,6 @@
+#include "net/cataloguekey.h"
+
+cataloguekey::Judge cataloguekey::judge()
+{
+    return nullptr;
+}

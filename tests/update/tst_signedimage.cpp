@@ -1,0 +1,78 @@
+#include "net/updatechecker.h"
+#include "tests/support/boxlines.h"
+#include "tests/support/inside.h"
+#include "tests/support/signer.h"
+#include "tests/support/testkey.h"
+#include "tests/support/texts.h"
+#include "tests/support/transferdesk.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QtTest>
+
+namespace {
+
+const QByteArray image = imageOf(200);
+
+QString sha256(const QByteArray& bytes)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+}
+
+} // namespace
+
+/// Update Device in a program with a key: what lies on the disk goes to the unit only if this run has
+/// downloaded it.
+class TestSignedImage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { testkey::set(Signer().publicKey()); }
+    void press_data();
+    void press();
+    void serviceFileIsSentAsItIs();
+};
+
+void TestSignedImage::press_data()
+{
+    QTest::addColumn<QString>("downloaded");
+    QTest::addColumn<QByteArray>("onDisk");
+    QTest::addColumn<bool>("isSent");
+    QTest::newRow("the image downloaded") << sha256(image) << image << true;
+    QTest::newRow("its digest in capital letters") << sha256(image).toUpper() << image << true;
+    QTest::newRow("another image") << sha256(image) << imageOf(201) << false;
+    QTest::newRow("one bit of it is another") << sha256(image) << withBitFlipped(image, 1000) << false;
+    QTest::newRow("nothing was downloaded") << "" << image << false;
+    QTest::newRow("empty image") << sha256("") << QByteArray("") << false;
+}
+
+void TestSignedImage::press()
+{
+    QFETCH(QString, downloaded);
+    QFETCH(QByteArray, onDisk);
+    QFETCH(bool, isSent);
+    TransferDesk desk(UNIT_HB4);
+    inside::of(desk.window.checker()).downloadedImage = downloaded;
+    placeFile(filename::image, onDisk);
+    if (!isSent && !onDisk.isEmpty())
+        QTest::ignoreMessage(QtWarningMsg, "The image on the disk is not the one that was downloaded");
+    desk.window->updateDevice();
+    QCOMPARE(desk.window.boxes.lines(), isSent ? QStringList{} : QStringList{boxline::noFile});
+    desk.tick(3);
+    QCOMPARE(desk.writes().size(), std::size_t{isSent ? 1U : 0U}); // the request
+}
+
+void TestSignedImage::serviceFileIsSentAsItIs()
+{
+    TransferDesk desk(UNIT_HB4);
+    placeServiceFile(image);
+    desk.window.checker().checkUpdate();
+    desk.window->updateDevice();
+    QCOMPARE(desk.window.boxes.lines(), QStringList{});
+    desk.tick(3);
+    QCOMPARE(desk.writes().size(), std::size_t{1});
+}
+
+QTEST_MAIN(TestSignedImage)
+#include "tst_signedimage.moc"
