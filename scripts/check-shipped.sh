@@ -17,6 +17,10 @@ done
 if grep -Ei 'virtual|probe|Qt5Test' <<< "$libraries"; then
     complain "linked to a library of the tests"
 fi
+# So is a build with a catalogue key alone.
+if grep libsodium <<< "$libraries"; then
+    complain "linked to what only signatures need"
+fi
 symbols=$(nm -C "$program")
 grep -q 'MainWindow::connectSlot' <<< "$symbols" || complain "has no symbols, so this check cannot see anything"
 if grep -E 'virtualunit::|QTest::|\btst_|snapshot::take' <<< "$symbols"; then

@@ -7,8 +7,9 @@ set -euo pipefail
 
 usage() {
     cat << 'END'
-usage: scripts/demo.sh [--auto] [--output FOLDER] [-- OPTION...]
+usage: scripts/demo.sh [--auto] [--signed] [--output FOLDER] [-- OPTION...]
   --auto           let the driver press the buttons on a virtual screen
+  --signed         build the program with a catalogue key, and sign the catalogue
   --output FOLDER  where to put the driver's pictures (default: artifacts/demo)
   -- OPTION...     passed on to the driver
 END
@@ -16,10 +17,13 @@ END
 
 cd "$(dirname "$(realpath "$0")")/.."
 source scripts/lib/packages.sh
+source scripts/lib/signing.sh
 source scripts/lib/updateserver.sh
 
 build="build-demo"
 auto=no
+signed=no
+key=
 output=artifacts/demo
 imageBytes=1500000
 logBytes=120000
@@ -30,6 +34,7 @@ fi
 while [ $# -gt 0 ]; do
     case $1 in
         --auto) auto=yes ;;
+        --signed) signed=yes ;;
         --output) output=${2:?$(usage)} && shift ;;
         --help) usage && exit 0 ;;
         --) shift && break ;;
@@ -65,9 +70,18 @@ runAndWait() {
 }
 
 buildAll() {
-    CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset demo > "$work/configure.log" ||
+    CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset demo "-DTALVEX_CATALOGUE_KEY=$key" > "$work/configure.log" ||
         { cat "$work/configure.log"; return 1; }
     cmake --build --preset demo
+}
+
+# Signs the catalogue as a vendor does, and shows how anybody can check it.
+signCatalogue() {
+    local catalogue=$work/root/wp-content/uploads/versions.txt
+    minisign -S -s "$build/catalogue.key" -m "$catalogue" -t "the demo's catalogue" > /dev/null
+    echo "The program accepts only a catalogue signed with this key:"
+    echo "    $key"
+    minisign -V -P "$key" -m "$catalogue" | sed 's/^/    /'
 }
 
 # Becomes the program.
@@ -83,8 +97,14 @@ runByHand() {
 }
 
 installMissing "${buildPackages[@]}" "${stagePackages[@]}"
+if [ "$signed" = yes ]; then
+    key=$(signingKey "$build")
+fi
 buildAll
 server/make-content.sh "$work/root" "$imageBytes" 28
+if [ "$signed" = yes ]; then
+    signCatalogue
+fi
 startServer "$work/root" "$work"
 proxy=http://127.0.0.1:$serverPort
 head -c "$logBytes" /dev/urandom > "$work/unit.log"
@@ -107,6 +127,14 @@ if ! cmp "$work/unit.image" "$work/root/bin/HB4.sb"; then
     exit 1
 fi
 echo "The unit holds the server's image, byte for byte ($(stat -c %s "$work/unit.image") bytes)."
+if [ "$signed" = yes ]; then
+    echo "What the program asked the server for:"
+    sed -e 's/^GET \([^ ]*\) .*/    \1/' "$work/access.log"
+    if ! grep -q '^GET [^ ]*/versions.txt.minisig ' "$work/access.log"; then
+        echo "The program did not ask for the catalogue's signature." >&2
+        exit 1
+    fi
+fi
 if [ "$auto" = yes ]; then
     if ! cmp "$work/stored.log" "$work/unit.log"; then
         echo "The stored log is not the one that the unit sent." >&2

@@ -4,6 +4,8 @@
 # shellcheck disable=SC2034  # the lists are for the script that sources this
 # shellcheck source=scripts/lib/packages.sh
 source scripts/lib/packages.sh
+# shellcheck source=scripts/lib/signing.sh
+source scripts/lib/signing.sh
 
 # Steps joined by + run in parallel, once what they need has been built.
 usualSteps=(shipped format scripts tests in-process+program+code threads fuzz usb)
@@ -18,13 +20,19 @@ export UBSAN_OPTIONS=print_stacktrace=1
 # A busy test takes three of these, any other takes one (tests/CMakeLists.txt).
 testJobs=$((4 * jobs))
 
-# build PRESET: configures and builds a preset, once per run.
+# build PRESET OPTION...: configures and builds a preset, once per run.
 declare -A built=()
 build() {
     if [ -n "${built[$1]:-}" ]; then
         return 0
     fi
-    cmake --preset "$1" > /dev/null && cmake --build --preset "$1" -j "$jobs" && built[$1]=yes
+    cmake --preset "$1" "${@:2}" > /dev/null && cmake --build --preset "$1" -j "$jobs" && built[$1]=yes
+}
+
+# buildSigned: the program with a key of the build folder's own.
+buildSigned() {
+    local key
+    key=$(signingKey build-signed) && build signed "-DTALVEX_CATALOGUE_KEY=$key"
 }
 
 # runTests STEP FOLDER ARGUMENT...: runs the tests of a build folder that the arguments select.
@@ -54,7 +62,7 @@ step_scripts() {
 }
 
 step_tests() {
-    build asan && build hidraw && build test
+    build asan && build hidraw && buildSigned && build test
 }
 
 step_code() {
@@ -76,7 +84,7 @@ step_quick_in_process() {
 }
 
 step_program() {
-    build shipped && build test && runTests program build-test -L program
+    build shipped && buildSigned && build test && runTests program build-test -L program
 }
 
 step_quick_program() {
@@ -84,11 +92,12 @@ step_quick_program() {
 }
 
 # The whole program with the sanitizers; the virtual library is preloaded after the sanitizers' own. Leaks are left to
-# tst_reliability, which runs the program from its main() without a screen's plugin, which leaks too.
+# tst_reliability, which runs the program from its main() without a screen's plugin, which leaks too. The program with a key
+# (program.signed) always has them.
 step_sanitized_program() {
     build test && build asan && cmake --build build-asan -j "$jobs" --target talvex-updater &&
         ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0 TALVEX_TEST_PROGRAM=$PWD/build-asan/bin/talvex-updater \
-            runTests sanitized-program build-test -L program -E '^(program.shipped|reliability.memcheck)$'
+            runTests sanitized-program build-test -L program -E '^(program.shipped|program.signed|reliability.memcheck)$'
 }
 
 # The two threads of a log download, without one of Qt's queues between them (Debian's Qt is not instrumented).
