@@ -92,8 +92,8 @@ step_quick_program() {
 }
 
 # The whole program with the sanitizers; the virtual library is preloaded after the sanitizers' own. Leaks are left to
-# tst_reliability, which runs the program from its main() without a screen's plugin, which leaks too. The program with a key
-# (program.signed) always has them.
+# tst_reliability, which runs the program from its main() without a screen's plugin, which leaks too. The program with
+# a key (program.signed) always has the sanitizers.
 step_sanitized_program() {
     build test && build asan && cmake --build build-asan -j "$jobs" --target talvex-updater &&
         ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0 TALVEX_TEST_PROGRAM=$PWD/build-asan/bin/talvex-updater \

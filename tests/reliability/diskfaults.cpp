@@ -88,5 +88,11 @@ std::vector<FaultRow> diskFaults()
          "has an image of more than 64 MiB",
          readOnce,
          {{withoutImageAtThePress([] { resizeImage(64 * 1024 * 1024 + 1); }), outcome::noFile}}},
+        {"disk",
+         "with a catalogue key: has another image than the one downloaded",
+         readOnce,
+         {},
+         {{Phase::request, "“File updater is not found.…”; nothing is sent to the unit",
+           "tst_signedimage::press"}}},
     };
 }

@@ -38,6 +38,8 @@ inline const Outcome notFound{box(boxline::notFound), unitword::untouched, diskw
                               endword::waits};
 inline const Outcome noInternet{box(boxline::noInternet), unitword::untouched, diskword::oldImage,
                                 endword::ends};
+inline const Outcome damaged{box(boxline::damagedImage), unitword::untouched, diskword::oldImage,
+                             endword::ends};
 inline const Outcome declined{{}, unitword::untouched, diskword::oldImage, endword::waits};
 /// @}
 

@@ -3,6 +3,7 @@
 #include "net/updatechecker.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QTimer>
 #include <QTimerEvent>
 
@@ -87,6 +88,45 @@ FaultRow unreachable()
             {{Phase::changeLog, told, nobodyListens}, {Phase::download, told, nobodyListens}}};
 }
 
+/// An answer to the request for the image whose digest is in the catalogue.
+FaultRow besideTheDigest(const char* name, const Answer& answer, const Outcome& expected)
+{
+    const QByteArray digest = QCryptographicHash::hash(newImage(), QCryptographicHash::Sha256).toHex();
+    Scenario scenario = roadTo(Phase::download);
+    scenario.answers[cataloguePath] = ok(catalogueOf("HB4", "27") + "\nHB4Sha256=" + digest + '\n');
+    scenario.answers[imagePath] = answer;
+    return {"server", name, "the digest is only about the image", {{scenario, expected}}};
+}
+
+std::vector<FaultRow> digestFaults()
+{
+    const QByteArray image = newImage();
+    return {
+        besideTheDigest("gives the image's digest and sends that image", ok(image), outcome::updated),
+        besideTheDigest("gives the image's digest and sends another image", ok(image.chopped(1) + '!'),
+                        outcome::damaged),
+        besideTheDigest("gives the image's digest and sends more than it announced",
+                        Answer{{announced(image.size() - 3, image)}}, outcome::damaged),
+    };
+}
+
+/// In a build with a catalogue key.
+std::vector<FaultRow> signatureFaults()
+{
+    constexpr auto onlyCatalogue = "only the catalogue is signed";
+    constexpr auto told = "“The update server's answer is not genuine.…”; nothing in it is used";
+    const auto row = [](const char* name, const char* outcome, const char* test) {
+        return FaultRow{"server", name, onlyCatalogue, {}, {{Phase::catalogue, outcome, test}}};
+    };
+    return {
+        row("with a catalogue key: alters catalogue or signature", told, "tst_signedcheck::refused"),
+        row("with a catalogue key: has no signature, or breaks off", "the network problem is reported",
+            "tst_signedcheck::otherAnswersByTheServer"),
+        row("with a catalogue key: gives no digest of the image", "the network problem is reported",
+            "tst_signedcheck::outcome"),
+    };
+}
+
 FaultRow twoAtOnce()
 {
     return {
@@ -105,7 +145,7 @@ std::vector<FaultRow> serverFaults()
 {
     const QByteArray page = "<html><body>Welcome to the hotel's network. Please sign in.</body></html>";
     const QByteArray piece(128 * 1024, 'x');
-    return {
+    std::vector<FaultRow> rows{
         unreachable(),
         silent(),
         row("closes without a word", allBad, [](const Asked&) { return Answer{{}}; }),
@@ -156,4 +196,7 @@ std::vector<FaultRow> serverFaults()
         row("speaks another protocol", allBad, [](const Asked&) { return Answer{{"SSH-2.0-server\r\n"}}; }),
         twoAtOnce(),
     };
+    for (const std::vector<FaultRow>& more : {digestFaults(), signatureFaults()})
+        rows.insert(rows.end(), more.begin(), more.end());
+    return rows;
 }

@@ -25,6 +25,9 @@ inline const QString handOver = infoBox(text::handOver).line();
 inline const QString noInternet = errorBox(QString(text::networkProblem) + '\n').line();
 inline const QString notSaved = errorBox(QString(text::savingProblem) + '\n' + text::savingAdvice).line();
 
+inline const QString damagedImage =
+    errorBox(QString(text::damagedImage) + '\n' + text::nothingChanged).line();
+
 /// A unit is connected by itself, or together with its twin.
 /// @{
 [[nodiscard]] inline QString connected(UnitType type)
@@ -40,7 +43,7 @@ inline const QString notSaved = errorBox(QString(text::savingProblem) + '\n' + t
 /// How many of them end the program.
 [[nodiscard]] inline qsizetype closing(const QStringList& lines)
 {
-    const QStringList all{finished, logComplete, handOver, noInternet, notSaved};
+    const QStringList all{finished, logComplete, handOver, noInternet, notSaved, damagedImage};
     return std::count_if(lines.begin(), lines.end(),
                          [&all](const QString& line) { return all.contains(line); });
 }
