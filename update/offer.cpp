@@ -1,8 +1,8 @@
+#include "base/shownversion.h"
 #include "base/version.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "update/labeltexts.h"
-#include "update/shownversion.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
