@@ -15,16 +15,26 @@ QByteArray withoutCarriageReturns(QByteArray bytes)
     return bytes;
 }
 
+QVector<Line> readLines(const QByteArray& bytes)
+{
+    QVector<Line> read;
+    const QString text = QString::fromUtf8(bytes.constData()); // intentional: ends at the first NUL byte
+    const QStringList lines = text.split('\n');
+    int number = 0;
+    for (const QString& line : lines) {
+        ++number;
+        const auto equals = line.indexOf('=');
+        if (equals >= 0)
+            read.append({number, line.left(equals), line.mid(equals + 1)});
+    }
+    return read;
+}
+
 Entries parse(const QByteArray& bytes)
 {
     Entries entries;
-    const QString text = QString::fromUtf8(bytes.constData()); // intentional: ends at the first NUL byte
-    const QStringList lines = text.split('\n');
-    for (const QString& line : lines) {
-        const auto equals = line.indexOf('=');
-        if (equals >= 0)
-            entries.insert(line.left(equals), line.mid(equals + 1));
-    }
+    for (const Line& line : readLines(bytes))
+        entries.insert(line.key, line.value);
     return entries;
 }
 
@@ -37,13 +47,13 @@ QString keyStem(UnitType type)
 Offer lookUp(const Entries& entries, const QString& stem)
 {
     Offer offer;
-    offer.newVersion = entries.value(stem + "Ver");
-    offer.binUrl = entries.value(stem + "Bin");
-    offer.changeLogUrl = entries.value(stem + "ChangeLog");
-    offer.mainVersion = entries.value("MainVer");
-    offer.mainChangeLogUrl = entries.value("MainChangeLog");
-    offer.mainBinUrl = entries.value("MacMainBin");
-    offer.imageDigest = entries.value(stem + "Sha256");
+    offer.newVersion = entries.value(stem + suffix::version);
+    offer.binUrl = entries.value(stem + suffix::image);
+    offer.changeLogUrl = entries.value(stem + suffix::changeLog);
+    offer.mainVersion = entries.value(key::mainVersion);
+    offer.mainChangeLogUrl = entries.value(key::mainChangeLog);
+    offer.mainBinUrl = entries.value(key::mainImage);
+    offer.imageDigest = entries.value(stem + suffix::digest);
     return offer;
 }
 

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QMap>
 #include <QString>
+#include <QVector>
 
 /// The version catalogue: lines "key=value" with the newest versions and their addresses.
 namespace catalogue {
@@ -15,6 +16,29 @@ inline constexpr int reportedSize = 10245;
 
 /// The lowest updater version in the catalogue that is newer than this updater.
 inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;
+
+/// The updater's own keys.
+namespace key {
+inline constexpr auto mainVersion = "MainVer";
+inline constexpr auto mainChangeLog = "MainChangeLog";
+inline constexpr auto mainImage = "MacMainBin";
+} // namespace key
+
+/// What follows a model's stem in its keys.
+namespace suffix {
+inline constexpr auto version = "Ver";
+inline constexpr auto image = "Bin";
+inline constexpr auto changeLog = "ChangeLog";
+inline constexpr auto digest = "Sha256";
+} // namespace suffix
+
+/// A line with "=".
+struct Line
+{
+    int number; ///< from 1
+    QString key;
+    QString value;
+};
 
 using Entries = QMap<QString, QString>;
 
@@ -41,7 +65,10 @@ enum class Decision {
 [[nodiscard]] QByteArray withoutCarriageReturns(QByteArray bytes);
 
 /// Decodes UTF-8 up to the first NUL byte and splits each line at its first "=". Keys and values keep their
-/// blanks; a later line replaces an earlier one with the same key; lines without "=" are remarks.
+/// blanks; lines without "=" are remarks.
+[[nodiscard]] QVector<Line> readLines(const QByteArray& bytes);
+
+/// The entries of those lines: a later line replaces an earlier one with the same key.
 [[nodiscard]] Entries parse(const QByteArray& bytes);
 
 /// What the model's keys begin with, for example "HB4" or "PLT70". Intentional: "HB2" for a type without a
