@@ -1,9 +1,12 @@
 #include "net/catalogue.h"
 #include "net/cataloguekey.h"
+#include "net/exchange.h"
 #include "net/signature.h"
 #include "net/updatechecker.h"
 
 #include <QTimer>
+
+using exchange::silenceLimitMs;
 
 // The update check in a build with a catalogue key: the catalogue is fetched, then its signature, and nothing
 // in the catalogue is used before the signature has been found good.

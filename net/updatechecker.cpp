@@ -4,24 +4,18 @@
 #include "base/sizelimit.h"
 #include "net/catalogue.h"
 #include "net/cataloguekey.h"
+#include "net/exchange.h"
 #include "net/plainaddress.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QNetworkRequest>
 #include <QTimer>
-#include <QUrl>
 
 #ifndef TALVEX_UPDATE_HOST
 #error "TALVEX_UPDATE_HOST names the vendor's update server"
 #endif
 
-namespace {
-
-constexpr qint64 reportedTotal = 15000001; // bytes; an answer announcing this much is reported, not refused
-constexpr int okStatus = 200;
-
-} // namespace
+using exchange::silenceLimitMs;
 
 UpdateChecker::UpdateChecker(QObject* parent)
     : QObject(parent), timeoutTimer(new QTimer(this)), mainBinUrl(QStringLiteral("http://upd.test"))
@@ -88,10 +82,8 @@ const QString& UpdateChecker::catalogueUrl()
 
 void UpdateChecker::start(const QString& url)
 {
-    QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
-    request.setRawHeader("User-Agent", "MyOwnBrowser 1.0");
     received = 0;
-    reply = networkManager.get(request);
+    reply = networkManager.get(exchange::requestFor(url));
 }
 
 void UpdateChecker::get(const QString& url, const char* finishedSlot, const char* readyReadSlot)
@@ -148,13 +140,12 @@ void UpdateChecker::giveUpEndless()
 
 bool UpdateChecker::hasGoodStatus() const
 {
-    return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == okStatus;
+    return exchange::hasGoodStatus(*reply);
 }
 
-/// Qt reports no error for a bare redirect, an empty answer and the like; only status 200 counts.
 bool UpdateChecker::replyFailed() const
 {
-    return reply->error() != QNetworkReply::NoError || !hasGoodStatus();
+    return !exchange::isAnswer(*reply);
 }
 
 void UpdateChecker::releaseReply()
@@ -248,7 +239,7 @@ void UpdateChecker::onDataReadProgress(qint64 done, qint64 total)
 {
     timeoutTimer->stop();
     timeoutTimer->start(silenceLimitMs); // the limit is on silence, not on the whole answer
-    if (total >= reportedTotal)
+    if (total >= exchange::reportedTotal)
         downloadError();                                           // intentional: the request goes on
     emit downloadProgress(total > 0 ? percent(done, total) : 100); // intentional: an unknown total is 100
 }

@@ -71,7 +71,6 @@ public slots:
     void slotAuthenticationRequired(QNetworkReply*, QAuthenticator*);
 
 private:
-    static constexpr int silenceLimitMs = 30000;
     static const QString& catalogueUrl();
 
     void start(const QString& url);

@@ -1,5 +1,6 @@
 #include "net/catalogue.h"
 #include "net/cataloguekey.h"
+#include "net/exchange.h"
 #include "net/updatechecker.h"
 #include "update/imagestore.h"
 
@@ -8,20 +9,6 @@
 namespace {
 
 constexpr auto notSaved = "Error saving firmware to disk."; ///< shown and written to the diagnostics
-
-/// True for any content encoding but "identity", which is none.
-bool isEncoded(const QNetworkReply& answer)
-{
-    const char* const header = "Content-Encoding";
-    return answer.hasRawHeader(header) && answer.rawHeader(header).trimmed().toLower() != "identity";
-}
-
-/// A truncated compressed image shows no error, and a captive portal's page must never become firmware.
-bool isNoImage(const QNetworkReply& answer)
-{
-    const QString type = answer.header(QNetworkRequest::ContentTypeHeader).toString();
-    return isEncoded(answer) || type.startsWith("text/html", Qt::CaseInsensitive);
-}
 
 } // namespace
 
@@ -46,7 +33,7 @@ void UpdateChecker::replyFinishedOnDone()
     // Only its own reply says that an image is whole: a check started meanwhile has another reply in flight.
     if (reply == nullptr || (sender() != nullptr && sender() != reply))
         return;
-    if (replyFailed() || isNoImage(*reply)) {
+    if (replyFailed() || exchange::isNoImage(*reply)) {
         reportFailedDownload("UpdateChecker::onDone");
         return;
     }
