@@ -68,7 +68,7 @@ step_tests() {
 step_code() {
     local report=$junit/../tidy.log
     build asan || return
-    if ! sources {app,base,log,net,ui,unit,update}/'*.cpp' |
+    if ! sources {app,base,log,net,ui,unit,update,vendor}/'*.cpp' |
         xargs run-clang-tidy -quiet -p build-asan -j "$jobs" > "$report" 2>&1; then
         grep -E 'warning:|error:' -A 4 "$report" || cat "$report"
         return 1
@@ -122,7 +122,7 @@ step_coverage() {
     installMissing gcovr && build coverage &&
         find build-coverage -name '*.gcda' -delete &&
         runTests coverage build-coverage -L in-process &&
-        gcovr --root . --object-directory build-coverage --filter '(app|base|log|net|ui|unit|update)/' \
+        gcovr --root . --object-directory build-coverage --filter '(app|base|log|net|ui|unit|update|vendor)/' \
             --exclude '.*/build-.*' --txt "$junit/../coverage.txt" --print-summary &&
         cat "$junit/../coverage.txt"
 }

@@ -1,0 +1,48 @@
+#include "tests/vendor/tool.h"
+
+#include "tests/harness/childprocess.h"
+#include "tests/harness/waiting.h"
+
+#include <QFile>
+
+QString Tool::program()
+{
+    return TALVEX_CATALOGUE_TOOL;
+}
+
+QProcessEnvironment Tool::environment() const
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("http_proxy", server.address({}));
+    return environment;
+}
+
+Tool::Outcome Tool::run(const QString& command, const QStringList& arguments)
+{
+    ChildProcess process;
+    process.setProcessEnvironment(environment());
+    process.setWorkingDirectory(directory.path());
+    process.start(command, arguments);
+    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }) ||
+        process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+Tool::Outcome Tool::runOnTerminal(const QString& arguments)
+{
+    return run("script", {"-qec", program() + ' ' + arguments, "/dev/null"});
+}
+
+void Tool::write(const QString& name, const QByteArray& bytes) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+QByteArray Tool::read(const QString& name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
+}

@@ -1,0 +1,254 @@
+#include "base/sizelimit.h"
+#include "tests/support/rawserver.h"
+#include "vendor/fetcher.h"
+
+#include <QtTest>
+
+namespace {
+
+constexpr auto path = "/file";
+constexpr int patient = 0x7FFFFFFF; ///< ms of silence
+
+QString sha256(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+}
+
+/// The kinds of what is found about a file, asked for under this key.
+QStringList kindsOf(const Fetched& fetched, const catalogue::Entries& entries = {})
+{
+    QStringList kinds;
+    for (const Finding& finding : checks::ofFetched(fetched, entries))
+        kinds.append(finding.kind);
+    return kinds;
+}
+
+} // namespace
+
+class TestFetcher : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { server.clear(); }
+    void asksAsTheProgram();
+    void tells_data();
+    void tells();
+    void image_data();
+    void image();
+    void changeLogMayBeAnything();
+    void unreachable();
+    void silence();
+    void endless();
+    void followsRedirects();
+    void fourAtOnce();
+    void stops();
+    void wantsAll();
+    void wantsWhatCanBeAskedFor();
+
+private:
+    Fetched fetch(bool isImage)
+    {
+        return Fetcher(patient).fetch({{"HB4Bin", server.address(path), isImage}}).first();
+    }
+
+    RawServer server;
+};
+
+void TestFetcher::asksAsTheProgram()
+{
+    server.setAnswer(path, ok("x"));
+    QVERIFY(fetch(true).isAnswer);
+    QVERIFY(server.requests().first().contains("\r\nUser-Agent: MyOwnBrowser 1.0\r\n"));
+}
+
+void TestFetcher::tells_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("encoding");
+    QTest::addColumn<bool>("isAnswer");
+    const QByteArray body("image");
+    const auto row = [](const char* name, const QByteArray& answer, int status, const QByteArray& kept,
+                        const char* type, const char* encoding, bool isAnswer) {
+        QTest::newRow(name) << answer << status << kept << QString(type) << QString(encoding) << isAnswer;
+    };
+    row("good", httpAnswer("200 OK", body), 200, body, "", "", true);
+    row("empty", httpAnswer("200 OK", {}), 200, {}, "", "", true);
+    row("type", httpAnswer("200 OK", body, {"Content-Type: text/html; charset=x"}), 200, body,
+        "text/html; charset=x", "", true);
+    row("encoding", httpAnswer("200 OK", body, {"Content-Encoding: br"}), 200, body, "", "br", true);
+    row("missing", httpAnswer("404 Not Found", "no"), 404, "no", "", "", false);
+    row("no content", httpAnswer("204 No Content", {}), 204, {}, "", "", false);
+    row("chunks", httpHead({"HTTP/1.1 200 OK", "Transfer-Encoding: chunked"}) + chunked(body, 2), 200, body,
+        "", "", true);
+    row("cut short", httpHead({"HTTP/1.1 200 OK", "Content-Length: 9"}) + body, 200, body, "", "", false);
+}
+
+void TestFetcher::tells()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QByteArray, body);
+    QFETCH(bool, isAnswer);
+    server.setAnswer(path, {{answer}});
+    const Fetched fetched = fetch(false);
+    QTEST(fetched.status, "status");
+    QTEST(fetched.type, "type");
+    QTEST(fetched.encoding, "encoding");
+    QCOMPARE(fetched.isAnswer, isAnswer);
+    QCOMPARE(kindsOf(fetched), isAnswer ? QStringList() : QStringList("no-answer"));
+    if (!isAnswer)
+        return;
+    QCOMPARE(fetched.size, qint64(body.size()));
+    QCOMPARE(QString(fetched.digest), sha256(body));
+}
+
+void TestFetcher::image_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("digest");
+    QTest::addColumn<QStringList>("kinds");
+    const QByteArray body("image");
+    const auto row = [](const char* name, const QByteArray& answer, const QString& digest,
+                        const QStringList& kinds) { QTest::newRow(name) << answer << digest << kinds; };
+    const QByteArray good = httpAnswer("200 OK", body);
+    row("good", good, "", {});
+    row("good digest", good, sha256(body), {});
+    row("good digest in upper case", good, sha256(body).toUpper(), {});
+    row("wrong digest", good, sha256("other"), {"wrong-digest"});
+    row("a malformed digest is the catalogue's own matter", good, "12", {});
+    row("page", httpAnswer("200 OK", body, {"Content-Type: Text/HTML"}), "", {"no-image"});
+    row("encoded", httpAnswer("200 OK", body, {"Content-Encoding: br"}), "", {"no-image"});
+    row("encoded as nothing", httpAnswer("200 OK", body, {"Content-Encoding: identity"}), "", {});
+    row("empty", httpAnswer("200 OK", {}), "", {"empty-image"});
+    row("missing", httpAnswer("404 Not Found", "no"), sha256(body), {"no-answer"});
+    const QByteArray type("Content-Type: application/octet-stream");
+    row("largest that is not reported", httpAnswer("200 OK", QByteArray(15000000, 'x'), {type}), "", {});
+    row("reported", httpAnswer("200 OK", QByteArray(15000001, 'x'), {type}), "", {"large-answer"});
+}
+
+void TestFetcher::image()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, digest);
+    server.setAnswer(path, {{answer}});
+    QTEST(kindsOf(fetch(true), {{"HB4Sha256", digest}}), "kinds");
+}
+
+void TestFetcher::changeLogMayBeAnything()
+{
+    server.setAnswer(path, ok({}, {"Content-Type: text/html", "Content-Encoding: br"}));
+    QCOMPARE(kindsOf(fetch(false)), QStringList());
+}
+
+void TestFetcher::unreachable()
+{
+    RawServer closed;
+    closed.stopListening();
+    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", closed.address(path), true}}).first();
+    QCOMPARE(fetched.status, 0);
+    QVERIFY(!fetched.failure.isEmpty());
+    QCOMPARE(kindsOf(fetched), QStringList("no-answer"));
+}
+
+void TestFetcher::silence()
+{
+    RawServer silent;
+    silent.setAnswer(
+        path, {{httpHead({"HTTP/1.1 200 OK", "Content-Length: 2"}), "x"}, RawServer::End::close, true});
+    const Fetched fetched = Fetcher(1000).fetch({{"HB4Bin", silent.address(path), true}}).first();
+    QCOMPARE(fetched.failure, QString("nothing received for 1 s"));
+    QVERIFY(!fetched.isAnswer);
+}
+
+void TestFetcher::endless()
+{
+    RawServer::Answer answer{{httpHead({"HTTP/1.1 200 OK"}), QByteArray(1024 * 1024, 'x')}};
+    answer.endless = true;
+    server.setAnswer(path, answer);
+    const Fetched fetched = fetch(true);
+    QVERIFY(!fetched.isAnswer);
+    QCOMPARE(fetched.failure, QString("more than 67108864 bytes"));
+    QVERIFY(fetched.size > sizeLimit);
+}
+
+void TestFetcher::followsRedirects()
+{
+    server.setAnswer("/old", {{httpAnswer("302 Found", {}, {"Location: " + server.address(path).toUtf8()})}});
+    server.setAnswer(path, ok("image"));
+    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", server.address("/old"), true}}).first();
+    QCOMPARE(fetched.status, 200);
+    QCOMPARE(QString(fetched.digest), sha256("image"));
+}
+
+/// Holds every answer back until four have been requested, and checks that no fifth request comes.
+void TestFetcher::fourAtOnce()
+{
+    QVector<Wanted> wanted;
+    for (int number = 0; number < 9; ++number) {
+        const QString each = "/" + QString::number(number);
+        wanted.append({"HB4Bin", server.address(each), true});
+        const QByteArray answer = httpAnswer("200 OK", QByteArray::number(number));
+        server.setAnswer(each, {{answer.chopped(1), answer.right(1)}, RawServer::End::keepOpen, true});
+    }
+    int ended = 0;
+    int most = 0;
+    Fetcher fetcher(patient, [&](int now, int, qint64) { ended = now; });
+    QTimer holding;
+    connect(&holding, &QTimer::timeout, this, [&] {
+        const int open = server.requests().size() - ended;
+        most = qMax(most, open);
+        if (open >= qMin(4, wanted.size() - ended))
+            server.goOn();
+    });
+    holding.start(20); // time for a fifth request
+    const QVector<Fetched> all = fetcher.fetch(wanted);
+    QCOMPARE(most, 4);
+    for (int number = 0; number < all.size(); ++number) {
+        QCOMPARE(all[number].wanted.url, wanted[number].url);
+        QCOMPARE(QString(all[number].digest), sha256(QByteArray::number(number)));
+    }
+}
+
+void TestFetcher::stops()
+{
+    server.setAnswer(path, {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
+    Fetcher fetcher(patient);
+    QTimer asked;
+    connect(&asked, &QTimer::timeout, this, [&] {
+        if (!server.requests().isEmpty())
+            fetcher.stop();
+    });
+    asked.start(1);
+    const QVector<Wanted> wanted(6, {"HB4Bin", server.address(path), true});
+    const QVector<Fetched> all = fetcher.fetch(wanted);
+    QVERIFY(fetcher.isStopped());
+    QCOMPARE(all.size(), 6);
+    QCOMPARE(all.first().failure, QString("interrupted"));
+    for (const Fetched& one : all)
+        QVERIFY(!one.isAnswer);
+}
+
+void TestFetcher::wantsAll()
+{
+    const QVector<Wanted> wanted = wantedBy({{"MainChangeLog", "https://h/m"},
+                                             {"MacMainBin", "https://h/never"},
+                                             {"PLT70Bin", "http://h/p"},
+                                             {"HB4Bin", "http://h/b"},
+                                             {"HB4ChangeLog", "http://h/l"}});
+    QStringList told;
+    for (const Wanted& one : wanted)
+        told.append(one.key + ' ' + one.url + (one.isImage ? " image" : ""));
+    QCOMPARE(told, QStringList({"MainChangeLog http://h/m", "HB4ChangeLog http://h/l",
+                                "HB4Bin http://h/b image", "PLT70Bin http://h/p image"}));
+}
+
+void TestFetcher::wantsWhatCanBeAskedFor()
+{
+    QVERIFY(wantedBy({{"HB4Bin", "http://h"}, {"HB4ChangeLog", ""}}).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestFetcher)
+#include "tst_fetcher.moc"

@@ -1,0 +1,64 @@
+#include "tests/vendor/goodcatalogue.h"
+#include "vendor/sight.h"
+
+#include <QtTest>
+
+class TestSight : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sees_data();
+    void sees();
+};
+
+void TestSight::sees_data()
+{
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("to");
+    QTest::addColumn<int>("version");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* name, const char* from, const char* to, int version, const char* kind,
+                        const char* text) {
+        QTest::newRow(name) << QByteArray(from) << QByteArray(to) << version << QString(kind)
+                            << QString(text);
+    };
+    const char* const any = "[HB4]";
+    row("newer", any, any, 23, "firmware",
+        "an offer of firmware 2.7, from http://updates.example.com/bin/HB4.sb");
+    row("same", any, any, 27, "up-to-date", "\"Your unit has the latest software\"");
+    row("older", any, any, 28, "up-to-date", "\"Your unit has the latest software\"");
+    row("https image", "HB4Bin=http", "HB4Bin=https", 23, "firmware",
+        "an offer of firmware 2.7, from http://updates.example.com/bin/HB4.sb");
+    row("fraction", "HB4Ver=27", "HB4Ver=27.5", 27, "firmware",
+        "an offer of firmware 0.0, from http://updates.example.com/bin/HB4.sb");
+    row("missing value", "HB4Ver=27", "", 23, "problem",
+        "\"Problem with internet connection\": a value is missing");
+    row("another model's missing value", "HB2Ver=27", "", 27, "up-to-date",
+        "\"Your unit has the latest software\"");
+    row("change log that cannot be asked for", "HB4ChangeLog=http://", "HB4ChangeLog=", 23, "problem",
+        "\"Problem with internet connection\": the address of the change log cannot be split");
+    row("and need not be", "HB4ChangeLog=http://", "HB4ChangeLog=", 27, "up-to-date",
+        "\"Your unit has the latest software\"");
+    row("image that cannot be asked for", "HB4Bin=http://", "HB4Bin=", 23, "firmware",
+        "an offer of firmware 2.7, then a problem when it is accepted: the address of the image cannot be split");
+    row("newer updater", "MainVer=11", "MainVer=12", 27, "updater",
+        "an offer of updater 0.12 (this one is 0.11), which the browser downloads from "
+        "https://updates.example.com/updater.zip");
+    row("newer updater without a change log", "MainVer=11\nMainChangeLog", "MainVer=12\nX", 23, "problem",
+        "\"Problem with internet connection\": the address of the updater's change log cannot be split");
+}
+
+void TestSight::sees()
+{
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    QFETCH(int, version);
+    const Sight sight = sightOf(catalogue::parse(catalogueWith(from, to)), "HB4", version);
+    QTEST(QString(sight.kind), "kind");
+    QTEST(sight.text, "text");
+}
+
+QTEST_GUILESS_MAIN(TestSight)
+#include "tst_sight.moc"

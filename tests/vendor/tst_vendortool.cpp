@@ -1,0 +1,161 @@
+#include "tests/harness/childprocess.h"
+#include "tests/vendor/goodcatalogue.h"
+#include "tests/vendor/tool.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+/// talvex-catalogue as a process.
+class TestVendorTool : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void exitCodes_data();
+    void exitCodes();
+    void json();
+    void colourOnATerminalOnly();
+    void checksAnAddress();
+    void checksAnAddressThatIsNotServed();
+    void fetches();
+    void fetchesWhatIsMissing();
+    void progressOnATerminalOnly();
+    void endsOnInterrupt();
+
+private:
+    void serveAll();
+
+    std::unique_ptr<Tool> tool;
+};
+
+void TestVendorTool::init()
+{
+    tool = std::make_unique<Tool>();
+    tool->write("good", goodCatalogue());
+}
+
+/// The good catalogue, its change logs and its images.
+void TestVendorTool::serveAll()
+{
+    tool->server.setAnswer("/versions.txt", ok(goodCatalogue(), {"Content-Type: text/plain"}));
+    tool->server.setAnswer("/logs/updater.txt", ok("log"));
+    for (const QByteArray& stem : everyStem()) {
+        tool->server.setAnswer("/logs/" + stem + ".txt", ok("log"));
+        tool->server.setAnswer("/bin/" + stem + ".sb", ok("image"));
+    }
+}
+
+void TestVendorTool::exitCodes_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<bool>("isAnswered"); ///< on standard output; else there is a complaint
+    QTest::newRow("good") << QStringList{"check", "good"} << 0 << true;
+    QTest::newRow("notes only") << QStringList{"check", "notes"} << 0 << true;
+    QTest::newRow("errors") << QStringList{"check", "bad"} << 1 << true;
+    QTest::newRow("no such file") << QStringList{"check", "absent"} << 1 << false;
+    QTest::newRow("a directory") << QStringList{"check", "."} << 1 << false;
+    QTest::newRow("misuse") << QStringList{"check"} << 2 << false;
+    QTest::newRow("help") << QStringList{"--help"} << 0 << true;
+    QTest::newRow("version") << QStringList{"--version"} << 0 << true;
+}
+
+void TestVendorTool::exitCodes()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, isAnswered);
+    tool->write("notes", catalogueWith("HB4Bin=http:", "HB4Bin=https:"));
+    tool->write("bad", catalogueWith("HB4Ver=27", "HB4Ver=2,8"));
+    const Tool::Outcome outcome = tool->run(arguments);
+    QTEST(outcome.exitCode, "exitCode");
+    QCOMPARE(outcome.output.isEmpty(), !isAnswered);
+    QCOMPARE(outcome.errors.isEmpty(), isAnswered);
+}
+
+void TestVendorTool::json()
+{
+    const Tool::Outcome outcome = tool->run({"check", "good", "--json", "--as", "hb4=23"});
+    QCOMPARE(outcome.exitCode, 0);
+    const QJsonObject object = QJsonDocument::fromJson(outcome.output).object();
+    QCOMPARE(object["source"].toString(), QString("good"));
+    QCOMPARE(object["errors"].toInt(-1), 0);
+}
+
+void TestVendorTool::colourOnATerminalOnly()
+{
+    const Tool::Outcome piped = tool->run({"check", "good"});
+    QVERIFY(!piped.output.contains('\033'));
+    const Tool::Outcome typed = tool->runOnTerminal("check good");
+    QCOMPARE(typed.exitCode, 0);
+    QVERIFY(typed.output.contains("\033[32mgood\033[0m"));
+}
+
+void TestVendorTool::checksAnAddress()
+{
+    tool->server.setAnswer("/versions.txt", ok(catalogueWith("HB4Ver=27", "HB4Ver=2,8")));
+    const Tool::Outcome outcome = tool->run({"check", "http://updates.example.com/versions.txt"});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY(outcome.output.startsWith("http://updates.example.com/versions.txt, "));
+    QVERIFY(outcome.output.endsWith("\n1 error, 0 notes\n"));
+    QCOMPARE(tool->server.paths(), QStringList("/versions.txt"));
+}
+
+void TestVendorTool::checksAnAddressThatIsNotServed()
+{
+    const Tool::Outcome outcome = tool->run({"check", "http://updates.example.com/versions.txt"});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY(outcome.output.isEmpty());
+    QVERIFY(outcome.errors.startsWith("talvex-catalogue: http://updates.example.com/versions.txt: "));
+}
+
+void TestVendorTool::fetches()
+{
+    serveAll();
+    const Tool::Outcome outcome = tool->run({"check", "--fetch", "http://updates.example.com/versions.txt"});
+    QCOMPARE(outcome.exitCode, 0);
+    QVERIFY2(outcome.output.endsWith("\n0 errors, 0 notes\n"), outcome.output.constData());
+    QCOMPARE(tool->server.requests().size(), 1 + 1 + 2 * 9);
+    QVERIFY(outcome.errors.isEmpty());
+}
+
+void TestVendorTool::fetchesWhatIsMissing()
+{
+    serveAll();
+    tool->server.setAnswer("/bin/LMB2.sb", {{httpAnswer("404 Not Found", "no")}});
+    const Tool::Outcome outcome = tool->run({"check", "--fetch", "good"});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY(outcome.output.contains("http://updates.example.com/bin/LMB2.sb is not served: "));
+    QVERIFY(outcome.output.endsWith("\n1 error, 0 notes\n"));
+}
+
+void TestVendorTool::progressOnATerminalOnly()
+{
+    serveAll();
+    const Tool::Outcome typed = tool->runOnTerminal("check --fetch good");
+    QCOMPARE(typed.exitCode, 0);
+    QVERIFY(typed.output.contains("\r0 of 19, 0.0 MB\033[K"));
+    QVERIFY(typed.output.contains("\r19 of 19, 0.0 MB\033[K\r\033[K"));
+}
+
+void TestVendorTool::endsOnInterrupt()
+{
+    tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
+    ChildProcess process;
+    process.setProcessEnvironment(tool->environment());
+    process.start(Tool::program(), {"check", "--fetch", tool->path("good")});
+    QTRY_VERIFY(tool->server.paths().contains("/bin/HB4.sb"));
+    kill(static_cast<pid_t>(process.processId()), SIGINT);
+    QTRY_COMPARE(process.state(), QProcess::NotRunning);
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 130);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(process.readAllStandardError(), QByteArray("talvex-catalogue: interrupted\n"));
+}
+
+QTEST_GUILESS_MAIN(TestVendorTool)
+#include "tst_vendortool.moc"

@@ -1,0 +1,69 @@
+#include "vendor/checks.h"
+
+#include "net/catalogue.h"
+#include "vendor/valuechecks.h"
+
+#include <QMap>
+
+#include <algorithm>
+
+namespace checks {
+
+namespace {
+
+using catalogue::Line;
+using Lines = QVector<Line>;
+
+bool hasBlanks(const QString& text)
+{
+    return text.trimmed() != text;
+}
+
+void checkLine(const Line& line, Findings& found)
+{
+    static const QStringList known = knownKeys();
+    if (!known.contains(line.key.trimmed())) {
+        found.append({Severity::error, "unknown-key", line.number, line.key, "no model has this key"});
+        return;
+    }
+    if (hasBlanks(line.key))
+        found.append({Severity::error, "blanks", line.number, line.key,
+                      "the key has leading or trailing blanks: the updater does not know it"});
+    if (hasBlanks(line.value))
+        found.append(
+            {Severity::error, "blanks", line.number, line.key, "the value has leading or trailing blanks"});
+}
+
+void checkDuplicates(const QString& key, const Lines& lines, Findings& found)
+{
+    if (lines.size() < 2)
+        return;
+    QStringList numbers;
+    for (const Line& line : lines)
+        numbers.append(QString::number(line.number));
+    found.append({Severity::error, "duplicate-key", lines.last().number, key,
+                  "appears on lines " + numbers.join(", ") + ": only the last one counts"});
+}
+
+} // namespace
+
+Findings ofCatalogue(const QByteArray& served)
+{
+    Findings found = ofBytes(served);
+    QMap<QString, Lines> byKey;
+    for (const Line& line : catalogue::readLines(catalogue::withoutCarriageReturns(served))) {
+        checkLine(line, found);
+        byKey[line.key].append(line);
+    }
+    for (auto entry = byKey.cbegin(); entry != byKey.cend(); ++entry)
+        checkDuplicates(entry.key(), entry.value(), found);
+    for (const QString& key : knownKeys()) {
+        const auto lines = byKey.constFind(key);
+        found += ofValue(key, lines == byKey.constEnd() ? nullptr : &lines->last());
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const Finding& one, const Finding& other) { return one.line < other.line; });
+    return found;
+}
+
+} // namespace checks

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "vendor/finding.h"
+
+#include <QByteArray>
+
+/// What the program would trip over in a catalogue, or read differently from the person who wrote it.
+namespace checks {
+
+/// All findings about a catalogue as it is served, in line order; those about no single line come first.
+[[nodiscard]] Findings ofCatalogue(const QByteArray& served);
+
+/// Its bytes: size, encoding, NUL, byte order mark.
+[[nodiscard]] Findings ofBytes(const QByteArray& served);
+
+} // namespace checks

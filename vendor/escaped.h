@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QString>
+
+/// The text made safe for a terminal: an unprintable character becomes "\u{1B}", a backslash "\\".
+[[nodiscard]] QString escaped(const QString& text);

@@ -1,0 +1,30 @@
+#include "base/version.h"
+#include "vendor/commands.h"
+
+#include <QCoreApplication>
+#include <QNetworkProxyFactory>
+
+#include <cstdio>
+
+namespace {
+
+int print(const options::Message& message)
+{
+    (void)std::fputs(message.text.toUtf8().constData(), message.exitCode == options::good ? stdout : stderr);
+    return message.exitCode;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion("0." + QString::number(updaterVersion));
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    const options::Command command = options::read(QCoreApplication::arguments());
+    if (const auto* check = std::get_if<options::Check>(&command))
+        return commands::check(*check);
+    if (const auto* hash = std::get_if<options::Hash>(&command))
+        return commands::hash(*hash);
+    return print(std::get<options::Message>(command));
+}

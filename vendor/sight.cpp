@@ -1,0 +1,52 @@
+#include "vendor/sight.h"
+
+#include "base/shownversion.h"
+#include "base/version.h"
+#include "net/plainaddress.h"
+
+namespace {
+
+Sight problem(const QString& why)
+{
+    return {"problem", "\"Problem with internet connection\": " + why};
+}
+
+Sight updaterOffer(const catalogue::Offer& offer)
+{
+    if (!takeApart(offer.mainChangeLogUrl))
+        return problem("the address of the updater's change log cannot be split");
+    return {"updater", QString("an offer of updater %1 (this one is %2), which the browser downloads from %3")
+                           .arg(shownUpdaterVersion(offer.mainVersion.toInt()),
+                                shownUpdaterVersion(updaterVersion), offer.mainBinUrl)};
+}
+
+Sight firmwareOffer(const catalogue::Offer& offer)
+{
+    if (!takeApart(offer.changeLogUrl))
+        return problem("the address of the change log cannot be split");
+    const QString shown = shownVersion(offer.newVersion.toInt());
+    const auto image = takeApart(offer.binUrl);
+    if (!image)
+        return {"firmware",
+                "an offer of firmware " + shown +
+                    ", then a problem when it is accepted: the address of the image cannot be split"};
+    return {"firmware", "an offer of firmware " + shown + ", from " + image->url()};
+}
+
+} // namespace
+
+Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version)
+{
+    const catalogue::Offer offer = catalogue::lookUp(entries, stem);
+    switch (catalogue::decide(offer, QString::number(version))) {
+    case catalogue::Decision::incomplete:
+        break;
+    case catalogue::Decision::newerUpdater:
+        return updaterOffer(offer);
+    case catalogue::Decision::newerFirmware:
+        return firmwareOffer(offer);
+    case catalogue::Decision::upToDate:
+        return {"up-to-date", "\"Your unit has the latest software\""};
+    }
+    return problem("a value is missing");
+}

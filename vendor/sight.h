@@ -1,0 +1,15 @@
+#pragma once
+
+#include "net/catalogue.h"
+
+#include <QString>
+
+/// What the user of one unit would see after pressing Connect.
+struct Sight
+{
+    const char* kind; ///< for machines: "firmware", "updater", "up-to-date" or "problem"
+    QString text;     ///< for people
+};
+
+/// With a unit of this stem at this version (27 is 2.7), going by the catalogue alone.
+[[nodiscard]] Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version);
