@@ -47,6 +47,11 @@ std::optional<QByteArray> readUrl(const QString& url, int timeoutMs)
     return std::nullopt;
 }
 
+std::optional<QByteArray> read(const QString& source, int timeoutMs)
+{
+    return source.contains("://") ? readUrl(source, timeoutMs) : readFile(source);
+}
+
 void showProgress(int ended, int all, qint64 bytes)
 {
     constexpr double megabyte = 1e6;
@@ -70,13 +75,15 @@ bool fetchAll(Report& report, const catalogue::Entries& entries, int timeoutMs)
 
 int check(const options::Check& wanted)
 {
-    const auto served =
-        wanted.source.contains("://") ? readUrl(wanted.source, wanted.timeoutMs) : readFile(wanted.source);
+    const auto served = read(wanted.source, wanted.timeoutMs);
+    Genuineness genuineness;
+    if (served && wanted.key)
+        genuineness = judged(*wanted.key, *served, read(wanted.source + ".minisig", wanted.timeoutMs));
     if (terminal::isInterrupted())
         return interrupted;
     if (!served)
         return options::faulty;
-    Report report = reportOn(wanted.source, *served, wanted.viewers);
+    Report report = reportOn(wanted.source, *served, wanted.viewers, genuineness);
     const auto entries = catalogue::parse(catalogue::withoutCarriageReturns(*served));
     if (wanted.fetch && !fetchAll(report, entries, wanted.timeoutMs)) {
         terminal::complain("interrupted");

@@ -47,7 +47,7 @@ void checkDuplicates(const QString& key, const Lines& lines, Findings& found)
 
 } // namespace
 
-Findings ofCatalogue(const QByteArray& served)
+Findings ofCatalogue(const QByteArray& served, bool areDigestsRequired)
 {
     Findings found = ofBytes(served);
     QMap<QString, Lines> byKey;
@@ -59,7 +59,7 @@ Findings ofCatalogue(const QByteArray& served)
         checkDuplicates(entry.key(), entry.value(), found);
     for (const QString& key : knownKeys()) {
         const auto lines = byKey.constFind(key);
-        found += ofValue(key, lines == byKey.constEnd() ? nullptr : &lines->last());
+        found += ofValue(key, lines == byKey.constEnd() ? nullptr : &lines->last(), areDigestsRequired);
     }
     std::stable_sort(found.begin(), found.end(),
                      [](const Finding& one, const Finding& other) { return one.line < other.line; });

@@ -8,7 +8,8 @@
 namespace checks {
 
 /// All findings about a catalogue as it is served, in line order; those about no single line come first.
-[[nodiscard]] Findings ofCatalogue(const QByteArray& served);
+/// A program with a key requires digests too.
+[[nodiscard]] Findings ofCatalogue(const QByteArray& served, bool areDigestsRequired = false);
 
 /// Its bytes: size, encoding, NUL, byte order mark.
 [[nodiscard]] Findings ofBytes(const QByteArray& served);

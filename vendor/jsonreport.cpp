@@ -75,5 +75,7 @@ QByteArray asJson(const Report& report)
                        {"findings", arrayOf(report.findings)},
                        {"errors", countOf(report.findings, Severity::error)},
                        {"notes", countOf(report.findings, Severity::note)}};
+    if (report.genuineness.isRequired)
+        object["isGenuine"] = report.genuineness.isGood();
     return inAscii(QJsonDocument(object).toJson());
 }

@@ -70,6 +70,7 @@ void describeCheck(QCommandLineParser& parser)
     parser.addOption(
         {"as", "Tell what the user of this model at this version (23 for 2.3) would see. May be repeated.",
          "MODEL=VERSION"});
+    parser.addOption({"key", "Judge the signature as an updater with this public key does (RW...).", "KEY"});
     parser.addOption({"fetch", "Request every change log and image, as the updater would."});
     parser.addOption({"timeout", "Give up on a server that is silent for this long.", "SECONDS",
                       QString::number(exchange::silenceLimitMs / 1000)});
@@ -94,6 +95,11 @@ Command readCheck(const QStringList& arguments)
         if (!viewer)
             return misuse("not a model and version like hb4=23: " + text);
         check.viewers.append(*viewer);
+    }
+    if (parser.isSet("key")) {
+        check.key = signature::parseKey(parser.value("key").toUtf8());
+        if (!check.key)
+            return misuse("not a minisign public key: " + parser.value("key"));
     }
     constexpr int mostSeconds = 3600;
     const int seconds = parser.value("timeout").toInt();

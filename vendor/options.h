@@ -1,9 +1,12 @@
 #pragma once
 
+#include "net/signature.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
 #include <variant>
 
 /// What the command line asks for.
@@ -26,6 +29,7 @@ struct Check
 {
     QString source; ///< a file, or an address with "://"
     QVector<Viewer> viewers;
+    std::optional<signature::PublicKey> key; ///< that the program would be built with
     bool json = false;
     bool fetch = false;
     int timeoutMs = 0; ///< of silence

@@ -38,19 +38,21 @@ void judgeRows(Report& report)
 
 } // namespace
 
-Report reportOn(const QString& source, const QByteArray& served, const QVector<options::Viewer>& viewers)
+Report reportOn(const QString& source, const QByteArray& served, const QVector<options::Viewer>& viewers,
+                const Genuineness& genuineness)
 {
     const catalogue::Entries entries = catalogue::parse(catalogue::withoutCarriageReturns(served));
     Report report;
     report.source = source;
     report.size = served.size();
-    report.findings = checks::ofCatalogue(served);
+    report.genuineness = genuineness;
+    report.findings = checks::ofSignature(genuineness) + checks::ofCatalogue(served, genuineness.isRequired);
     for (const UnitModel& model : unitModels)
         report.rows.append(rowOf(model, entries));
     report.rows.append(updaterRow(entries));
     judgeRows(report);
     for (const options::Viewer& viewer : viewers)
-        report.views.append({viewer, sightOf(entries, viewer.stem, viewer.version)});
+        report.views.append({viewer, sightOf(entries, viewer.stem, viewer.version, genuineness)});
     return report;
 }
 

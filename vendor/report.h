@@ -3,6 +3,7 @@
 #include "net/catalogue.h"
 #include "vendor/fetched.h"
 #include "vendor/finding.h"
+#include "vendor/genuineness.h"
 #include "vendor/options.h"
 #include "vendor/sight.h"
 
@@ -33,15 +34,17 @@ struct Report
 
     QString source;
     qint64 size = 0; ///< bytes
+    Genuineness genuineness;
     QVector<Row> rows;
     QVector<View> views;
     QVector<Fetched> fetched; ///< empty: nothing was requested
     Findings findings;
 };
 
-/// Every model's row, then the updater's; what the viewers see; what the catalogue itself gives to find.
+/// A row for every model, then the updater's; what the viewers see; the findings about the catalogue and its
+/// signature.
 [[nodiscard]] Report reportOn(const QString& source, const QByteArray& served,
-                              const QVector<options::Viewer>& viewers);
+                              const QVector<options::Viewer>& viewers, const Genuineness& genuineness = {});
 
 /// Adds what was requested, and the findings about it.
 void addFetched(Report& report, const QVector<Fetched>& fetched, const catalogue::Entries& entries);

@@ -35,10 +35,15 @@ Sight firmwareOffer(const catalogue::Offer& offer)
 
 } // namespace
 
-Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version)
+Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version,
+              const Genuineness& genuineness)
 {
+    if (genuineness.fault != nullptr)
+        return {"problem", "\"The update server's answer is not genuine.\""};
+    if (genuineness.isRequired && !genuineness.hasSignature)
+        return problem("there is no signature");
     const catalogue::Offer offer = catalogue::lookUp(entries, stem);
-    switch (catalogue::decide(offer, QString::number(version))) {
+    switch (catalogue::decide(offer, QString::number(version), genuineness.isRequired)) {
     case catalogue::Decision::incomplete:
         break;
     case catalogue::Decision::newerUpdater:
@@ -48,5 +53,5 @@ Sight sightOf(const catalogue::Entries& entries, const QString& stem, int versio
     case catalogue::Decision::upToDate:
         return {"up-to-date", "\"Your unit has the latest software\""};
     }
-    return problem("a value is missing");
+    return problem(genuineness.isRequired ? "a value or a digest is missing" : "a value is missing");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/catalogue.h"
+#include "vendor/genuineness.h"
 
 #include <QString>
 
@@ -11,5 +12,6 @@ struct Sight
     QString text;     ///< for people
 };
 
-/// With a unit of this stem at this version (27 is 2.7), going by the catalogue alone.
-[[nodiscard]] Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version);
+/// For a unit of this stem at this version (27 is 2.7), by the catalogue and its signature.
+[[nodiscard]] Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version,
+                            const Genuineness& genuineness = {});

@@ -109,7 +109,10 @@ QString counted(int count, const QString& what)
 
 QByteArray asText(const Report& report, bool inColour)
 {
-    QString text = escaped(report.source) + ", " + counted(static_cast<int>(report.size), "byte") + "\n\n";
+    QString text = escaped(report.source) + ", " + counted(static_cast<int>(report.size), "byte");
+    if (report.genuineness.isRequired)
+        text += report.genuineness.isGood() ? ", signature good" : ", signature bad";
+    text += "\n\n";
     for (const QVector<Cells>& table : {modelTable(report), viewTable(report), findingTable(report)})
         if (!table.isEmpty())
             text += aligned(table, inColour);

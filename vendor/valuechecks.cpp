@@ -82,24 +82,26 @@ Findings imageDigest(const Line& line)
              line.value + " is no SHA-256 digest: 64 hexadecimal digits"}};
 }
 
+enum class Need { always, withKey };
+
 struct Rule
 {
     const char* ending; ///< of the key; the whole key for the updater's own
     Findings (*check)(const Line&);
-    bool isRequired;
+    Need need;
 };
 
 constexpr Rule updaterRules[] = {
-    {key::mainVersion, updaterVersion, true},
-    {key::mainChangeLog, askedAddress, true},
-    {key::mainImage, openedAddress, true},
+    {key::mainVersion, updaterVersion, Need::always},
+    {key::mainChangeLog, askedAddress, Need::always},
+    {key::mainImage, openedAddress, Need::always},
 };
 
 constexpr Rule modelRules[] = {
-    {suffix::version, firmwareVersion, true},
-    {suffix::image, askedAddress, true},
-    {suffix::changeLog, askedAddress, true},
-    {suffix::digest, imageDigest, false},
+    {suffix::version, firmwareVersion, Need::always},
+    {suffix::image, askedAddress, Need::always},
+    {suffix::changeLog, askedAddress, Need::always},
+    {suffix::digest, imageDigest, Need::withKey},
 };
 
 const Rule* ruleOf(const QString& name)
@@ -140,14 +142,14 @@ QStringList knownKeys()
     return keys;
 }
 
-Findings ofValue(const QString& key, const Line* line)
+Findings ofValue(const QString& key, const Line* line, bool areDigestsRequired)
 {
     const Rule* rule = ruleOf(key);
     if (rule == nullptr)
         return {};
     if (line != nullptr && !line->value.isEmpty())
         return rule->check(*line);
-    if (!rule->isRequired)
+    if (rule->need == Need::withKey && !areDigestsRequired)
         return {};
     if (line == nullptr)
         return {{Severity::error, "missing", 0, key, "is missing"}};

@@ -12,7 +12,8 @@ namespace checks {
 [[nodiscard]] QStringList updaterKeys();
 [[nodiscard]] QStringList keysOf(const QString& stem);
 
-/// What is wrong with the value of a known key, on the line that counts; nullptr: there is no such line.
-[[nodiscard]] Findings ofValue(const QString& key, const catalogue::Line* line);
+/// What is wrong with the value of a known key, on its effective line; nullptr: it has no line. A program
+/// with a key requires digests too.
+[[nodiscard]] Findings ofValue(const QString& key, const catalogue::Line* line, bool areDigestsRequired);
 
 } // namespace checks

@@ -29,6 +29,14 @@ QByteArray catalogueWith(const QByteArray& from, const QByteArray& to)
     return text.replace(place, from.size(), to);
 }
 
+QByteArray catalogueWithDigests(const QByteArray& digest)
+{
+    QByteArray text = goodCatalogue();
+    for (const QByteArray& stem : everyStem())
+        text += stem + "Sha256=" + digest + '\n';
+    return text;
+}
+
 const QByteArrayList& everyStem()
 {
     static const QByteArrayList stems{"HB4",   "HB2",  "HBX",  "ZEQPRO", "PANEL",

@@ -10,6 +10,9 @@
 /// The same with the first `from`, which it must hold, replaced.
 [[nodiscard]] QByteArray catalogueWith(const QByteArray& from, const QByteArray& to);
 
+/// The good one followed by this digest for every stem.
+[[nodiscard]] QByteArray catalogueWithDigests(const QByteArray& digest);
+
 /// Every stem, in the models' order.
 [[nodiscard]] const QByteArrayList& everyStem();
 

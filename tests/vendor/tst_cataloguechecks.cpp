@@ -40,6 +40,7 @@ private slots:
     void addresses();
     void digests_data();
     void digests();
+    void aKeyRequiresDigests();
     void words_data();
     void words();
 };
@@ -240,6 +241,17 @@ void TestCatalogueChecks::digests()
     const QByteArray text = catalogueWith("HB4Ver=27\n", "HB4Ver=27\nHB4Sha256=" + digest + '\n');
     QCOMPARE(told(checks::ofCatalogue(text)),
              isGood ? QStringList() : QStringList{"error bad-digest 8 HB4Sha256"});
+}
+
+void TestCatalogueChecks::aKeyRequiresDigests()
+{
+    QStringList missing;
+    for (const QByteArray& stem : everyStem())
+        missing.append("error missing 0 " + stem + "Sha256");
+    QCOMPARE(told(checks::ofCatalogue(goodCatalogue(), true)), missing);
+    missing.removeFirst();
+    const QByteArray digest = "HB4Ver=27\nHB4Sha256=" + QByteArray(someDigest);
+    QCOMPARE(told(checks::ofCatalogue(catalogueWith("HB4Ver=27", digest), true)), missing);
 }
 
 void TestCatalogueChecks::words_data()

@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(Genuineness)
+
 class TestSight : public QObject
 {
     Q_OBJECT
@@ -10,6 +12,8 @@ class TestSight : public QObject
 private slots:
     void sees_data();
     void sees();
+    void seesWithAKey_data();
+    void seesWithAKey();
 };
 
 void TestSight::sees_data()
@@ -56,6 +60,38 @@ void TestSight::sees()
     QFETCH(QByteArray, to);
     QFETCH(int, version);
     const Sight sight = sightOf(catalogue::parse(catalogueWith(from, to)), "HB4", version);
+    QTEST(QString(sight.kind), "kind");
+    QTEST(sight.text, "text");
+}
+
+void TestSight::seesWithAKey_data()
+{
+    QTest::addColumn<Genuineness>("genuineness");
+    QTest::addColumn<QByteArray>("digest");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("text");
+    const Genuineness good{true, true, nullptr};
+    const auto row = [](const char* name, const Genuineness& genuineness, const char* digest,
+                        const char* kind, const char* text) {
+        QTest::newRow(name) << genuineness << QByteArray(digest) << QString(kind) << QString(text);
+    };
+    row("good", good, someDigest, "up-to-date", "\"Your unit has the latest software\"");
+    row("no digest", good, "", "problem",
+        "\"Problem with internet connection\": a value or a digest is missing");
+    row("malformed digest", good, "12", "problem",
+        "\"Problem with internet connection\": a value or a digest is missing");
+    row("no signature", {true, false, nullptr}, someDigest, "problem",
+        "\"Problem with internet connection\": there is no signature");
+    row("bad signature", {true, true, "why"}, someDigest, "problem",
+        "\"The update server's answer is not genuine.\"");
+}
+
+void TestSight::seesWithAKey()
+{
+    QFETCH(Genuineness, genuineness);
+    QFETCH(QByteArray, digest);
+    const auto entries = catalogue::parse(catalogueWith("HB4Ver=27", "HB4Ver=27\nHB4Sha256=" + digest));
+    const Sight sight = sightOf(entries, "HB4", 27, genuineness);
     QTEST(QString(sight.kind), "kind");
     QTEST(sight.text, "text");
 }

@@ -55,6 +55,7 @@ void TestVendorOptions::misuse_data()
     row("too long a time", {"check", "x", "--timeout", "3601"},
         "not a number of seconds from 1 to 3600: 3601");
     row("time in words", {"check", "x", "--timeout", "1s"}, "not a number of seconds from 1 to 3600: 1s");
+    row("no key", {"check", "x", "--key", "RWx"}, "not a minisign public key: RWx");
     row("hash without a file", {"hash", "--image", "HB4=x"}, "hash takes one file");
     row("hash of two files", {"hash", "x", "y", "--image", "HB4=x"}, "hash takes one file");
     row("hash without an image", {"hash", "x"}, "hash needs an --image");
@@ -105,14 +106,16 @@ void TestVendorOptions::answers()
 
 void TestVendorOptions::check()
 {
+    const QString key = QByteArray("Ed" + QByteArray(40, 'k')).toBase64();
     const options::Command command = read({"check", "--as", "hb4=23", "versions.txt", "--json", "--as",
-                                           "trk900-right=255", "--fetch", "--timeout", "3600"});
+                                           "trk900-right=255", "--fetch", "--timeout", "3600", "--key", key});
     QVERIFY(std::holds_alternative<options::Check>(command));
     const auto& check = std::get<options::Check>(command);
     QCOMPARE(check.source, QString("versions.txt"));
     QVERIFY(check.json);
     QVERIFY(check.fetch);
     QCOMPARE(check.timeoutMs, 3600000);
+    QVERIFY(check.key.has_value());
     QCOMPARE(check.viewers.size(), 2);
     QCOMPARE(check.viewers[0].name, QString("hb4"));
     QCOMPARE(check.viewers[0].stem, QString("HB4"));
@@ -129,6 +132,7 @@ void TestVendorOptions::checkAlone()
     QVERIFY(!check.json);
     QVERIFY(!check.fetch);
     QVERIFY(check.viewers.isEmpty());
+    QVERIFY(!check.key.has_value());
     QCOMPARE(check.timeoutMs, 30000); // as the program
 }
 

@@ -1,4 +1,5 @@
 #include "tests/harness/childprocess.h"
+#include "tests/support/signer.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "tests/vendor/tool.h"
 
@@ -25,6 +26,9 @@ private slots:
     void fetches();
     void fetchesWhatIsMissing();
     void progressOnATerminalOnly();
+    void judgesASignature_data();
+    void judgesASignature();
+    void judgesASignatureThatIsServed();
     void endsOnInterrupt();
 
 private:
@@ -140,6 +144,51 @@ void TestVendorTool::progressOnATerminalOnly()
     QCOMPARE(typed.exitCode, 0);
     QVERIFY(typed.output.contains("\r0 of 19, 0.0 MB\033[K"));
     QVERIFY(typed.output.contains("\r19 of 19, 0.0 MB\033[K\r\033[K"));
+}
+
+void TestVendorTool::judgesASignature_data()
+{
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("to");
+    QTest::addColumn<bool>("isSigned");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QByteArray>("part");
+    QTest::newRow("good") << QByteArray() << QByteArray() << true << 0
+                          << QByteArray("bytes, signature good\n");
+    QTest::newRow("altered") << QByteArray("HB4Ver=27") << QByteArray("HB4Ver=28") << true << 1
+                             << QByteArray("not genuine: the signature is not that of this file\n");
+    QTest::newRow("carriage returns count")
+        << QByteArray("\n") << QByteArray("\r\n") << true << 1 << QByteArray("bytes, signature bad\n");
+    QTest::newRow("unsigned") << QByteArray() << QByteArray() << false << 1
+                              << QByteArray("there is no signature beside it\n");
+}
+
+void TestVendorTool::judgesASignature()
+{
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    QFETCH(bool, isSigned);
+    QFETCH(QByteArray, part);
+    const Signer signer;
+    const QByteArray content = catalogueWithDigests(someDigest);
+    tool->write("versions.txt", from.isEmpty() ? content : QByteArray(content).replace(from, to));
+    if (isSigned)
+        tool->write("versions.txt.minisig", signer.sign(content));
+    const Tool::Outcome outcome = tool->run({"check", "versions.txt", "--key", signer.publicKey()});
+    QTEST(outcome.exitCode, "exitCode");
+    QVERIFY2(outcome.output.contains(part), outcome.output.constData());
+}
+
+void TestVendorTool::judgesASignatureThatIsServed()
+{
+    const Signer signer;
+    tool->server.setAnswer("/versions.txt", ok(catalogueWithDigests(someDigest)));
+    tool->server.setAnswer("/versions.txt.minisig", ok(signer.sign(catalogueWithDigests(someDigest))));
+    const QString address = "http://updates.example.com/versions.txt";
+    const Tool::Outcome outcome = tool->run({"check", address, "--json", "--key", signer.publicKey()});
+    QCOMPARE(outcome.exitCode, 0);
+    QVERIFY(QJsonDocument::fromJson(outcome.output).object()["isGenuine"].toBool());
+    QCOMPARE(tool->server.paths(), QStringList({"/versions.txt", "/versions.txt.minisig"}));
 }
 
 void TestVendorTool::endsOnInterrupt()
