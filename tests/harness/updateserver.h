@@ -24,6 +24,9 @@ public:
     /// The value for http_proxy that leads every plain HTTP request here.
     [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(port); }
 
+    /// The directory of what is published.
+    [[nodiscard]] QString root() const { return base.filePath("root"); }
+
     /// Makes these bytes the answer for a path ("/bin/HB4.sb").
     Outcome publish(const QString& path, const QByteArray& bytes);
     void withdraw(const QString& path) { QFile::remove(base.filePath("root") + path); }

@@ -1,0 +1,146 @@
+#include "tests/harness/updateserver.h"
+#include "tests/support/limits.h"
+#include "tests/vendor/goodcatalogue.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const QByteArray oldImage = "image";
+const QByteArray newImage = "new image";
+const QByteArray password = "a password\n";
+
+QByteArray contentOf(const QString& name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray sha256(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+}
+
+} // namespace
+
+/// The commands of docs/vendor.md, as they stand there: on a web server, with a key protected by a password.
+class TestVendorDocument : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void isShort();
+    void publishes();
+    void stopsAtAFailedUpload();
+    void stopsAtAnError();
+
+private:
+    void write(const QString& name, const QByteArray& bytes) const;
+    [[nodiscard]] bool type(const QByteArray& commands, const QByteArray& answers);
+    [[nodiscard]] QString served(const QString& path) const { return server.root() + path; }
+
+    QTemporaryDir directory;
+    UpdateServer server;
+    QByteArray keyLine;
+    QByteArray shellLines;
+    QByteArray output;
+};
+
+void TestVendorDocument::write(const QString& name, const QByteArray& bytes) const
+{
+    QFile file(directory.filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+/// Runs the commands with a shell, in the directory. True if they succeed.
+bool TestVendorDocument::type(const QByteArray& commands, const QByteArray& answers)
+{
+    ChildProcess shell;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("root", served({}));
+    environment.insert("http_proxy", server.proxy());
+    environment.insert("PATH", QFileInfo(TALVEX_CATALOGUE_TOOL).path() + ':' + environment.value("PATH"));
+    shell.setProcessEnvironment(environment);
+    shell.setWorkingDirectory(directory.path());
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start("sh", {"-c", QString::fromUtf8(commands)});
+    shell.write(answers);
+    shell.closeWriteChannel();
+    const bool ended = shell.waitForFinished(limits::hangMs());
+    output = shell.readAll();
+    return ended && shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
+}
+
+void TestVendorDocument::initTestCase()
+{
+    MUST(server.start());
+    const QByteArray document = contentOf(TALVEX_VENDOR_DOCUMENT);
+    for (const QByteArray& line : document.split('\n'))
+        if (line.startsWith("    minisign -G"))
+            keyLine = line;
+    const QByteArray begin = "```sh\n";
+    const int first = document.indexOf(begin) + begin.size();
+    shellLines = document.mid(first, document.indexOf("```", first) - first);
+
+    const QByteArray catalogue = catalogueWithDigests(sha256(oldImage));
+    MUST(server.publish("/wp-content/uploads/versions.txt", catalogue));
+    MUST(server.publish("/logs/updater.txt", "log"));
+    for (const QByteArray& stem : everyStem()) {
+        MUST(server.publish("/bin/" + stem + ".sb", oldImage));
+        MUST(server.publish("/logs/" + stem + ".txt", "log"));
+    }
+    write("versions.txt", catalogue);
+    write("HB4_28.sb", newImage);
+    write("HB4_28.txt", "new log");
+    QVERIFY2(type(keyLine, password + password), output.constData());
+}
+
+void TestVendorDocument::isShort()
+{
+    QCOMPARE(shellLines.count('\n'), 10);
+}
+
+void TestVendorDocument::publishes()
+{
+    QVERIFY2(type(shellLines, password), output.constData());
+    QVERIFY2(output.endsWith("\n0 errors, 0 notes\n"), output.constData());
+    QVERIFY2(output.contains("hb4 at 2.7 sees  an offer of firmware 2.8"), output.constData());
+    const QByteArray catalogue = contentOf(served("/wp-content/uploads/versions.txt"));
+    QVERIFY(catalogue.contains("\nHB4Ver=28\n"));
+    QVERIFY(catalogue.contains("\nHB4Sha256=" + sha256(newImage) + '\n'));
+    QVERIFY(catalogue.contains("\nHB4Bin=http://updates.example.com/bin/HB4_28.sb\n"));
+    QCOMPARE(contentOf(served("/bin/HB4_28.sb")), newImage);
+    QCOMPARE(contentOf(served("/logs/HB4_28.txt")), QByteArray("new log"));
+    QVERIFY(!contentOf(directory.filePath("catalogue.key")).contains("unencrypted"));
+}
+
+void TestVendorDocument::stopsAtAFailedUpload()
+{
+    const QByteArray before = contentOf(served("/wp-content/uploads/versions.txt"));
+    write("versions.txt", "[changed]\n" + before);
+    QVERIFY(QDir().rename(served("/bin"), served("/away")));
+    const bool succeeded = type(shellLines, password);
+    QVERIFY(QDir().rename(served("/away"), served("/bin")));
+    QVERIFY(!succeeded);
+    QVERIFY2(output.contains("\n0 errors, 0 notes\n"), output.constData());
+    QCOMPARE(contentOf(served("/wp-content/uploads/versions.txt")), before);
+}
+
+void TestVendorDocument::stopsAtAnError()
+{
+    const QByteArray before = contentOf(served("/wp-content/uploads/versions.txt"));
+    QByteArray wrong = contentOf(directory.filePath("versions.txt"));
+    write("versions.txt", wrong.replace("HB2Ver=27", "HB2Ver=2,8"));
+    QVERIFY(!type(shellLines, password));
+    QVERIFY2(output.endsWith("\n1 error, 0 notes\n"), output.constData());
+    QCOMPARE(contentOf(served("/wp-content/uploads/versions.txt")), before);
+}
+
+QTEST_GUILESS_MAIN(TestVendorDocument)
+#include "tst_vendordocument.moc"
