@@ -60,7 +60,7 @@ void UpdateChecker::signatureFinished()
     if (reply == nullptr)
         return;
     if (!isSignatureTooLarge() && replyFailed()) {
-        qErrnoWarning("Error by download signature file");
+        qErrnoWarning("The catalogue's signature could not be downloaded");
         reportProblem();
         return;
     }

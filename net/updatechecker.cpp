@@ -196,19 +196,20 @@ void UpdateChecker::replyFinished()
 /// Acts on the catalogue in infoData, from which carriage returns have been removed.
 void UpdateChecker::useCatalogue()
 {
+    // Parsed before anything is reported: while a box is open, another check may refill infoData.
+    const catalogue::Offer offer =
+        catalogue::lookUp(catalogue::parse(infoData), catalogue::keyStem(unitType));
     if (infoData.size() > catalogue::reportedSize)
         exitSlot(); // intentional: only a warning, the catalogue is still used
     if (findUnitModel(unitType) == nullptr)
         qErrnoWarning("Can't recog unitType %d", static_cast<int>(unitType));
-    act();
+    act(offer);
 }
 
 /// Stores what the catalogue says about the unit's model and acts on it. Intentional: infoData is kept if it
 /// leads to a newer updater.
-void UpdateChecker::act()
+void UpdateChecker::act(const catalogue::Offer& offer)
 {
-    const catalogue::Offer offer =
-        catalogue::lookUp(catalogue::parse(infoData), catalogue::keyStem(unitType));
     newVersion = offer.newVersion;
     binUrl = offer.binUrl;
     changeLogUrl = offer.changeLogUrl;
@@ -219,6 +220,8 @@ void UpdateChecker::act()
 
     const catalogue::Decision decision = catalogue::decide(offer, curVersion, cataloguekey::isBuiltIn());
     if (decision == catalogue::Decision::incomplete) {
+        if (cataloguekey::isBuiltIn() && !catalogue::isDigest(imageDigest))
+            qWarning("The catalogue gives no SHA-256 of the image");
         qErrnoWarning("Can't find info about version and binary file");
         reportProblem();
         return;

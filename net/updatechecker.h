@@ -12,6 +12,9 @@
 
 class QAuthenticator;
 class QTimer;
+namespace catalogue {
+struct Offer;
+}
 
 /// The only HTTP client: the version catalogue, change logs and firmware images, one request at a time.
 /// Lives on the GUI thread. Every problem is signalled by youHaveProblem; the details are in the diagnostics.
@@ -85,7 +88,7 @@ private:
     void reportNotGenuine(const char* line);
     void reportFailedDownload(const char* logLine);
     void useCatalogue();
-    void act();
+    void act(const catalogue::Offer& offer);
     [[nodiscard]] const char* imageFault() const;
     void storeFirmware();
     [[nodiscard]] bool changeLogFailed(const char* logLine);

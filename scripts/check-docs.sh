@@ -23,7 +23,7 @@ for document in "${documents[@]}"; do
         [ -e "$path" ] || complain "$document: there is no $path"
     done < <(named "$document" '[a-z.][A-Za-z0-9_.-]*/[A-Za-z0-9_./-]*')
     while IFS=: read -r program _ function; do
-        grep -qs "\b$function()" tests/*/"$program.cpp" || complain "$document: there is no $program::$function"
+        grep -qsE "void ([A-Za-z_]+::)?$function\(\)" tests/*/"$program.cpp" || complain "$document: there is no $program::$function"
     done < <(named "$document" 'tst_[a-z0-9]+::[A-Za-z0-9_]+')
 done
 exit "$failed"

@@ -184,7 +184,7 @@ void MainWindow::transfer(unsigned char* buffer, int /*unused*/)
     std::copy(packet.begin(), packet.end(), buffer);
     if (kind != PacketKind::full)
         endTransferPhase();
-    if (kind == PacketKind::behindTheEnd) // intentional: its packet is still written
+    if (kind == PacketKind::behindTheEnd) // intentional: its packet is still written; the advice is a button
         QMessageBox::critical(this, tr("Error"), tr("Cannot read from file updater"),
                               tr("Check the HD free space and try again."), QString(), QString(), 0, -1);
     const int written = hidio::write(device, buffer);

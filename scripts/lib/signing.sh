@@ -7,7 +7,7 @@ signingKey() {
     local key=$1/catalogue.key
     mkdir -p "$1"
     if [ ! -e "$key.pub" ]; then
-        minisign -G -W -p "$key.pub" -s "$key" > /dev/null || return
+        minisign -G -W -f -p "$key.pub" -s "$key" > /dev/null || return
     fi
     sed -n 2p "$key.pub"
 }

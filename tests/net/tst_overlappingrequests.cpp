@@ -25,6 +25,7 @@ private slots:
     void staleLines();
     void secondCheckInFlight_data();
     void secondCheckInFlight();
+    void completionActsOnTheReplyInFlight();
     void checkDuringADownload_data();
     void checkDuringADownload();
 
@@ -101,6 +102,21 @@ void TestOverlappingRequests::secondCheckInFlight()
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
     scene.checker->checkUpdate(); // and the checker still works
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+}
+
+/// The first answer is whole and the second one silent: the first completion judges the second reply.
+void TestOverlappingRequests::completionActsOnTheReplyInFlight()
+{
+    scene.server.setAnswer(cataloguePath,
+                           {{"", httpAnswer("200 OK", scene.catalogue())}, RawServer::End::keepOpen, true});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 1);
+    scene.server.setAnswer(cataloguePath, silence());
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.server.requests().size(), 2);
+    scene.server.goOn();
+    QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
+    QVERIFY(scene.checker->isBusy());
 }
 
 void TestOverlappingRequests::checkDuringADownload_data()

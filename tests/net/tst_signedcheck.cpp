@@ -1,9 +1,10 @@
+#include "net/catalogue.h"
 #include "tests/net/scene.h"
+#include "tests/support/imagefiles.h"
 #include "tests/support/signer.h"
 #include "tests/support/testkey.h"
 #include "tests/support/texts.h"
 
-#include <QCryptographicHash>
 #include <QTimer>
 #include <QtTest>
 
@@ -21,7 +22,10 @@ const QString upToDate = told::signal("youHaveLastVersion");
 const QString offer = told::signal("findNewVersion", {"27", "better"});
 const QString updaterOffer = told::signal("findMainNewVersion", {"12", "new look"});
 const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
-const QStringList noSignature{told::log("Error by download signature file"), told::problem()};
+const QStringList noDigest =
+    QStringList{told::log("The catalogue gives no SHA-256 of the image")} + incomplete;
+const QStringList noSignature{told::log("The catalogue's signature could not be downloaded"),
+                              told::problem()};
 
 QStringList notGenuine(const QString& fault)
 {
@@ -68,6 +72,7 @@ private slots:
     void failedCheckLeavesNothing_data();
     void failedCheckLeavesNothing();
     void onlyTheLatestCheckCounts();
+    void checkDuringADownload();
     void largeCatalogueIsReported();
 
 private:
@@ -133,13 +138,13 @@ void TestSignedCheck::outcome_data()
     row("an old catalogue", {{"HB4Ver", "20"}}, "23", {upToDate});
     row("newer updater", {{"MainVer", "12"}}, "23", {updaterOffer});
     row("digest in capital letters", {{"HB4Sha256", QString(64, 'A')}}, "23", {offer});
-    row("no digest", {{"HB4Sha256", {}}}, "23", incomplete);
-    row("no digest, same firmware", {{"HB4Sha256", {}}}, "27", incomplete);
-    row("no digest, newer updater", {{"HB4Sha256", {}}, {"MainVer", "12"}}, "23", incomplete);
-    row("empty digest", {{"HB4Sha256", ""}}, "23", incomplete);
-    row("malformed digest", {{"HB4Sha256", QString(63, 'a')}}, "23", incomplete);
+    row("no digest", {{"HB4Sha256", {}}}, "23", noDigest);
+    row("no digest, same firmware", {{"HB4Sha256", {}}}, "27", noDigest);
+    row("no digest, newer updater", {{"HB4Sha256", {}}, {"MainVer", "12"}}, "23", noDigest);
+    row("empty digest", {{"HB4Sha256", ""}}, "23", noDigest);
+    row("malformed digest", {{"HB4Sha256", QString(63, 'a')}}, "23", noDigest);
     row("digest of another model alone", {{"HB4Sha256", {}}, {"HB2Sha256", QString(64, 'a')}}, "23",
-        incomplete);
+        noDigest);
     row("no image address", {{"HB4Bin", {}}}, "23", incomplete);
 }
 
@@ -355,6 +360,37 @@ void TestSignedCheck::onlyTheLatestCheckCounts()
     QCOMPARE(scene.journal->events, QStringList{offer});
     QTRY_VERIFY(first.isNull());
     QVERIFY(!scene.clock().isActive());
+}
+
+/// It drops the image on its way; the next one is judged by the digest of its own catalogue, and no other may
+/// be sent.
+void TestSignedCheck::checkDuringADownload()
+{
+    const QString imageName = QCoreApplication::applicationDirPath() + '/' + filename::image;
+    QVERIFY(ImageFiles{}.placeAt(imageName));
+    const QByteArray first(40000, 'f');
+    const QByteArray second(40000, 's');
+    publish(catalogue({{"HB4Sha256", ::catalogue::digestOf(first)}}));
+    check(1);
+    const QByteArray answer = httpAnswer("200 OK", first);
+    scene.server.setAnswer(imagePath, {{answer.left(1000), answer.mid(1000)}, End::keepOpen, true});
+    scene.checker->onNeedDownloadNewFirmware();
+    QTRY_VERIFY(!scene.state().firmwareData.isEmpty());
+
+    publish(catalogue({{"HB4Sha256", ::catalogue::digestOf(second)}}));
+    check(1);
+    scene.server.goOn();
+    QCOMPARE(scene.journal->events, QStringList{offer});
+    QVERIFY(!scene.checker->mayBeSent(first) && !scene.checker->mayBeSent(second));
+    QCOMPARE(ImageFiles::at(imageName), ImageFiles{});
+
+    scene.journal->events.clear();
+    scene.server.setAnswer(imagePath, ok(second));
+    scene.checker->onNeedDownloadNewFirmware();
+    QTRY_VERIFY(scene.rests(1));
+    QCOMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
+    QCOMPARE(ImageFiles::at(imageName).image, second);
+    QVERIFY(!scene.checker->mayBeSent(first) && scene.checker->mayBeSent(second));
 }
 
 void TestSignedCheck::largeCatalogueIsReported()

@@ -192,6 +192,7 @@ void tst_signed::alteredImage()
     MUST(program.answer("Yes"));
     MUST(program.waitForBox(damaged));
     QVERIFY(!program.look().enabled("updateDeviceButton"));
+    QCOMPARE(scenario::journal(program), QStringList{"opened"});
     MUST(seeProblem(program, damaged));
     QCOMPARE(program.fileContent(filename::image), std::optional<QByteArray>("an older image"));
     QVERIFY(!program.fileContent(filename::download) && !program.fileContent(filename::backup));

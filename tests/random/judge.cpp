@@ -85,8 +85,8 @@ void judgeInstalled(const Plan& plan, const Ending& ending, QStringList& wrong)
         wrong += "the window says that it is finished, the unit does not";
 }
 
-/// Exactly one closing message, where the program ends by itself; at most one where the user ends it. A unit
-/// that repeats its outcome is told so again, meant so.
+/// Exactly one closing message, where the program ends by itself; at most one where the user ends it.
+/// Intentional: a unit that repeats its outcome makes the program report it again.
 void judgeClosing(const Plan& plan, const Ending& ending, QStringList& wrong)
 {
     const qsizetype count = boxline::closing(ending.boxes);

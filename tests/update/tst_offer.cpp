@@ -89,6 +89,8 @@ void TestOffer::firmwareText_data()
                                           << "Your unit current version: 0.0\nLatest version: 0.1";
     QTest::newRow("leading zeros go") << 10 << "0012"
                                       << "Your unit current version: 1.0\nLatest version: 1.2";
+    QTest::newRow("no whole number") << 10 << "1.5"
+                                     << "Your unit current version: 1.0\nLatest version: 0.0";
     QTest::newRow("no number") << 10 << "new"
                                << "Your unit current version: 1.0\nLatest version: 0.0";
 }
