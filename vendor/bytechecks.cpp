@@ -52,6 +52,8 @@ Findings ofBytes(const QByteArray& served)
 {
     Findings found;
     checkSize(served, found);
+    if (served.size() > sizeLimit)
+        return found;
     if (served.startsWith("\xEF\xBB\xBF"))
         found.append(
             {Severity::note, "byte-order-mark", 1, {}, "starts with a byte order mark, which is ignored"});

@@ -1,3 +1,4 @@
+#include "base/sizelimit.h"
 #include "vendor/commands.h"
 #include "vendor/fetcher.h"
 #include "vendor/files.h"
@@ -6,7 +7,6 @@
 
 #include <QTimer>
 
-#include <cstdio>
 #include <optional>
 
 namespace commands {
@@ -40,7 +40,9 @@ std::optional<QByteArray> readUrl(const QString& url, int timeoutMs)
     const Interruption interruption(fetcher);
     QByteArray body;
     const Fetched answer = fetcher.fetchBody({{}, url, false}, body);
-    if (answer.isAnswer)
+    if (!answer.certificateFault.isEmpty())
+        terminal::complain(url + ": note: certificate not valid: " + answer.certificateFault);
+    if (answer.isAnswer || body.size() > sizeLimit) // the report tells what the updater makes of too much
         return body;
     terminal::complain(url + ": " +
                        (answer.failure.isEmpty() ? QString("status %1").arg(answer.status) : answer.failure));
@@ -77,20 +79,20 @@ int check(const options::Check& wanted)
 {
     const auto served = read(wanted.source, wanted.timeoutMs);
     Genuineness genuineness;
-    if (served && wanted.key)
+    if (served && wanted.key && served->size() <= sizeLimit)
         genuineness = judged(*wanted.key, *served, read(wanted.source + ".minisig", wanted.timeoutMs));
     if (terminal::isInterrupted())
         return interrupted;
     if (!served)
         return options::faulty;
     Report report = reportOn(wanted.source, *served, wanted.viewers, genuineness);
-    const auto entries = catalogue::parse(catalogue::withoutCarriageReturns(*served));
-    if (wanted.fetch && !fetchAll(report, entries, wanted.timeoutMs)) {
+    if (wanted.fetch && !fetchAll(report, entriesOf(*served), wanted.timeoutMs)) {
         terminal::complain("interrupted");
         return interrupted;
     }
     const QByteArray text = wanted.json ? asJson(report) : asText(report, terminal::isOutput());
-    (void)std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+    if (!terminal::print(text))
+        return options::faulty;
     return countOf(report.findings, Severity::error) == 0 ? options::good : options::faulty;
 }
 

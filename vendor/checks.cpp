@@ -1,5 +1,6 @@
 #include "vendor/checks.h"
 
+#include "base/sizelimit.h"
 #include "net/catalogue.h"
 #include "vendor/valuechecks.h"
 
@@ -38,11 +39,15 @@ void checkDuplicates(const QString& key, const Lines& lines, Findings& found)
 {
     if (lines.size() < 2)
         return;
+    constexpr int mostNumbers = 10;
     QStringList numbers;
-    for (const Line& line : lines)
+    for (const Line& line : lines.mid(0, mostNumbers))
         numbers.append(QString::number(line.number));
+    QString where = numbers.join(", ");
+    if (lines.size() > mostNumbers)
+        where += QString(" and %1 more").arg(lines.size() - mostNumbers);
     found.append({Severity::error, "duplicate-key", lines.last().number, key,
-                  "appears on lines " + numbers.join(", ") + ": only the last one counts"});
+                  "appears on lines " + where + ": only the last one counts"});
 }
 
 } // namespace
@@ -50,6 +55,8 @@ void checkDuplicates(const QString& key, const Lines& lines, Findings& found)
 Findings ofCatalogue(const QByteArray& served, bool areDigestsRequired)
 {
     Findings found = ofBytes(served);
+    if (served.size() > sizeLimit)
+        return found;
     QMap<QString, Lines> byKey;
     for (const Line& line : catalogue::readLines(catalogue::withoutCarriageReturns(served))) {
         checkLine(line, found);

@@ -11,7 +11,7 @@ namespace checks {
 /// A program with a key requires digests too.
 [[nodiscard]] Findings ofCatalogue(const QByteArray& served, bool areDigestsRequired = false);
 
-/// Its bytes: size, encoding, NUL, byte order mark.
+/// Its bytes: size, encoding, NUL, byte order mark. Above `sizeLimit` that is all there is to tell.
 [[nodiscard]] Findings ofBytes(const QByteArray& served);
 
 } // namespace checks

@@ -42,6 +42,9 @@ Findings checks::ofFetched(const Fetched& fetched, const catalogue::Entries& ent
     if (fetched.isReported)
         complain("large-answer", QString("announces %1 bytes or more: the updater reports a problem")
                                      .arg(exchange::reportedTotal));
+    if (!fetched.certificateFault.isEmpty())
+        found.append({Severity::note, "bad-certificate", 0, fetched.wanted.key,
+                      fetched.wanted.url + ": certificate not valid: " + fetched.certificateFault});
     if (!fetched.isAnswer) {
         complain("no-answer", fetched.failure.isEmpty()
                                   ? QString("is answered with status %1").arg(fetched.status)

@@ -19,15 +19,16 @@ struct Wanted
 struct Fetched
 {
     Wanted wanted;
-    int status = 0;          ///< 0: there was no answer
-    qint64 size = 0;         ///< bytes received, after any content decoding
-    QString type;            ///< the header Content-Type
-    QString encoding;        ///< the header Content-Encoding
-    QByteArray digest;       ///< SHA-256, 64 hexadecimal digits
-    QString failure;         ///< why it did not arrive whole
-    bool isAnswer = false;   ///< the program would take it
-    bool isNoImage = false;  ///< the program would not take it for an image
-    bool isReported = false; ///< the program reports its size
+    int status = 0;           ///< 0: there was no answer
+    qint64 size = 0;          ///< bytes received, after any content decoding
+    QString type;             ///< the header Content-Type
+    QString encoding;         ///< the header Content-Encoding
+    QByteArray digest;        ///< SHA-256, 64 hexadecimal digits
+    QString failure;          ///< why it did not arrive whole
+    QString certificateFault; ///< what the program ignores about a certificate; empty: nothing
+    bool isAnswer = false;    ///< the program would take it
+    bool isNoImage = false;   ///< the program would not take it for an image
+    bool isReported = false;  ///< the program reports its size
 };
 
 /// Everything that can be requested: the updater's change log, then stem by stem in the models' order.

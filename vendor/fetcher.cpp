@@ -6,6 +6,7 @@
 #include <QCryptographicHash>
 #include <QEventLoop>
 #include <QNetworkReply>
+#include <QSslError>
 #include <QTimer>
 
 #include <utility>
@@ -31,6 +32,10 @@ public:
         connect(reply, &QNetworkReply::downloadProgress, this, [this](qint64 /*done*/, qint64 total) {
             silence.start();
             fetched.isReported = fetched.isReported || total >= exchange::reportedTotal;
+        });
+        connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
+            if (!errors.isEmpty())
+                fetched.certificateFault = errors.first().errorString();
         });
         connect(reply, &QNetworkReply::finished, this, [this] { end(); });
         silence.start();

@@ -21,10 +21,22 @@ std::optional<QByteArray> digestOf(const QString& path)
         return std::nullopt;
     const qint64 size = image->size();
     if (size == 0 || size > sizeLimit) {
-        terminal::complain(path + QString(": %1 bytes; an image has 1 to %2").arg(size).arg(sizeLimit));
+        terminal::complain(path + QString(": %1; an image has 1 to %2 bytes")
+                                      .arg(size == 0 ? "empty" : "too large")
+                                      .arg(sizeLimit));
         return std::nullopt;
     }
     return catalogue::digestOf(*image).toLatin1();
+}
+
+/// Why no digest can be written into the catalogue; empty if one can.
+QString obstacleIn(const QByteArray& bytes)
+{
+    if (bytes.size() > sizeLimit)
+        return QString("more than %1 bytes").arg(sizeLimit);
+    if (bytes.contains('\0'))
+        return "contains a NUL byte: the updater ignores the rest";
+    return {};
 }
 
 bool save(const QString& path, const QByteArray& bytes)
@@ -43,6 +55,10 @@ int hash(const options::Hash& wanted)
     const auto before = readFile(wanted.file);
     if (!before)
         return options::faulty;
+    if (const QString obstacle = obstacleIn(*before); !obstacle.isEmpty()) {
+        terminal::complain(wanted.file + ": " + obstacle);
+        return options::faulty;
+    }
     QByteArray bytes = *before;
     for (const options::Image& image : wanted.images) {
         const auto digest = digestOf(image.path);
@@ -50,8 +66,7 @@ int hash(const options::Hash& wanted)
             return options::faulty;
         const auto completed = withDigest(bytes, image.stem, *digest);
         if (!completed) {
-            terminal::complain(wanted.file + " has no line for " + image.stem +
-                               ", or contains a NUL byte: run check");
+            terminal::complain(wanted.file + ": no line for " + image.stem + ": run check");
             return options::faulty;
         }
         bytes = *completed;

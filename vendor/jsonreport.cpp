@@ -72,7 +72,7 @@ QByteArray asJson(const Report& report)
                        {"rows", arrayOf(report.rows)},
                        {"views", arrayOf(report.views)},
                        {"fetched", arrayOf(report.fetched)},
-                       {"findings", arrayOf(report.findings)},
+                       {"findings", arrayOf(shortened(report.findings))},
                        {"errors", countOf(report.findings, Severity::error)},
                        {"notes", countOf(report.findings, Severity::note)}};
     if (report.genuineness.isRequired)

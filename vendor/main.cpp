@@ -1,5 +1,6 @@
 #include "base/version.h"
 #include "vendor/commands.h"
+#include "vendor/terminal.h"
 
 #include <QCoreApplication>
 #include <QNetworkProxyFactory>
@@ -10,7 +11,10 @@ namespace {
 
 int print(const options::Message& message)
 {
-    (void)std::fputs(message.text.toUtf8().constData(), message.exitCode == options::good ? stdout : stderr);
+    const QByteArray text = message.text.toUtf8();
+    if (message.exitCode == options::good)
+        return terminal::print(text) ? options::good : options::faulty;
+    (void)std::fputs(text.constData(), stderr);
     return message.exitCode;
 }
 

@@ -35,11 +35,14 @@ struct Report
     QString source;
     qint64 size = 0; ///< bytes
     Genuineness genuineness;
-    QVector<Row> rows;
+    QVector<Row> rows; ///< none of a catalogue that the updater gives up
     QVector<View> views;
     QVector<Fetched> fetched; ///< empty: nothing was requested
     Findings findings;
 };
+
+/// The entries as the updater reads them; none of a catalogue larger than `sizeLimit`, which it gives up.
+[[nodiscard]] catalogue::Entries entriesOf(const QByteArray& served);
 
 /// A row for every model, then the updater's; what the viewers see; the findings about the catalogue and its
 /// signature.
@@ -50,6 +53,9 @@ struct Report
 void addFetched(Report& report, const QVector<Fetched>& fetched, const catalogue::Entries& entries);
 
 [[nodiscard]] int countOf(const Findings& findings, Severity severity);
+
+/// For printing: of those about single lines only the first 100, then one that counts the others.
+[[nodiscard]] Findings shortened(const Findings& findings);
 
 /// UTF-8, aligned; in colour for a terminal.
 [[nodiscard]] QByteArray asText(const Report& report, bool inColour);

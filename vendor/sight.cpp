@@ -35,13 +35,15 @@ Sight firmwareOffer(const catalogue::Offer& offer)
 
 } // namespace
 
-Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version,
+Sight sightOf(const catalogue::Entries& entries, qint64 size, const QString& stem, int version,
               const Genuineness& genuineness)
 {
     if (genuineness.fault != nullptr)
         return {"problem", "\"The update server's answer is not genuine.\""};
     if (genuineness.isRequired && !genuineness.hasSignature)
         return problem("there is no signature");
+    if (size > catalogue::reportedSize)
+        return problem("the catalogue is too large");
     const catalogue::Offer offer = catalogue::lookUp(entries, stem);
     switch (catalogue::decide(offer, QString::number(version), genuineness.isRequired)) {
     case catalogue::Decision::incomplete:

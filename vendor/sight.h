@@ -12,6 +12,7 @@ struct Sight
     QString text;     ///< for people
 };
 
-/// For a unit of this stem at this version (27 is 2.7), by the catalogue and its signature.
-[[nodiscard]] Sight sightOf(const catalogue::Entries& entries, const QString& stem, int version,
+/// For a unit of this stem at this version (27 is 2.7), by the catalogue, its size (bytes, without carriage
+/// returns) and its signature.
+[[nodiscard]] Sight sightOf(const catalogue::Entries& entries, qint64 size, const QString& stem, int version,
                             const Genuineness& genuineness = {});

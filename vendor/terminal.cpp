@@ -2,8 +2,10 @@
 
 #include "vendor/escaped.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <system_error>
 
 #ifdef Q_OS_WIN
 #include <io.h>
@@ -26,6 +28,12 @@ bool isTerminal(FILE* stream)
 #endif
 }
 
+void note(int /*signal*/)
+{
+    interrupted = 1;
+    (void)std::signal(SIGINT, SIG_DFL); // a second one ends the process
+}
+
 } // namespace
 
 bool isOutput()
@@ -43,6 +51,15 @@ void complain(const QString& line)
     (void)std::fputs(("talvex-catalogue: " + escaped(line) + '\n').toUtf8().constData(), stderr);
 }
 
+bool print(const QByteArray& bytes)
+{
+    const auto size = static_cast<std::size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+        return true;
+    complain("standard output: " + QString::fromStdString(std::generic_category().message(errno)));
+    return false;
+}
+
 void showProgress(const QString& line)
 {
     (void)std::fprintf(stderr, "\r%s\033[K", line.toUtf8().constData());
@@ -51,10 +68,8 @@ void showProgress(const QString& line)
 
 void noteInterrupts()
 {
-    (void)std::signal(SIGINT, [](int) {
-        interrupted = 1;
-        (void)std::signal(SIGINT, SIG_DFL); // a second one ends the process
-    });
+    if (std::signal(SIGINT, SIG_IGN) != SIG_IGN) // else whoever started it wants it ignored
+        (void)std::signal(SIGINT, note);
 }
 
 bool isInterrupted()

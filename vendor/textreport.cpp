@@ -64,6 +64,8 @@ QString shown(const Report::Row& row)
 
 QVector<Cells> modelTable(const Report& report)
 {
+    if (report.rows.isEmpty())
+        return {};
     QVector<Cells> table{{"", "model", "keys", "version", "digest", "image"}};
     for (const Report::Row& row : report.rows)
         table.append({row.isGood ? "good" : "error", row.model,
@@ -84,7 +86,8 @@ QVector<Cells> fetchedTable(const Report& report)
 QVector<Cells> findingTable(const Report& report)
 {
     QVector<Cells> table;
-    for (const Finding& finding : report.findings)
+    const Findings findings = shortened(report.findings);
+    for (const Finding& finding : findings)
         table.append({finding.severity == Severity::error ? "error" : "note",
                       finding.line == 0 ? QString() : QString("line %1").arg(finding.line), finding.key,
                       finding.text});

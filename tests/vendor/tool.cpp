@@ -34,6 +34,11 @@ Tool::Outcome Tool::runOnTerminal(const QString& arguments)
     return run("script", {"-qec", program() + ' ' + arguments, "/dev/null"});
 }
 
+Tool::Outcome Tool::runIntoFullDisk(const QStringList& arguments)
+{
+    return run("sh", QStringList{"-c", "exec \"$0\" \"$@\" > /dev/full", program()} + arguments);
+}
+
 void Tool::write(const QString& name, const QByteArray& bytes) const
 {
     QFile file(path(name));

@@ -23,6 +23,9 @@ public:
     /// The same on a terminal, where output and errors are one.
     [[nodiscard]] Outcome runOnTerminal(const QString& arguments);
 
+    /// The same where standard output cannot be written.
+    [[nodiscard]] Outcome runIntoFullDisk(const QStringList& arguments);
+
     void write(const QString& name, const QByteArray& bytes) const;
     [[nodiscard]] QByteArray read(const QString& name) const;
     [[nodiscard]] QString path(const QString& name) const { return directory.filePath(name); }

@@ -261,6 +261,12 @@ void TestCatalogueChecks::words_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("lines of a duplicate") << QByteArray("[HB4]") << QByteArray("HB4Ver=25\nHB4Ver=26")
                                           << "appears on lines 6, 7, 8: only the last one counts";
+    QByteArray many;
+    for (int number = 0; number < 11; ++number)
+        many += "HB4Ver=26\n";
+    QTest::newRow("lines of many duplicates")
+        << QByteArray("[HB4]\n") << many
+        << "appears on lines 6, 7, 8, 9, 10, 11, 12, 13, 14, 15 and 2 more: only the last one counts";
     QTest::newRow("what is asked for") << QByteArray("HB4Bin=http:") << QByteArray("HB4Bin=https:")
                                        << "https://updates.example.com/bin/HB4.sb will be requested as "
                                           "http://updates.example.com/bin/HB4.sb";

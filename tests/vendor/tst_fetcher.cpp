@@ -37,6 +37,7 @@ private slots:
     void image_data();
     void image();
     void changeLogMayBeAnything();
+    void certificate();
     void unreachable();
     void silence();
     void endless();
@@ -140,6 +141,21 @@ void TestFetcher::changeLogMayBeAnything()
 {
     server.setAnswer(path, ok({}, {"Content-Type: text/html", "Content-Encoding: br"}));
     QCOMPARE(kindsOf(fetch(false)), QStringList());
+}
+
+/// The program ignores what is wrong with a certificate; the vendor is told.
+void TestFetcher::certificate()
+{
+    Fetched fetched;
+    fetched.wanted = {"HB4ChangeLog", "http://h/l", false};
+    fetched.isAnswer = true;
+    QVERIFY(checks::ofFetched(fetched, {}).isEmpty());
+    fetched.certificateFault = "it has expired";
+    const Findings found = checks::ofFetched(fetched, {});
+    QCOMPARE(found.size(), 1);
+    QVERIFY(found.first().severity == Severity::note);
+    QCOMPARE(found.first().key, QString("HB4ChangeLog"));
+    QCOMPARE(found.first().text, QString("http://h/l: certificate not valid: it has expired"));
 }
 
 void TestFetcher::unreachable()

@@ -15,6 +15,9 @@ private slots:
     void writes();
     void changesNothing_data();
     void changesNothing();
+    void tellsWhy_data();
+    void tellsWhy();
+    void refusesALargeCatalogue();
     void keepsPermissions();
 
 private:
@@ -69,6 +72,38 @@ void TestHashCommand::changesNothing()
     QTEST(outcome.exitCode, "exitCode");
     QCOMPARE(tool->read("versions.txt"), before);
     QVERIFY(outcome.errors.startsWith("talvex-catalogue: "));
+}
+
+void TestHashCommand::tellsWhy_data()
+{
+    QTest::addColumn<QByteArray>("catalogue");
+    QTest::addColumn<QByteArray>("why");
+    QTest::newRow("no line") << QByteArray("HB2Ver=1\n") << QByteArray("no line for HB4: run check");
+    QTest::newRow("NUL") << QByteArray("HB4Ver=1\n\0", 10)
+                         << QByteArray("contains a NUL byte: the updater ignores the rest");
+}
+
+void TestHashCommand::tellsWhy()
+{
+    QFETCH(QByteArray, catalogue);
+    QFETCH(QByteArray, why);
+    tool->write("versions.txt", catalogue);
+    tool->write("a.sb", "abc");
+    const Tool::Outcome outcome = tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.errors, "talvex-catalogue: versions.txt: " + why + '\n');
+}
+
+/// It is read only in part, and must not be cut to it.
+void TestHashCommand::refusesALargeCatalogue()
+{
+    const qint64 size = 64LL * 1024 * 1024 + 2;
+    tool->write("versions.txt", "HB4Ver=27\n" + QByteArray(static_cast<int>(size) - 10, 'x'));
+    tool->write("a.sb", "abc");
+    const Tool::Outcome outcome = tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.errors, QByteArray("talvex-catalogue: versions.txt: more than 67108864 bytes\n"));
+    QCOMPARE(QFileInfo(tool->path("versions.txt")).size(), size);
 }
 
 void TestHashCommand::keepsPermissions()

@@ -1,9 +1,16 @@
+#include "base/sizelimit.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/sight.h"
 
 #include <QtTest>
 
 Q_DECLARE_METATYPE(Genuineness)
+
+namespace {
+
+constexpr qint64 someSize = 1000;
+
+} // namespace
 
 class TestSight : public QObject
 {
@@ -14,6 +21,8 @@ private slots:
     void sees();
     void seesWithAKey_data();
     void seesWithAKey();
+    void seesALargeCatalogue_data();
+    void seesALargeCatalogue();
 };
 
 void TestSight::sees_data()
@@ -59,7 +68,7 @@ void TestSight::sees()
     QFETCH(QByteArray, from);
     QFETCH(QByteArray, to);
     QFETCH(int, version);
-    const Sight sight = sightOf(catalogue::parse(catalogueWith(from, to)), "HB4", version);
+    const Sight sight = sightOf(catalogue::parse(catalogueWith(from, to)), someSize, "HB4", version);
     QTEST(QString(sight.kind), "kind");
     QTEST(sight.text, "text");
 }
@@ -91,9 +100,34 @@ void TestSight::seesWithAKey()
     QFETCH(Genuineness, genuineness);
     QFETCH(QByteArray, digest);
     const auto entries = catalogue::parse(catalogueWith("HB4Ver=27", "HB4Ver=27\nHB4Sha256=" + digest));
-    const Sight sight = sightOf(entries, "HB4", 27, genuineness);
+    const Sight sight = sightOf(entries, someSize, "HB4", 27, genuineness);
     QTEST(QString(sight.kind), "kind");
     QTEST(sight.text, "text");
+}
+
+void TestSight::seesALargeCatalogue_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<Genuineness>("genuineness");
+    QTest::addColumn<QString>("text");
+    const QString upToDate = "\"Your unit has the latest software\"";
+    const QString tooLarge = "\"Problem with internet connection\": the catalogue is too large";
+    QTest::newRow("as large as may be") << qint64(10245) << Genuineness() << upToDate;
+    QTest::newRow("one byte more") << qint64(10246) << Genuineness() << tooLarge;
+    QTest::newRow("given up") << sizeLimit + 1 << Genuineness() << tooLarge;
+    QTest::newRow("good signature") << qint64(10246) << Genuineness{true, true, nullptr} << tooLarge;
+    QTest::newRow("no signature") << qint64(10246) << Genuineness{true, false, nullptr}
+                                  << "\"Problem with internet connection\": there is no signature";
+    QTest::newRow("bad signature") << qint64(10246) << Genuineness{true, true, "why"}
+                                   << "\"The update server's answer is not genuine.\"";
+}
+
+void TestSight::seesALargeCatalogue()
+{
+    QFETCH(qint64, size);
+    QFETCH(Genuineness, genuineness);
+    const auto entries = catalogue::parse(catalogueWithDigests(someDigest));
+    QTEST(sightOf(entries, size, "HB4", 27, genuineness).text, "text");
 }
 
 QTEST_GUILESS_MAIN(TestSight)

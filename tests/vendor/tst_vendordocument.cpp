@@ -36,6 +36,7 @@ private slots:
     void initTestCase();
     void isShort();
     void publishes();
+    void keepsLineEnds();
     void stopsAtAFailedUpload();
     void stopsAtAnError();
 
@@ -47,6 +48,7 @@ private:
     QTemporaryDir directory;
     UpdateServer server;
     QByteArray keyLine;
+    QByteArray hashLines; ///< for a catalogue without digests
     QByteArray shellLines;
     QByteArray output;
 };
@@ -84,21 +86,26 @@ void TestVendorDocument::initTestCase()
     for (const QByteArray& line : document.split('\n'))
         if (line.startsWith("    minisign -G"))
             keyLine = line;
+    const int hashing = document.indexOf("    talvex-catalogue hash");
+    hashLines = document.mid(hashing, document.indexOf("\n\n", hashing) - hashing);
     const QByteArray begin = "```sh\n";
     const int first = document.indexOf(begin) + begin.size();
     shellLines = document.mid(first, document.indexOf("```", first) - first);
 
-    const QByteArray catalogue = catalogueWithDigests(sha256(oldImage));
-    MUST(server.publish("/wp-content/uploads/versions.txt", catalogue));
     MUST(server.publish("/logs/updater.txt", "log"));
     for (const QByteArray& stem : everyStem()) {
         MUST(server.publish("/bin/" + stem + ".sb", oldImage));
         MUST(server.publish("/logs/" + stem + ".txt", "log"));
+        write(stem + ".sb", oldImage);
     }
-    write("versions.txt", catalogue);
+    write("versions.txt", goodCatalogue());
     write("HB4_28.sb", newImage);
     write("HB4_28.txt", "new log");
     QVERIFY2(type(keyLine, password + password), output.constData());
+    QVERIFY2(type(hashLines, {}), output.constData());
+    const QByteArray hashed = contentOf(directory.filePath("versions.txt"));
+    QCOMPARE(hashed.count("Sha256=" + sha256(oldImage) + '\n'), everyStem().size());
+    MUST(server.publish("/wp-content/uploads/versions.txt", hashed));
 }
 
 void TestVendorDocument::isShort()
@@ -117,7 +124,21 @@ void TestVendorDocument::publishes()
     QVERIFY(catalogue.contains("\nHB4Bin=http://updates.example.com/bin/HB4_28.sb\n"));
     QCOMPARE(contentOf(served("/bin/HB4_28.sb")), newImage);
     QCOMPARE(contentOf(served("/logs/HB4_28.txt")), QByteArray("new log"));
-    QVERIFY(!contentOf(directory.filePath("catalogue.key")).contains("unencrypted"));
+    const QByteArray secret = contentOf(directory.filePath("catalogue.key")).split('\n').value(1);
+    QVERIFY(secret.startsWith("RWRTY0Iy")); // an unprotected key begins with RWQAAEIy
+}
+
+void TestVendorDocument::keepsLineEnds()
+{
+    const QByteArray before = contentOf(directory.filePath("versions.txt"));
+    write("versions.txt", goodCatalogue().replace("\n", "\r\n"));
+    const int edit = shellLines.indexOf("sed -i");
+    const QByteArray line = shellLines.mid(edit, shellLines.indexOf('\n', edit) - edit);
+    QVERIFY2(type("site=http://host; " + line, {}), output.constData());
+    const QByteArray after = contentOf(directory.filePath("versions.txt"));
+    write("versions.txt", before);
+    QVERIFY(after.contains("\r\nHB4Ver=28\r\nHB4Bin=http://host/bin/HB4_28.sb\r\n"
+                           "HB4ChangeLog=http://host/logs/HB4_28.txt\r\n"));
 }
 
 void TestVendorDocument::stopsAtAFailedUpload()

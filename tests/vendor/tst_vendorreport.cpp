@@ -1,3 +1,4 @@
+#include "base/sizelimit.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/escaped.h"
 #include "vendor/report.h"
@@ -22,6 +23,10 @@ private slots:
     void json();
     void jsonIsPlainAscii();
     void fetched();
+    void carriageReturnsDoNotCountForASight();
+    void givenUp();
+    void firstFindingsOnly_data();
+    void firstFindingsOnly();
 };
 
 void TestVendorReport::escapes_data()
@@ -41,6 +46,8 @@ void TestVendorReport::escapes_data()
                             << "\\u{7F}";
     QTest::newRow("control of 8 bits") << QString(QChar(0x9B)) << "\\u{9B}";
     QTest::newRow("right to left") << QString(QChar(0x202E)) << "\\u{202E}";
+    QTest::newRow("line separator") << QString(QChar(0x2028)) << "\\u{2028}";
+    QTest::newRow("paragraph separator") << QString(QChar(0x2029)) << "\\u{2029}";
     QTest::newRow("backslash") << "\\u{1B}"
                                << "\\\\u{1B}";
 }
@@ -189,6 +196,55 @@ void TestVendorReport::fetched()
     const QJsonObject object{{"key", "HB4Bin"},    {"url", "http://h/b"}, {"status", 404},   {"size", 12},
                              {"type", image.type}, {"encoding", ""},      {"digest", "12ab"}};
     QCOMPARE(QJsonDocument::fromJson(asJson(report)).object()["fetched"].toArray(), QJsonArray{object});
+}
+
+void TestVendorReport::carriageReturnsDoNotCountForASight()
+{
+    const QByteArray large = goodCatalogue() + QByteArray(10246, '\r');
+    QCOMPARE(QString(reportOn("x", large, {{"hb4", "HB4", 27}}).views.first().sight.kind),
+             QString("up-to-date"));
+    const QByteArray tooLarge = goodCatalogue() + QByteArray(10246, '#');
+    QCOMPARE(QString(reportOn("x", tooLarge, {{"hb4", "HB4", 27}}).views.first().sight.kind),
+             QString("problem"));
+}
+
+void TestVendorReport::givenUp()
+{
+    const QByteArray large = goodCatalogue() + QByteArray(static_cast<int>(sizeLimit), '\0');
+    const Report report = reportOn("x", large, {{"hb4", "HB4", 27}});
+    QVERIFY(report.rows.isEmpty());
+    QCOMPARE(report.findings.size(), 1);
+    QCOMPARE(QString(report.findings.first().kind), QString("too-large"));
+    QVERIFY(report.views.first().sight.text.endsWith("the catalogue is too large"));
+    QVERIFY(!asText(report, false).contains("keys"));
+}
+
+void TestVendorReport::firstFindingsOnly_data()
+{
+    QTest::addColumn<int>("unknown"); ///< lines with a key of no model
+    QTest::addColumn<int>("printed");
+    QTest::addColumn<QString>("last");
+    QTest::newRow("all") << 100 << 101 << "no model has this key";
+    QTest::newRow("one too many") << 101 << 102 << "and 1 more";
+    QTest::newRow("many") << 400 << 102 << "and 300 more";
+}
+
+/// What is missing is about no line, and always printed.
+void TestVendorReport::firstFindingsOnly()
+{
+    QFETCH(int, unknown);
+    QByteArray served = catalogueWith("HB4Ver=27\n", "");
+    for (int number = 0; number < unknown; ++number)
+        served += "U" + QByteArray::number(number) + "=1\n";
+    const Report report = reportOn("x", served, {});
+    const QJsonObject object = QJsonDocument::fromJson(asJson(report)).object();
+    QCOMPARE(object["errors"].toInt(), unknown + 1);
+    const QJsonArray findings = object["findings"].toArray();
+    QTEST(findings.size(), "printed");
+    QCOMPARE(findings.first().toObject()["kind"].toString(), QString("missing"));
+    QTEST(findings.last().toObject()["text"].toString(), "last");
+    QCOMPARE(findings.last().toObject()["severity"].toString(), QString("error"));
+    QVERIFY(asText(report, false).contains(findings.last().toObject()["text"].toString().toUtf8() + '\n'));
 }
 
 QTEST_GUILESS_MAIN(TestVendorReport)

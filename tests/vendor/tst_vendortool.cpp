@@ -19,6 +19,9 @@ private slots:
     void init();
     void exitCodes_data();
     void exitCodes();
+    void outputThatCannotBeWritten_data();
+    void outputThatCannotBeWritten();
+    void endlessFile();
     void json();
     void colourOnATerminalOnly();
     void checksAnAddress();
@@ -30,6 +33,7 @@ private slots:
     void judgesASignature();
     void judgesASignatureThatIsServed();
     void endsOnInterrupt();
+    void keepsIgnoringInterrupts();
 
 private:
     void serveAll();
@@ -79,6 +83,31 @@ void TestVendorTool::exitCodes()
     QTEST(outcome.exitCode, "exitCode");
     QCOMPARE(outcome.output.isEmpty(), !isAnswered);
     QCOMPARE(outcome.errors.isEmpty(), isAnswered);
+}
+
+void TestVendorTool::outputThatCannotBeWritten_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("text") << QStringList{"check", "good"};
+    QTest::newRow("JSON") << QStringList{"check", "--json", "good"};
+    QTest::newRow("help") << QStringList{"--help"};
+}
+
+void TestVendorTool::outputThatCannotBeWritten()
+{
+    QFETCH(QStringList, arguments);
+    const Tool::Outcome outcome = tool->runIntoFullDisk(arguments);
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY2(outcome.errors.startsWith("talvex-catalogue: standard output: "), outcome.errors.constData());
+}
+
+void TestVendorTool::endlessFile()
+{
+    const Tool::Outcome outcome = tool->run({"check", "/dev/zero", "--as", "hb4=27"});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY(outcome.output.contains("more than 67108864 bytes: the updater gives up\n"));
+    QVERIFY(outcome.output.contains("the catalogue is too large\n"));
+    QVERIFY(outcome.output.endsWith("\n1 error, 0 notes\n"));
 }
 
 void TestVendorTool::json()
@@ -204,6 +233,24 @@ void TestVendorTool::endsOnInterrupt()
     QCOMPARE(process.exitCode(), 130);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(process.readAllStandardError(), QByteArray("talvex-catalogue: interrupted\n"));
+}
+
+/// As under nohup or in the background of a script: only the silence of the server ends it.
+void TestVendorTool::keepsIgnoringInterrupts()
+{
+    tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
+    ChildProcess process;
+    process.setProcessEnvironment(tool->environment());
+    process.start("sh", {"-c", "trap '' INT; exec \"$0\" \"$@\"", Tool::program(), "check", "--fetch",
+                         "--timeout", "3", tool->path("good")});
+    QVERIFY(process.waitForStarted());
+    const auto pid = static_cast<pid_t>(process.processId());
+    QTRY_VERIFY(tool->server.paths().contains("/bin/HB4.sb"));
+    kill(pid, SIGINT);
+    QTRY_COMPARE(process.state(), QProcess::NotRunning);
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(process.readAllStandardOutput().contains("nothing received for 3 s"));
 }
 
 QTEST_GUILESS_MAIN(TestVendorTool)
