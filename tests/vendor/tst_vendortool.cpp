@@ -222,6 +222,7 @@ void TestVendorTool::judgesASignatureThatIsServed()
 
 void TestVendorTool::endsOnInterrupt()
 {
+    (void)std::signal(SIGINT, SIG_DFL); // inherited; a shell's background jobs ignore it
     tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
     ChildProcess process;
     process.setProcessEnvironment(tool->environment());
