@@ -9,6 +9,13 @@
 #include <QVector>
 
 /// The version catalogue: lines "key=value" with the newest versions and their addresses.
+///
+///     key                                   value
+///     MainVer                               the newest updater, 11 for 0.11
+///     MainChangeLog, MacMainBin             the addresses of its change log and of the updater itself
+///     HB4Ver                                the newest firmware of this stem's models, 27 for 2.7
+///     HB4Bin, HB4ChangeLog                  the addresses of its image and change log
+///     HB4Sha256                             the image's SHA-256 in hexadecimal digits
 namespace catalogue {
 
 /// A larger catalogue (in bytes, without carriage returns) is reported, but still used.

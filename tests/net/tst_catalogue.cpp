@@ -133,16 +133,17 @@ void TestCatalogue::findsNothingForAnotherModel()
 void TestCatalogue::stemOfModel_data()
 {
     QTest::addColumn<UnitType>("type");
+    QTest::addColumn<QString>("stem");
     for (const models::Model& model : models::all)
-        QTest::newRow(model.option) << model.type;
+        QTest::newRow(model.option) << model.type << QString(model.stem);
+    QTest::newRow("no model") << static_cast<UnitType>(models::count) << "HB2";
 }
 
 void TestCatalogue::stemOfModel()
 {
     QFETCH(UnitType, type);
-    const UnitModel* model = findUnitModel(type);
-    QVERIFY(model != nullptr);
-    QCOMPARE(model->catalogueStem, models::of(type).stem);
+    QFETCH(QString, stem);
+    QCOMPARE(catalogue::keyStem(type), stem);
 }
 
 void TestCatalogue::decides_data()

@@ -4,6 +4,9 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+#include <hidapi.h>
+
+#include <string>
 #include <vector>
 
 namespace {
@@ -42,6 +45,23 @@ constexpr Row rows[] = {
      "Device 3a5d:0a21 calls itself \"a?b??[2J??\", which is no unit's name: skipped."},
 };
 
+/// The list that the search gets: a letter for each record, "u" a unit, "f" another device, "p" a unit
+/// without a path.
+std::vector<hid_device_info> listOf(const QByteArray& letters)
+{
+    static std::wstring unit = L"HB4";
+    static std::wstring other = L"Keyboard";
+    static std::string path = "path";
+    std::vector<hid_device_info> records(static_cast<std::size_t>(letters.size()));
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const char letter = letters.at(static_cast<int>(i));
+        records[i].product_string = letter == 'f' ? other.data() : unit.data();
+        records[i].path = letter == 'p' ? nullptr : path.data();
+        records[i].next = i + 1 < records.size() ? &records[i + 1] : nullptr;
+    }
+    return records;
+}
+
 } // namespace
 
 class TestSeenRecord : public QObject
@@ -51,6 +71,8 @@ class TestSeenRecord : public QObject
 private slots:
     void record_data();
     void record();
+    void choice_data();
+    void choice();
     void unopened();
     void ruleIsTheOneThatComesAlong();
 };
@@ -73,6 +95,40 @@ void TestSeenRecord::record()
         return;
     QVERIFY2(line->startsWith(row.line), qPrintable(*line));
     QCOMPARE(line->contains(".rules"), row.kind == seenrecord::Kind::nameless); // on Linux, where this runs
+}
+
+void TestSeenRecord::choice_data()
+{
+    QTest::addColumn<QByteArray>("letters");
+    QTest::addColumn<bool>("isDeck");
+    QTest::addColumn<bool>("firstDeckSeen");
+    QTest::addColumn<int>("chosen"); // an index, or -1: none
+    QTest::addColumn<int>("firstDeck");
+    QTest::newRow("nothing there") << QByteArray() << false << false << -1 << -1;
+    QTest::newRow("a unit behind another device") << QByteArray("fu") << false << false << 1 << -1;
+    QTest::newRow("two units") << QByteArray("uu") << false << false << 0 << -1;
+    QTest::newRow("a unit without a path") << QByteArray("p") << false << false << -1 << -1;
+    QTest::newRow("one deck") << QByteArray("u") << true << false << -1 << 0;
+    QTest::newRow("two decks") << QByteArray("fupu") << true << false << 3 << 1;
+    QTest::newRow("the deck that was missing") << QByteArray("fuu") << true << true << 1 << -1;
+    QTest::newRow("no deck, with one seen before") << QByteArray("fp") << true << true << -1 << -1;
+}
+
+void TestSeenRecord::choice()
+{
+    QFETCH(QByteArray, letters);
+    QFETCH(bool, isDeck);
+    QFETCH(bool, firstDeckSeen);
+    QFETCH(int, chosen);
+    QFETCH(int, firstDeck);
+    std::vector<hid_device_info> records = listOf(letters);
+    const auto indexOf = [&](const hid_device_info* record) {
+        return record == nullptr ? -1 : static_cast<int>(record - records.data());
+    };
+    const seenrecord::Choice choice =
+        seenrecord::choose(records.empty() ? nullptr : records.data(), isDeck, firstDeckSeen);
+    QCOMPARE(indexOf(choice.chosen), chosen);
+    QCOMPARE(indexOf(choice.firstDeck), firstDeck);
 }
 
 void TestSeenRecord::unopened()

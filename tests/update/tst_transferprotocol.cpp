@@ -5,6 +5,8 @@
 #include <algorithm>
 
 using transferprotocol::ImageBytes;
+using transferprotocol::PacketKind;
+Q_DECLARE_METATYPE(PacketKind)
 
 namespace {
 
@@ -51,6 +53,8 @@ private slots:
     void overlongDataIsCutToThePacket();
     void bytesLeft_data();
     void bytesLeft();
+    void packetKind_data();
+    void packetKind();
     void packetBytes_data();
     void packetBytes();
     void percent_data();
@@ -197,6 +201,29 @@ void TestTransferProtocol::packetBytes()
     const ImageBytes bytes = transferprotocol::packetBytes(image, number);
     const QByteArray expected = image.mid(first, count);
     QVERIFY(std::ranges::equal(bytes, span(expected)));
+}
+
+void TestTransferProtocol::packetKind_data()
+{
+    QTest::addColumn<int>("imageSize");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<PacketKind>("kind");
+    QTest::newRow("60 bytes: the first") << 60 << 1 << PacketKind::full;
+    QTest::newRow("60 bytes: the second, with no byte") << 60 << 2 << PacketKind::final;
+    QTest::newRow("60 bytes: the third") << 60 << 3 << PacketKind::behindTheEnd;
+    QTest::newRow("59 bytes: the first") << 59 << 1 << PacketKind::final;
+    QTest::newRow("59 bytes: the second") << 59 << 2 << PacketKind::behindTheEnd;
+    QTest::newRow("61 bytes: the second, with one byte") << 61 << 2 << PacketKind::final;
+    QTest::newRow("15 MB: the last full one") << 15000000 << 250000 << PacketKind::full;
+    QTest::newRow("no image") << 0 << 1 << PacketKind::final;
+}
+
+void TestTransferProtocol::packetKind()
+{
+    QFETCH(int, imageSize);
+    QFETCH(int, number);
+    QFETCH(PacketKind, kind);
+    QVERIFY(transferprotocol::packetKind(imageSize, number) == kind);
 }
 
 void TestTransferProtocol::percent_data()
