@@ -8,8 +8,8 @@
 
 #include <hidapi.h>
 
-/// The least that pulls a log, on a thread of its own: a chain of 1 ms single shots and, where told, in each
-/// of them the reads and writes of one part, the file's write and the progress.
+/// The minimum needed to download a log, on its own thread: a chain of 1 ms single-shot timers and, if set
+/// up so, in each of them the reads and writes of one part, the file write and the progress signal.
 class BareLoop : public QObject
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     int file = -1;              ///< descriptor; -1: nothing is stored
     bool tellsProgress = false;
     int parts = 0;
-    Meter* meter = nullptr; ///< counts single shots where there is no unit that does
+    Meter* meter = nullptr; ///< counts the single shots if no unit does
 
 signals:
     void progress(int percent);

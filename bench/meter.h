@@ -1,17 +1,17 @@
 #pragma once
 
-/// Takes the clocks over a window of things that happen one after the other. Not thread-safe.
+/// Measures wall and processor time over a series of consecutive events. Not thread-safe.
 class Meter
 {
 public:
-    /// Skips the first `warmUp` things, then measures `things`.
+    /// Skips the first `warmUp` events, then measures the next `things`.
     Meter(int warmUp, int things) : skipped(warmUp), measured(things) {}
 
-    /// One more has happened. True once: the window is over.
+    /// Counts one event. Returns true exactly once, when the series is complete.
     bool count();
 
-    /// Prints "rate=R cpu=C peak=P": things a second, µs of processor time of the whole process a thing, and
-    /// the process's peak resident size in kB. Returns the exit code, 1 if the window is not over.
+    /// Prints "rate=R cpu=C peak=P": events per second, µs of the whole process's processor time per event,
+    /// and the process's peak resident size in kB. Returns the exit code: 1 if the series is not complete.
     [[nodiscard]] int print() const;
 
 private:

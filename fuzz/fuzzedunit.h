@@ -8,26 +8,27 @@
 
 #include <vector>
 
-/// The HID library of the fuzz targets: up to two units whose every answer the fuzzer makes up.
+/// The HID library of the fuzz targets: up to two units whose answers all come from the fuzzer.
 ///
-/// A read takes one byte of the input: 0 is a time-out, 1 a failure, 2 a report cut to 1 byte; any other is a
-/// report of 64 bytes with this byte wherever a code may stand (0 and 60). Behind 0x20, a log header, the
-/// input goes on with the number of parts (16 bits); behind 0x50, a log's last part, with its length byte.
-/// Where the input ends, a read with a time-out brings nothing, and one without says that there is no log.
+/// A read consumes one byte of the input: 0 is a time-out, 1 a failure, 2 a report cut to 1 byte; any other
+/// value is a report of 64 bytes with this byte at each offset that may hold a code (0 and 60). After 0x20,
+/// a log header, the input continues with the number of parts (16 bits); after 0x50, a log's last part, with
+/// its length byte. At the end of the input, a read with a time-out returns nothing, and one without reports
+/// that there is no log.
 ///
-/// A read never waits; a write takes its bytes, or fails where the plan says so.
+/// A read never blocks; a write succeeds unless it is set to fail.
 namespace fuzzedunit {
 
-/// A read of the program, as the unit answered it.
+/// A read by the program, and the unit's answer.
 struct Read
 {
     int unit = 0;       ///< 0 or 1
     bool waits = false; ///< without a time-out
-    int result = 0;     ///< as the caller got it
-    QByteArray report;  ///< 64 bytes, or none
+    int result = 0;     ///< as returned to the caller
+    QByteArray report;  ///< 64 bytes, or empty
 };
 
-/// From now on the units answer out of this input, which must outlive the run. `failing`: bit n set, each
+/// Makes the units answer from this input, which must outlive the run. If bit n of `failing` is set, every
 /// write whose number is n modulo 8 fails.
 void begin(Input& input, std::uint8_t failing);
 
@@ -35,7 +36,7 @@ void begin(Input& input, std::uint8_t failing);
 
 [[nodiscard]] const std::vector<Read>& reads();
 
-/// What was written to this unit and taken, 65 bytes each; `tried`: also what failed.
+/// The successful writes to this unit, 65 bytes each; tried() also includes those that failed.
 [[nodiscard]] const QByteArrayList& written(int unit);
 [[nodiscard]] const QByteArrayList& tried(int unit);
 

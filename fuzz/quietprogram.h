@@ -3,18 +3,17 @@
 #include <QString>
 #include <QStringList>
 
-/// The surroundings of the program's objects under a fuzzer: an application without a screen, no diagnostics,
-/// time that does not pass and a user who dismisses every box at once.
+/// The environment for fuzzing the program's objects: an application without a screen, no diagnostics, a
+/// clock that stands still and a user who dismisses every box immediately.
 namespace quietprogram {
 
-/// Creates the application, which lives to the process's end. Once.
+/// Creates the application, which lives until the process ends. Call it once.
 void start();
 
-/// The texts of the boxes since the last call, in the order they opened.
+/// The texts of the boxes opened since the last call, in order.
 [[nodiscard]] QStringList takeBoxes();
 
-/// Lets the single shots that are waiting fire, and those they lead to, at most this many. Returns how many
-/// did.
+/// Fires pending single-shot timers, and those that they start, up to `most` in all. Returns how many fired.
 int fireTimers(int most);
 
 } // namespace quietprogram

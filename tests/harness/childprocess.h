@@ -2,18 +2,18 @@
 
 #include <QProcess>
 
-/// A process that ends, at the latest, with the test that started it.
+/// A process that ends no later than the test that started it.
 class ChildProcess : public QProcess
 {
 public:
     using QProcess::QProcess;
     ~ChildProcess() override;
 
-    /// Before the start: it runs in this terminal, in a session of its own and in the foreground, as the
-    /// command of a terminal window does. Nothing of its output is to be had then.
+    /// Runs the process in this terminal, in its own session and in the foreground, as a terminal window
+    /// runs its command. Its output cannot be read then. Call before the start.
     void setTerminal(int descriptor) { terminal = descriptor; }
 
-    /// Asks it to end, and ends it if it does not. Returns once it is gone.
+    /// Asks the process to end, and kills it if it does not. Returns once it is gone.
     void end();
 
 protected:

@@ -4,7 +4,7 @@
 
 #include <QDir>
 
-/// A person at the program's window who keeps numbered pictures of what it shows.
+/// Uses the program as a person would, and saves numbered screenshots of what it shows.
 class Demo
 {
 public:

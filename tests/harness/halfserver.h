@@ -6,11 +6,11 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/// Answers as a proxy for an update server that falls silent in the middle of an image.
+/// A proxy for an update server that stops sending in the middle of an image.
 class HalfServer : public QTcpServer
 {
 public:
-    /// `updaterVersion` is what its catalogue tells; from 12 on it offers a newer updater.
+    /// `updaterVersion` is the version in its catalogue; from 12 on it offers a newer updater.
     explicit HalfServer(int updaterVersion = 11)
     {
         listen(QHostAddress::LocalHost);
@@ -45,7 +45,7 @@ private:
         return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(size) + "\r\n\r\n";
     }
 
-    /// In pieces: Qt tells of no progress before an answer has been coming for a while.
+    /// In pieces, because Qt reports no progress until an answer has been arriving for a while.
     static void sendHalf(QTcpSocket& client)
     {
         constexpr int pieces = 20;

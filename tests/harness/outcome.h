@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What a step came to: nothing to report, or what went wrong and what stood on the screen then.
+/// The result of a step: success, or what went wrong and what was on the screen at the time.
 class [[nodiscard]] Outcome
 {
 public:
@@ -16,14 +16,14 @@ private:
     QString text;
 };
 
-/// In a test: the step must succeed.
+/// For tests: fails the test unless the step succeeds.
 #define MUST(step)                                                                                           \
     do {                                                                                                     \
         const Outcome outcome_ = (step);                                                                     \
         QVERIFY2(outcome_.good(), qPrintable(outcome_.problem()));                                           \
     } while (false)
 
-/// In a function that returns an Outcome: the first step that fails is its result.
+/// For functions that return an Outcome: returns the step's outcome if it failed.
 #define STEP(step)                                                                                           \
     do {                                                                                                     \
         Outcome outcome_ = (step);                                                                           \

@@ -5,17 +5,17 @@
 #include <QJsonDocument>
 #include <QLocalSocket>
 
-/// The driver's end of the line to the probe inside the program.
+/// The test's end of the connection to the probe inside the program.
 class ProbeClient
 {
 public:
-    /// Connects to the probe's socket; false: nobody listens there (yet).
+    /// Connects to the probe's socket; false if nothing is listening there (yet).
     [[nodiscard]] bool open(const QString& path);
 
-    /// The answer to one request, or a null document when the program does not answer.
+    /// The answer to one request; a null document if the program does not answer.
     [[nodiscard]] QJsonDocument ask(const QByteArray& request);
 
-    /// An empty view: no answer.
+    /// The current view; empty if the program does not answer.
     [[nodiscard]] View look() { return View(ask("snapshot").object()); }
 
 private:

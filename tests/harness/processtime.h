@@ -4,11 +4,11 @@
 
 #include <chrono>
 
-/// What a process of this computer does with its time.
+/// How a process on this computer spends its time.
 
-/// Whether all its threads wait for something: none works, or could if the processor or the disk were free.
-/// False of a process that has ended.
+/// Whether all threads of the process are waiting for something: none is running, or is held up only by a
+/// busy processor or disk. False if the process has ended.
 [[nodiscard]] bool isAsleep(qint64 process);
 
-/// The processor's time that it took until now; 0 of a process that has ended.
+/// The processor time that the process has used so far; 0 if it has ended.
 [[nodiscard]] std::chrono::milliseconds processorTime(qint64 process);

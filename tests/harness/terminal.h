@@ -1,6 +1,6 @@
 #pragma once
 
-/// A terminal as a window on the screen makes one: what is typed and shown goes through this end.
+/// A pseudo-terminal, as a terminal window creates one; this object holds the window's end.
 class Terminal
 {
 public:
@@ -9,10 +9,10 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// The descriptor of the programs' end; -1: the system has no terminal left.
+    /// The descriptor of the programs' end; -1 if no terminal was available.
     [[nodiscard]] int programsEnd() const { return other; }
 
-    /// The window is closed: the system tells the programs that their terminal is gone.
+    /// Closes the window's end: the system tells the programs that their terminal is gone.
     void close();
 
 private:

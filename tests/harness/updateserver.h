@@ -7,31 +7,31 @@
 #include <QTemporaryDir>
 #include <QVector>
 
-/// The vendor's update server, on loopback: hands out what is published, whatever host name is asked for, and
-/// keeps a log of the requests.
+/// The vendor's update server, on loopback: serves what is published, whatever host name is requested, and
+/// logs the requests.
 class UpdateServer
 {
 public:
     struct Request
     {
         QString line;      ///< "GET http://host/path HTTP/1.1"
-        QString userAgent; ///< "-": none was sent
+        QString userAgent; ///< "-" if none was sent
         int status;
     };
 
     Outcome start();
 
-    /// The value for http_proxy that leads every plain HTTP request here.
+    /// The value for http_proxy that sends every plain HTTP request here.
     [[nodiscard]] QString proxy() const { return "http://127.0.0.1:" + QString::number(port); }
 
-    /// The directory of what is published.
+    /// The directory of the published files.
     [[nodiscard]] QString root() const { return base.filePath("root"); }
 
-    /// Makes these bytes the answer for a path ("/bin/HB4.sb").
+    /// Publishes these bytes under a path ("/bin/HB4.sb").
     Outcome publish(const QString& path, const QByteArray& bytes);
     void withdraw(const QString& path) { QFile::remove(base.filePath("root") + path); }
 
-    /// All requests answered until now, in order.
+    /// All requests answered so far, in order.
     [[nodiscard]] QVector<Request> requests() const;
     void forgetRequests();
 
@@ -43,8 +43,8 @@ private:
     ChildProcess process;
 };
 
-/// A catalogue that offers this image (HTTP address) for the models of one key stem. The other keys are those
-/// of an updater that is current.
+/// A catalogue that offers this image (HTTP address) for the models of one key stem. The updater's keys say
+/// that the updater is up to date.
 [[nodiscard]] QByteArray catalogueOf(const QString& stem, const QString& version, const QString& imageAddress,
                                      const QString& changeLogAddress);
 
@@ -52,6 +52,6 @@ private:
 Outcome publishFirmware(UpdateServer& server, const QString& stem, const QString& version,
                         const QByteArray& image, const QByteArray& changeLog);
 
-/// The host it asks, and the header it sends.
+/// The host that the program contacts, and the User-Agent header that it sends.
 inline constexpr const char* updateHost = TALVEX_UPDATE_HOST;
 inline constexpr const char* expectedUserAgent = "MyOwnBrowser 1.0";

@@ -8,11 +8,11 @@
 
 #include <optional>
 
-/// Something that can be clicked: a place in the middle of it, in pixels of the screen.
+/// Something that can be clicked, and its middle in screen pixels.
 struct Target
 {
     unsigned long window = 0; ///< the X window it belongs to
-    QPoint windowOrigin;      ///< where the program believes that window to be
+    QPoint windowOrigin;      ///< where the program believes that window is
     QPoint middle;
 };
 
@@ -28,23 +28,23 @@ public:
 
     /// The main window's own fields; an empty object while it is not shown.
     [[nodiscard]] QJsonObject window() const;
-    /// A widget's fields by object name; an empty object when there is none.
+    /// A widget's fields, by object name; an empty object if there is none.
     [[nodiscard]] QJsonObject widget(const QString& name) const;
     [[nodiscard]] QString text(const QString& name) const { return widget(name)["text"].toString(); }
     [[nodiscard]] bool enabled(const QString& name) const { return widget(name)["enabled"].toBool(); }
     [[nodiscard]] int value(const QString& name) const { return widget(name)["value"].toInt(-1); }
 
     [[nodiscard]] int boxCount() const;
-    /// The box that takes the input; nothing: no box is open.
+    /// The box that receives input; nullopt if no box is open.
     [[nodiscard]] std::optional<BoxText> box() const;
-    /// The X window of that box; 0: no box is open.
+    /// The X window of that box; 0 if no box is open.
     [[nodiscard]] unsigned long boxWindow() const;
 
-    /// Nothing: it is not on the screen.
+    /// Nullopt if it is not on the screen.
     [[nodiscard]] std::optional<Target> targetOfWidget(const QString& name) const;
     [[nodiscard]] std::optional<Target> targetOfButton(const QString& name) const;
 
-    /// All of it in a few lines, for the message of a failed test.
+    /// A summary in a few lines, for a failed test's message.
     [[nodiscard]] QString describe() const;
 
 private:

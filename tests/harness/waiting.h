@@ -8,23 +8,23 @@
 
 #include <chrono>
 
-/// The pause between two looks. Asking takes the processor's time: TALVEX_TEST_PAUSE_MS asks for a longer one
-/// where that is an emulated one.
+/// The pause between two looks. Looking costs processor time: TALVEX_TEST_PAUSE_MS sets a longer pause for
+/// emulated processors.
 [[nodiscard]] inline std::chrono::milliseconds pauseBetweenLooks()
 {
     static const int wanted = qEnvironmentVariableIntValue("TALVEX_TEST_PAUSE_MS");
     return std::chrono::milliseconds(wanted > 0 ? wanted : 4);
 }
 
-/// Serves the event loop and lets others run.
+/// Processes pending events and lets other processes run.
 inline void letOthersRun()
 {
     QCoreApplication::processEvents();
     QThread::msleep(static_cast<unsigned long>(pauseBetweenLooks().count()));
 }
 
-/// Asks again and again, with the event loop served in between, until the condition holds. Returns whether it
-/// did: it gives up where everything hangs.
+/// Checks the condition repeatedly, processing events in between, until it holds. Returns false if it still
+/// does not hold after limits::hang().
 template<typename Condition> [[nodiscard]] bool waitUntil(Condition condition)
 {
     const QDeadlineTimer limit(limits::hang());

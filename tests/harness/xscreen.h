@@ -9,7 +9,7 @@
 
 struct _XDisplay;
 
-/// One connection to an X server: looks at it as a user does, and gives it a user's input (XTEST).
+/// A connection to an X server: sees what a user sees and sends a user's input (XTEST).
 class XScreen
 {
 public:
@@ -20,40 +20,41 @@ public:
     XScreen(const XScreen&) = delete;
     XScreen& operator=(const XScreen&) = delete;
 
-    /// Opens the display of this name (":7"); false: there is none, or it lacks the XTEST extension.
+    /// Opens the display of this name (":7"); false if it does not exist or lacks the XTEST extension.
     [[nodiscard]] bool open(const QString& name);
 
-    /// Ends the connection; nothing but picture() may be asked for then.
+    /// Closes the connection; only picture() may be called afterwards.
     void shut();
 
-    /// Whether a window manager that follows the common conventions is at work.
+    /// Whether a window manager that follows the common conventions is running.
     [[nodiscard]] bool hasWindowManager();
 
-    /// Where the window's upper left inner corner is on the screen, in pixels; nothing: it is not shown.
+    /// The position of the window's inner top left corner on the screen, in pixels; nullopt if it is not
+    /// shown.
     [[nodiscard]] std::optional<QPoint> originOf(Window window);
 
-    /// Moves the pointer there; returns whether this window, or a part of it, is what lies under it.
+    /// Moves the pointer there; returns whether this window, or a part of it, is under the pointer.
     [[nodiscard]] bool pointAt(QPoint position, Window window);
 
-    /// The window's inner size in pixels of the screen; empty: there is no such window.
+    /// The window's inner size in screen pixels; empty if there is no such window.
     [[nodiscard]] QSize sizeOf(Window window);
 
     /// Presses and releases the left button where the pointer is.
     void click();
 
-    /// Presses these keys (X key symbols) one after the other and releases them backwards.
+    /// Presses these keys (X key symbols) in order and releases them in reverse order.
     void pressKeys(std::initializer_list<unsigned long> symbols);
 
-    /// Moves the window's upper left corner, frame included, there, as far as the window manager allows.
+    /// Moves the window's top left corner, including the frame, there, as far as the window manager allows.
     void move(Window window, QPoint position);
 
-    /// Sets the server's resources ("Xft.dpi:\t192\n", with the tab), for programs that start from now on.
+    /// Sets the server's resources ("Xft.dpi:\t192\n", with the tab), for programs started from now on.
     void setResources(const QByteArray& resources);
 
     /// Asks the window manager to close the window, as its close button does.
     void close(Window window);
 
-    /// The whole screen; a null image: the server would not tell, or there is none.
+    /// A screenshot of the whole screen; a null image if the server refuses or there is no connection.
     [[nodiscard]] QImage picture();
 
 private:

@@ -9,7 +9,7 @@
 
 #include <memory>
 
-/// A downloader on its worker thread, connected to itself as the window does it.
+/// A downloader on its worker thread, connected to itself the way the window connects it.
 class Exchange
 {
 public:
@@ -25,7 +25,7 @@ public:
         QObject::connect(self, SIGNAL(needreadLogPart()), self, SLOT(readLogPart()));
         QObject::connect(self, SIGNAL(needdataCompleted(int)), self, SLOT(dataCompleted(int)));
         QObject::connect(self, SIGNAL(needresendMessage(int)), self, SLOT(resendMessage(int)));
-        worker.setStackSize(256 * 1024); // a call nested for each reply would end here soon
+        worker.setStackSize(256 * 1024); // calls nested for each reply would soon overflow it
         worker.start();
     }
     ~Exchange()
@@ -44,7 +44,7 @@ public:
         QFile file(fileName());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
     }
-    /// The first bytes of every written report: "10" request, "30" acknowledge, "70" resend.
+    /// The command byte of every written report: "10" request, "30" acknowledge, "70" resend.
     [[nodiscard]] QByteArrayList commands() const
     {
         QByteArrayList commands;
@@ -53,7 +53,7 @@ public:
         return commands;
     }
 
-    /// Until the worker has done all that it was asked for until now.
+    /// Blocks until the worker has handled everything queued so far.
     void awaitWorker()
     {
         QMetaObject::invokeMethod(

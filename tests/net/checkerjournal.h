@@ -9,15 +9,15 @@
 
 class UpdateChecker;
 
-/// Everything an update checker says, signals and diagnostics in one order.
+/// Records everything an update checker reports: signals and diagnostics, in order.
 class CheckerJournal
 {
 public:
     explicit CheckerJournal(UpdateChecker& checker);
     Q_DISABLE_COPY_MOVE(CheckerJournal)
 
-    QStringList events;    ///< without downloadProgress, which comes as the network pleases
-    QStringList all;       ///< with it
+    QStringList events;    ///< without downloadProgress, whose timing depends on the network
+    QStringList all;       ///< including downloadProgress
     QVector<int> progress; ///< per cent
 
 private:
@@ -26,16 +26,16 @@ private:
     void followFiles(UpdateChecker& checker);
 
     LogCapture log;
-    QObject context; ///< ends the connections; last, so that it goes first
+    QObject context; ///< owns the connections; last, so that it is destroyed first
 };
 
-/// The journal's wording of each event.
+/// How the journal words each event.
 namespace told {
 
 [[nodiscard]] QString log(const QString& line);
-/// A signal with its text parameters; "null" stands for a null string, which an empty one is not.
+/// A signal with its text parameters; a null string is written as "null", unlike an empty one.
 [[nodiscard]] QString signal(const QString& name, const QStringList& parameters = {});
-[[nodiscard]] QString problem(); ///< the one problem of the network
+[[nodiscard]] QString problem(); ///< the only network problem
 [[nodiscard]] QString savingProblem();
 
 } // namespace told

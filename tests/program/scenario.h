@@ -6,75 +6,76 @@
 #include "tests/support/testimage.h"
 #include "tests/support/texts.h"
 
-/// The steps of an update that several tests share. The unit is at version 2.3, the server offers 2.8.
+/// Update steps shared by several tests. The unit is at version 2.3, the server offers 2.8.
 namespace scenario {
 
 inline constexpr int unitVersion = 23;
 inline constexpr const char* offeredVersion = "28";
-inline constexpr int longOnItsWay = 6'000'000; ///< an image of a hundred seconds at least: nobody misses it
+inline constexpr int longOnItsWay = 6'000'000; ///< an image that takes 100 s or more: no test misses it
 inline constexpr const char* silentInstallation = ",fault=silent-installation";
-/// For http_proxy: a port at which nobody ever listens.
+/// For http_proxy: a port on which nothing ever listens.
 inline constexpr const char* deadProxy = "http://127.0.0.1:1";
 inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- Brighter pads.\n";
 
-/// What a virtual unit of this model is told: its image and its journal go into the program's scratch
-/// directory, named after `label`; `more` are further options (",fault=...").
+/// The options of a virtual unit of this model. Its image and journal are written to the program's scratch
+/// directory and named after `label`; `more` holds further options (",fault=...").
 [[nodiscard]] QString unitOptions(const Program& program, const QString& model, const QString& more = {},
                                   const QString& label = "unit");
-/// The options of what is connected together, each unit labelled by its own model.
+/// The options of the units that are connected together, each labelled with its model.
 [[nodiscard]] QStringList options(const Program& program, const models::Connection& connection);
 [[nodiscard]] QByteArray receivedImage(const Program& program, const QString& label = "unit");
 [[nodiscard]] QStringList journal(const Program& program, const QString& label = "unit");
-/// The last line of it: "closed" once the unit is given back; also of one that was never opened.
+/// The journal's last line: "closed" once the unit is released, even if it was never opened.
 [[nodiscard]] QString lastWord(const Program& program);
 
-/// The journal of a unit that got this image in the proper way and was closed when the program ended.
+/// The journal of a unit that received this image correctly and was closed when the program ended.
 [[nodiscard]] QStringList faultlessJournal(const QByteArray& image);
 
-/// The server offers the program this image for what is connected together.
+/// Makes the server offer this image to the program for the units that are connected together.
 Outcome offer(Program& program, UpdateServer& server, const models::Connection& connection,
               const QByteArray& image);
 
 /// Starts the program with a unit HB4 plugged in; `more` as for unitOptions().
 Outcome startWithUnit(Program& program, const QString& proxy, const QString& more = {});
 
-/// Connect, the box with this message, Ok. Without a message: that of a unit HB4.
+/// Presses Connect, waits for the box with this message and presses Ok. The default message is that of an
+/// HB4.
 Outcome connectUnit(Program& program, const QString& message = models::hb4.connected);
-/// The offer of 2.8 to a unit that shows as `version`, Yes, and the download until Update Device can be
-/// pressed.
+/// Waits for the offer of 2.8 to a unit shown as `version`, presses Yes, and waits for the download until
+/// Update Device is enabled.
 Outcome acceptOffer(Program& program, const QString& version = "2.3");
-/// Any offer to a unit HB4, and No.
+/// Waits for any offer to an HB4 and presses No.
 Outcome declineOffer(Program& program);
-/// Connect, the offer, Yes, the download, likewise.
+/// Connects the unit, accepts the offer and waits for the download, likewise.
 Outcome connectAndDownload(Program& program, const QString& message = models::hb4.connected);
-/// The same, and Update Device; and then the transfer, the installation under way. The server offers an image
-/// for HB4.
+/// Like connectAndDownload(), then press Update Device; streamImage() then waits for the transfer, and
+/// install() for the installation, to be under way. The server offers an image for an HB4.
 /// @{
 Outcome pressUpdate(Program& program);
 Outcome streamImage(Program& program);
 Outcome install(Program& program);
 /// @}
-/// Starts the program with a unit HB4 plugged in and connects it; a name server that never answers is asked.
+/// Starts the program with a unit HB4 plugged in and connects it, with a name server that never answers.
 Outcome lookHostUp(Program& program);
-/// Connects the unit, asks for its log and waits until `line` stands in its journal.
+/// Connects the unit, requests its log and waits until `line` appears in its journal.
 Outcome fetchLog(Program& program, const QString& line);
-/// The transfer under way, the installation under way: behind the press of Update Device.
+/// Wait until the transfer, or the installation, is under way; call after pressing Update Device.
 /// @{
 Outcome awaitStream(Program& program);
 Outcome awaitInstallation(Program& program);
 /// @}
-/// The finished installation as it is shown, its box, Ok, and the program's end.
+/// Checks how the finished installation is shown, presses Ok in its box and waits for the program to end.
 Outcome seeFinished(Program& program);
 
-/// Closes the window; the program ends at once, and well.
+/// Closes the window and checks that the program ends promptly and successfully.
 Outcome leave(Program& program);
 
-/// What the offer of `offeredVersion` to a unit that shows as `version` reads.
+/// The text of the offer of `offeredVersion` to a unit shown as `version`.
 [[nodiscard]] QString offerText(const QString& version = "2.3");
 
 /// The box that ends a successful update.
 [[nodiscard]] BoxText finishedBox();
-/// What all network problems read like.
+/// The box that is shown for every network problem.
 [[nodiscard]] BoxText networkProblemBox();
 
 } // namespace scenario

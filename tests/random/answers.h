@@ -4,5 +4,5 @@
 #include "tests/support/cataloguetext.h"
 #include "tests/support/rawserver.h"
 
-/// Gives the server the answers of this plan.
+/// Sets up the server with the plan's answers.
 void setAnswers(RawServer& server, const Plan& plan);

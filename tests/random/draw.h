@@ -7,7 +7,7 @@
 #include <random>
 #include <utility>
 
-/// Draws from a seed, alike with every C++ library (the standard distributions are not).
+/// Draws random values from a seed, identically with every C++ library (unlike the standard distributions).
 class Draw
 {
 public:
@@ -26,7 +26,7 @@ public:
         return values.begin()[below(static_cast<int>(values.size()))];
     }
 
-    /// One of the values, each as often as its weight says.
+    /// One of the values, each with a probability proportional to its weight.
     template<typename T> [[nodiscard]] T weighted(std::initializer_list<std::pair<T, int>> values)
     {
         int total = 0;

@@ -2,8 +2,8 @@
 
 #include "tests/random/run.h"
 
-/// Everything about this ending that must not be; empty: the run was good.
+/// Everything that is wrong with this ending; empty if the run was good.
 [[nodiscard]] QStringList violations(const Plan& plan, const Ending& ending);
 
-/// What became of the run, for the summary: "finished", "log complete", "network problem", ...
+/// The run's outcome for the summary: "finished", "log complete", "network problem", ...
 [[nodiscard]] QString outcomeOf(const Ending& ending);

@@ -5,23 +5,24 @@
 #include "tests/support/imagefiles.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
-/// What is left of a run once the program has ended, and what was seen of it before.
+/// What a run leaves behind once the program has ended, and what was observed before that.
 struct Ending
 {
     QStringList boxes; ///< as Boxes::lines()
-    QStringList wrong; ///< what the user saw that must not be
+    QStringList wrong; ///< violations that the user saw
     Observed last;
     bool endedByUser = false;
     int exitCode = 0;
     std::vector<virtualbus::UnitView> units;
     int openHandles = 0;
     int enumerationsNotFreed = 0;
-    QStringList asked; ///< the server's paths, one for each request
+    QStringList asked; ///< the requested paths, one per request
     ImageFiles before;
     ImageFiles after;
-    QList<QByteArray> logs; ///< contents of the log files beside the program
+    QList<QByteArray> logs; ///< contents of the log files in the program's directory
 };
 
-/// Runs the program once in this process, which can do no second run: it keeps state for its whole life.
-/// Files are put beside the executable. `verbose`: diagnostics and boxes go to stderr.
+/// Runs the program once in this process. A process can do only one run, because some state lasts for its
+/// lifetime. Files are placed in the executable's directory. `verbose` prints diagnostics and boxes to
+/// stderr.
 [[nodiscard]] Ending runOnce(const Plan& plan, bool verbose);

@@ -11,8 +11,8 @@
 #include <array>
 #include <map>
 
-/// The user of one run: does what the plan says, a turn every few milliseconds, by mouse and key as far as
-/// the window system lets them through, and looks before each turn whether what there is to see is right.
+/// The user of one run. Follows the plan, one turn every few milliseconds, with mouse and keyboard as far as
+/// the window system delivers the input, and checks what is visible before each turn.
 class User : public QObject
 {
 public:
@@ -20,10 +20,11 @@ public:
 
     void begin();
 
-    /// What the user saw that must not be.
+    /// What the user saw that must never happen.
     [[nodiscard]] const QStringList& violations() const { return wrong; }
     [[nodiscard]] const Observed& observed() const { return seen; }
-    /// Closed the window or ended the session; false: the program ended by itself, if at all.
+    /// True if the user closed the window or ended the session. False if the program ended by itself, or not
+    /// at all.
     [[nodiscard]] bool hasEndedIt() const { return endedIt; }
 
 private:
@@ -50,14 +51,14 @@ private:
     Boxes& boxes;
     std::map<Control, QPushButton*> buttons;
 
-    QStringList lines;    ///< of the boxes so far
-    std::size_t next = 0; ///< index of the turn to come
+    QStringList lines;    ///< boxes so far
+    std::size_t next = 0; ///< index of the next turn
     Observed seen;
     QStringList wrong;
     bool endedIt = false;
-    bool imageArrived = false; ///< seen whole on the disk
+    bool imageArrived = false; ///< seen complete on disk
     QStringList lastSight;
-    int turns = 0; ///< so far, those behind the last one of the plan too
+    int turns = 0; ///< so far, including those after the plan's last one
     int turnsSinceChange = 0;
-    int endingTurns = 0; ///< since the program ought to end
+    int endingTurns = 0; ///< since the program should have ended
 };

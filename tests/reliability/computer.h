@@ -1,24 +1,25 @@
 #pragma once
 
-/// What the computer under the program does to it. This process, Linux.
+/// What the computer does to the program. Affects this process only; Linux.
 namespace computer {
 
-/// The wall clock is set this many seconds forward, or back. Time that only runs forward is left alone.
+/// Sets the wall clock forward (or back, if negative) by this many seconds. Monotonic clocks are not
+/// affected.
 void setClock(long seconds);
 
-/// Sleeps for so long, as a laptop does: no thread of the process runs meanwhile.
+/// Suspends the whole process for this long, like a laptop going to sleep: none of its threads runs.
 void suspend(int ms);
 
-/// The process is gone at once.
+/// Kills the process immediately.
 void kill();
 
-/// The process is asked to end, as at a logout, and has not arranged for it: it is gone at once, too.
+/// Asks the process to end, as at a logout. With no handler installed, this kills it immediately, too.
 void endSession();
 
-/// No file grows beyond this size from now on: the disk is full.
+/// Simulates a full disk: from now on no file can grow beyond this size, in bytes.
 void fillDisk(unsigned long bytes);
 
-/// The program's directory takes no new file, and nothing in it can be renamed, also for root.
+/// Makes the program's directory read-only, even for root: no file can be created or renamed in it.
 void makeDirectoryReadOnly();
 
 } // namespace computer

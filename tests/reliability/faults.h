@@ -3,7 +3,7 @@
 #include "tests/reliability/journey.h"
 #include "tests/reliability/outcomes.h"
 
-/// A phase of a fault that another test tries, and what that test asserts.
+/// A phase of a fault that is covered by another test, and what that test asserts.
 struct ShownElsewhere
 {
     Phase phase;
@@ -11,20 +11,20 @@ struct ShownElsewhere
     const char* test; ///< "tst_program::function"
 };
 
-/// A fault and the phases in which it is tried.
+/// A fault and the phases in which it is tested.
 struct FaultRow
 {
-    const char* group; ///< who fails: "unit", "server", ...
+    const char* group; ///< what fails: "unit", "server", ...
     const char* name;
     const char* elsewhere; ///< why it cannot occur in the other phases
     std::vector<Cell> cells;
     std::vector<ShownElsewhere> shown = {};
 };
 
-/// What one fault comes to in the phases in which it is tried.
+/// The outcome of one fault in each phase in which it is tested.
 using ByPhase = std::vector<std::pair<Phase, Outcome>>;
 
-/// What comes of it when the program is told to end.
+/// The outcomes when the program is told to end.
 inline const ByPhase endsAtOnce{
     {Phase::search, outcome::closedBefore},         {Phase::catalogue, outcome::closedBefore},
     {Phase::changeLog, outcome::closedBefore},      {Phase::download, outcome::closedBefore},
@@ -33,13 +33,13 @@ inline const ByPhase endsAtOnce{
     {Phase::logParts, outcome::closedInLog},
 };
 
-/// More writes than any journey makes: all fail from then on (virtualbus::failNextWrites).
+/// More writes than any journey makes, so that all later writes fail (virtualbus::failNextWrites).
 inline constexpr int allWrites = 1000000000;
 
 /// Longer than any journey.
 inline constexpr virtualunit::Milliseconds anHourMs = 60 * 60 * 1000;
 
-/// Every fault that is tried, in the order of the document.
+/// Every fault that is tested, in the order of the document.
 [[nodiscard]] std::vector<FaultRow> allFaults();
 
 /// The rows of one group each.
@@ -52,13 +52,13 @@ inline constexpr virtualunit::Milliseconds anHourMs = 60 * 60 * 1000;
 [[nodiscard]] std::vector<FaultRow> computerFaults();
 /// @}
 
-/// A good unit, which tells everything once and at once, so that nothing it says is lost on a program that
-/// stands still for a while.
+/// A good unit that reports everything once and immediately, so that nothing is lost if the program stalls
+/// for a while.
 [[nodiscard]] virtualunit::Options goodUnit(UnitType type = UNIT_HB4);
 
-/// A good road to `phase` with such a unit. In the log's phases the unit has a log.
+/// A scenario that reaches `phase` without a fault, with such a unit. In the log phases the unit has a log.
 [[nodiscard]] Scenario roadTo(Phase phase);
 
-/// The same with a unit that would need an hour for what this phase awaits from it, and a long log: however
-/// late the fault comes, it is in time.
+/// Like roadTo(), but the unit would take an hour for what this phase waits for, and its log is long, so
+/// that the fault always comes in time.
 [[nodiscard]] Scenario longRoadTo(Phase phase);

@@ -18,7 +18,7 @@
 #include <memory>
 #include <vector>
 
-/// What the program goes through, in this order; an update up to `installation`, or the download of a log.
+/// The phases of a run, in order: an update up to `installation`, or the download of a log.
 enum class Phase {
     search,
     identification,
@@ -45,28 +45,27 @@ class Journey;
 struct Scenario
 {
     Phase phase = Phase::search;
-    bool fetchesLog = false; ///< the log's road instead of the update's
+    bool fetchesLog = false; ///< downloads the log instead of updating
     std::vector<virtualunit::Options> units;
-    QByteArray (*log)() = nullptr;            ///< of the first unit; none: it has none
-    QMap<QString, RawServer::Answer> answers; ///< in place of the good ones, by path
-    std::function<void()> beforeStart;        ///< done before the program starts
+    QByteArray (*log)() = nullptr;            ///< the first unit's log; nullptr: it has none
+    QMap<QString, RawServer::Answer> answers; ///< by path; they replace the good answers
+    std::function<void()> beforeStart;        ///< called before the program starts
     std::function<void(Journey&)> beforeConnect;
     std::function<void(Journey&)> beforeUpdate;
-    std::function<void(Journey&)> fault; ///< done once the phase is reached
+    std::function<void(Journey&)> fault; ///< called once the phase is reached
 };
 
-/// A scenario and what it must come to.
+/// A scenario and its expected outcome.
 struct Cell
 {
     Scenario scenario;
     Outcome expected;
-    QStringList complaints = {}; ///< of its units about the program, each once, sorted
+    QStringList complaints = {}; ///< its units' complaints about the program, without duplicates, sorted
 };
 
-/// A user with a plan in front of the program, in the program's own process: brings it to the phase, lets the
-/// fault happen there, goes on as anybody would, waits for what is expected, and then until nothing changes
-/// any more, notes what there is to be seen and closes the window. Tells standard output what it sees. GUI
-/// thread.
+/// A scripted user in the program's own process. Brings the program to the phase, triggers the fault there,
+/// carries on as anybody would, waits for the expected outcome and then until nothing changes any more,
+/// notes what is visible and closes the window. Writes what it sees to standard output. GUI thread.
 class Journey : public QObject
 {
 public:
@@ -76,14 +75,15 @@ public:
     RawServer server;
     Boxes boxes;
 
-    /// Presses every control that is to be seen, twice, and the log's key.
+    /// Presses every visible control twice, and the log key.
     void pressEverything();
 
-    /// Boxes stay open for so long from now on.
+    /// Leaves boxes open for this long from now on.
     void leaveBoxesOpen(int ms);
 
 private:
-    /// Outside the clock's own slot: it must go on while a box that this opens stands.
+    /// Runs `act` outside the clock's slot, so that the clock keeps running while a box opened by it is
+    /// open.
     static void later(const std::function<void()>& act);
 
     void listenToTheProgram();

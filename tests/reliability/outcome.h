@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// The words for what becomes of the unit, of the files and of the program.
+/// Descriptions of what happens to the unit, the files and the program.
 /// @{
 namespace unitword {
 inline constexpr auto updated = "the unit has the new firmware";
@@ -33,11 +33,11 @@ inline constexpr auto gone = "the program has been killed";
 } // namespace endword
 /// @}
 
-/// What a user sees and keeps when a journey is over.
+/// What a user sees, and is left with, when a journey is over.
 struct Outcome
 {
-    QStringList boxes; ///< their texts, each once, without what belongs to a good road
-    QString unit;      ///< empty: nobody meant to update one, or nobody was left to say
+    QStringList boxes; ///< their texts, without duplicates and without the boxes of a good run
+    QString unit;      ///< empty: no update was intended, or the program did not live to report it
     QString disk;
     QString end;
 

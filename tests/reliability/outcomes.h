@@ -3,16 +3,16 @@
 #include "tests/reliability/outcome.h"
 #include "tests/support/boxlines.h"
 
-/// The outcomes that the journeys are expected to have.
+/// The expected outcomes of the journeys.
 namespace outcome {
 
-/// The text alone of a line of Boxes::lines(), with what stands below it in the box.
+/// The text part of a line from Boxes::lines(), including what the box shows below it.
 [[nodiscard]] inline QStringList box(const QString& line)
 {
     return {line.section('|', 2, 2).simplified()};
 }
 
-/// The unit's update: it comes to its good end, or it is told why not, or it never comes to an end.
+/// The unit's update succeeds, fails with an explanation, or never ends.
 /// @{
 inline const Outcome updated{box(boxline::finished), unitword::updated, diskword::newImage, endword::ends};
 inline const Outcome keepsFirmware{{}, unitword::notUpdated, diskword::newImage, endword::waits};
@@ -32,7 +32,7 @@ inline const Outcome oneDeckRejected{box(boxline::rejected), unitword::oneDeckUp
                                      endword::waits};
 /// @}
 
-/// It does not come to an update.
+/// No update takes place.
 /// @{
 inline const Outcome notFound{box(boxline::notFound), unitword::untouched, diskword::oldImage,
                               endword::waits};
@@ -43,7 +43,7 @@ inline const Outcome damaged{box(boxline::damagedImage), unitword::untouched, di
 inline const Outcome declined{{}, unitword::untouched, diskword::oldImage, endword::waits};
 /// @}
 
-/// The image's file is another than usual.
+/// The image file differs from the usual one.
 /// @{
 inline const Outcome notSaved{box(boxline::notSaved), unitword::untouched, diskword::oldImage, endword::ends};
 inline const Outcome notSavedBackup{box(boxline::notSaved), unitword::untouched, diskword::onlyBackup,
@@ -55,7 +55,7 @@ inline const Outcome updatedByCutImage{box(boxline::finished), unitword::updated
                                        endword::ends};
 /// @}
 
-/// The unit's log: told to be complete, or never.
+/// The unit's log is reported as complete, or never finishes.
 /// @{
 inline const Outcome wholeLog{box(boxline::logComplete), {}, diskword::wholeLog, endword::ends};
 inline const Outcome cutLog{box(boxline::logComplete), {}, diskword::cutLog, endword::ends};
@@ -66,7 +66,7 @@ inline const Outcome awaitsHeader{{}, {}, diskword::emptyLog, endword::waits};
 inline const Outcome awaitsPart{{}, {}, diskword::cutLog, endword::waits};
 /// @}
 
-/// The user, or the system, ends the program in mid work.
+/// The user, or the system, ends the program while it is working.
 /// @{
 inline const Outcome closedBefore{{}, unitword::untouched, diskword::oldImage, endword::ends};
 inline const Outcome closedInUpdate{{}, unitword::notUpdated, diskword::newImage, endword::ends};

@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-/// One journey, in a process and a directory of its own.
+/// One journey, in its own process and directory.
 class Traveller
 {
 public:
@@ -23,17 +23,17 @@ public:
     [[nodiscard]] bool crashed() const { return process.exitStatus() == QProcess::CrashExit; }
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
 
-    /// The lines that begin with this word, without it.
+    /// The output lines that begin with this word, with the word removed.
     [[nodiscard]] QStringList said(const QString& word) const;
     [[nodiscard]] QString errorOutput() const { return QString::fromLocal8Bit(errors); }
 
-    /// How long the program took from the first word of its end to the process's, in ms: what it computed and
-    /// what it waited, but not what it was kept waiting for by a busy machine.
+    /// How long the program took from the first report of its end until the process ended, in ms: computing
+    /// and waiting, but not time lost to a busy machine.
     [[nodiscard]] qint64 endingMs() const { return computedMs + restingTicks * tickMs; }
 
     [[nodiscard]] QString path() const { return directory.path(); }
 
-    /// What a file in its directory holds; null if there is none. A pattern finds the first that fits.
+    /// The content of a file in its directory; null if there is none. A pattern selects the first match.
     [[nodiscard]] QByteArray file(const QString& pattern) const;
 
 private:
@@ -44,15 +44,15 @@ private:
 
     QTemporaryDir directory;
     QProcess process;
-    QTimer endWatch; ///< runs from the first word of the end
+    QTimer endWatch; ///< runs from the first report of the end
     QByteArray output;
     QByteArray errors;
-    std::optional<std::chrono::milliseconds> computedBefore; ///< the end
+    std::optional<std::chrono::milliseconds> computedBefore; ///< before the end
     qint64 computedMs = 0;
     qint64 restingTicks = 0;
 };
 
-/// Journeys under way side by side: a few, as most of their time is waiting.
+/// Runs a few journeys in parallel, as they spend most of their time waiting.
 class Travellers
 {
 public:
@@ -60,8 +60,8 @@ public:
 
     void plan(const QStringList& arguments) { plans.push_back(arguments); }
 
-    /// Starts the planned journeys up to this one and some more. Each is asked for once; the caller awaits
-    /// its end.
+    /// Starts the planned journeys up to this one and a few more. Take each journey once; the caller waits
+    /// for its end.
     [[nodiscard]] std::unique_ptr<Traveller> take(std::size_t number);
 
 private:

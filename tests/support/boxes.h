@@ -11,14 +11,14 @@
 #include <functional>
 #include <vector>
 
-/// A box that came up.
+/// A box that was shown.
 struct SeenBox : BoxText
 {
     bool hasParent = false;
 };
 
-/// The user in front of message boxes: notes each one that opens and answers it, so that no box ever holds a
-/// test up. GUI thread.
+/// Handles message boxes as a user would: records and answers each one that opens, so that no box blocks a
+/// test. GUI thread.
 class Boxes : public QObject
 {
 public:
@@ -27,12 +27,12 @@ public:
     /// Called once for each box, while it is open and before it is answered. May run the event loop.
     std::function<void(QMessageBox&)> whileOpen;
 
-    /// How a box is answered; at first: its default button is clicked.
+    /// Sets how boxes are answered; initially their default button is clicked.
     void answerWith(QMessageBox::StandardButton button);
     void answerWithEscape();
     void leaveOpen(); ///< boxes stay until dismissTop() or another way of answering
 
-    /// Clicks the default button of the box on top, if there is one.
+    /// Clicks the top box's default button, if there is a box.
     void dismissTop();
 
     [[nodiscard]] int openCount() const;
@@ -40,14 +40,14 @@ public:
     [[nodiscard]] QStringList lines() const; ///< BoxText::line() of each box so far, in the order they opened
 
 protected:
-    bool eventFilter(QObject* object, QEvent* event) override; ///< sees every box come up
+    bool eventFilter(QObject* object, QEvent* event) override; ///< sees every box open
 
 private:
     struct Opened
     {
         QPointer<QMessageBox> box;
-        bool lookedAt = false; ///< whileOpen was called for it
-        bool isBusy = false;   ///< whileOpen runs for it
+        bool lookedAt = false; ///< whileOpen has been called for it
+        bool isBusy = false;   ///< whileOpen is running for it
     };
     void look();
     [[nodiscard]] Opened* find(const QMessageBox* box);

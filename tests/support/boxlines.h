@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-/// The boxes that an update or a log can bring up, as Boxes::lines() gives them.
+/// The boxes that an update or a log download can show, as Boxes::lines() returns them.
 namespace boxline {
 
 inline const QString notFound = errorBox(text::notFound).line();
@@ -28,7 +28,7 @@ inline const QString notSaved = errorBox(QString(text::savingProblem) + '\n' + t
 inline const QString damagedImage =
     errorBox(QString(text::damagedImage) + '\n' + text::nothingChanged).line();
 
-/// A unit is connected by itself, or together with its twin.
+/// The box for a unit connected by itself, or together with its twin.
 /// @{
 [[nodiscard]] inline QString connected(UnitType type)
 {
@@ -40,7 +40,7 @@ inline const QString damagedImage =
 }
 /// @}
 
-/// How many of them end the program.
+/// How many of these boxes end the program.
 [[nodiscard]] inline qsizetype closing(const QStringList& lines)
 {
     const QStringList all{finished, logComplete, handOver, noInternet, notSaved, damagedImage};

@@ -10,10 +10,10 @@ struct BoxText
     QString title;
     QString text;
     QString informative;
-    QString detailed;      ///< behind "Show Details..."
+    QString detailed;      ///< shown by "Show Details..."
     QString icon;          ///< "Information", "Critical" or "NoIcon"
-    QStringList buttons;   ///< "Ok", "Yes", "No"; the label of a button that is no standard one
-    QString defaultButton; ///< "": none was set
+    QStringList buttons;   ///< "Ok", "Yes", "No"; the label of a non-standard button
+    QString defaultButton; ///< empty: none was set
 
     bool operator==(const BoxText&) const = default;
 

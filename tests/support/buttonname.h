@@ -4,7 +4,7 @@
 #include <QMetaEnum>
 #include <QPushButton>
 
-/// "Ok", "Yes", ... of a standard button, the label of any other, "" of none.
+/// "Ok", "Yes", ... for a standard button, the label of any other, "" for nullptr.
 [[nodiscard]] inline QString nameOf(const QMessageBox& box, QAbstractButton* button)
 {
     if (button == nullptr)

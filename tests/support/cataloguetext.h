@@ -3,8 +3,8 @@
 #include <QMap>
 #include <QString>
 
-/// The paths of a test's update server: the catalogue's, where the program looks for it, and those that a
-/// good catalogue for a unit HB4 tells.
+/// The paths on a test's update server: the one where the program looks for the catalogue, and those named
+/// by a good catalogue for an HB4.
 inline constexpr auto cataloguePath = "/wp-content/uploads/versions.txt";
 inline constexpr auto changeLogPath = "/logs/HB4.txt";
 inline constexpr auto mainChangeLogPath = "/logs/updater.txt";
@@ -13,8 +13,8 @@ inline constexpr auto imagePath = "/bin/HB4.sb";
 /// A catalogue's values by their keys.
 using CatalogueEntries = QMap<QString, QString>;
 
-/// A catalogue that offers this image (addresses) for the models of one key stem, and an updater that is
-/// current.
+/// A catalogue that offers this image for the models of one key stem, and an up-to-date updater. `image` and
+/// `changeLog` are addresses.
 [[nodiscard]] inline CatalogueEntries catalogueEntries(const QString& stem, const QString& version,
                                                        const QString& image, const QString& changeLog)
 {
@@ -28,7 +28,7 @@ using CatalogueEntries = QMap<QString, QString>;
     };
 }
 
-/// What a server sends; an entry with a null value is left out.
+/// The catalogue as a server sends it; entries with a null value are left out.
 [[nodiscard]] inline QByteArray catalogueText(const CatalogueEntries& entries, const QString& lineEnd = "\n")
 {
     QString text;

@@ -4,8 +4,8 @@
 
 #include <sys/resource.h>
 
-/// While it lives, no file of this process grows beyond this many bytes (Linux): a write stops short there,
-/// as on a full disk, the next one fails.
+/// While this object lives, no file of this process can grow beyond this many bytes (Linux). As on a full
+/// disk, a write is cut short at the limit and the next one fails.
 class FileSizeLimit
 {
 public:

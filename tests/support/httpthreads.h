@@ -4,8 +4,8 @@
 #include <QFile>
 #include <QStringList>
 
-/// The process's threads in which Qt's HTTP client runs (Linux). One that has ended may be seen for another
-/// moment.
+/// The number of threads in this process that run Qt's HTTP client (Linux). A thread that has just ended may
+/// still be counted briefly.
 [[nodiscard]] inline int httpThreads()
 {
     int count = 0;

@@ -3,21 +3,21 @@
 #include <QByteArray>
 #include <QString>
 
-/// The firmware image on disk with its two companions. A null content stands for: there is no such file.
+/// The firmware image on disk and its two companion files. Null content means that the file does not exist.
 struct ImageFiles
 {
     QByteArray image;
     QByteArray download; ///< ".upd"
     QByteArray backup;   ///< ".bkp"
 
-    /// What lies there now.
+    /// The files that currently exist.
     [[nodiscard]] static ImageFiles at(const QString& imageName);
 
-    /// Makes it be these files and no others; a folder under one of the names goes too. False if it cannot.
+    /// Makes exactly these files exist, also removing a folder that has one of the names. False on failure.
     [[nodiscard]] bool placeAt(const QString& imageName) const;
 
     bool operator==(const ImageFiles& other) const;
 };
 
-/// For a failed test's reader: lengths and beginnings. The caller deletes the text.
+/// For the message of a failed test: lengths and first bytes. The caller must delete[] the text.
 char* toString(const ImageFiles& files);

@@ -18,8 +18,8 @@ class LogDownloader;
 class MainWindow;
 class UpdateChecker;
 
-/// What the program's objects keep to themselves: for a test that begins in the midst of something, or looks
-/// at what no control, signal, file or wire shows. Only inside.cpp is built to see it.
+/// The private state of the program's objects, for tests that start in the middle of an operation or check
+/// what no control, signal, file or report shows. Only inside.cpp is compiled with access to it.
 namespace inside {
 
 struct Window
@@ -50,8 +50,8 @@ struct Window
 };
 [[nodiscard]] Window of(MainWindow& window);
 
-/// What the search does with a record: the result as it was, or 0 for a unit that is open, 1 for one that is
-/// not.
+/// Handles a record as the search does: leaves the result unchanged, or sets it to 0 if the unit was opened
+/// and to 1 if it was not.
 void findDevice(MainWindow& window, hid_device_info* record, int& result);
 
 struct Checker
@@ -88,7 +88,7 @@ struct Downloader
 };
 [[nodiscard]] Downloader of(LogDownloader& downloader);
 
-/// As a start of the program at this moment does. False: no name was free.
+/// Claims a log file as the program does when started at this time. False if no file name was free.
 [[nodiscard]] bool claimFile(LogDownloader& downloader, const QDateTime& start);
 
 } // namespace inside

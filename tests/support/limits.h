@@ -6,29 +6,29 @@
 
 namespace limits {
 
-/// What slows a whole run down makes its waits longer by this factor: TALVEX_TEST_PATIENCE in the
-/// environment, for Valgrind or an emulated guest; otherwise 1.
+/// The factor by which all waits are lengthened when the whole run is slow, as under Valgrind or in an
+/// emulated guest: TALVEX_TEST_PATIENCE in the environment; 1 by default.
 [[nodiscard]] inline double patience()
 {
     static const double factor = qEnvironmentVariable("TALVEX_TEST_PATIENCE", "1").toDouble();
     return factor;
 }
 
-/// How long a test waits for what must come before it says that it never does. A wait ends when that has
-/// come, so this is for hangs alone and minutes long: no machine is too slow for it. The build tells it
-/// (tests/CMakeLists.txt), as it knows of sanitizers.
+/// How long a test waits for an expected event before it fails. A wait ends as soon as the event occurs, so
+/// this limit only catches hangs; it is minutes long, so that no machine is too slow for it. The build sets
+/// it (tests/CMakeLists.txt), because it depends on sanitizers.
 [[nodiscard]] inline std::chrono::milliseconds hang()
 {
     return std::chrono::milliseconds(static_cast<qint64>(1000 * TALVEX_HANG_LIMIT_S * patience()));
 }
 
-/// The same for Qt's functions.
+/// hang() as a number of ms, for Qt's functions.
 [[nodiscard]] inline int hangMs()
 {
     return static_cast<int>(hang().count());
 }
 
-/// A time in ms that something is given to happen unseen.
+/// A time in ms allowed for something that cannot be observed.
 [[nodiscard]] inline int lengthened(int ms)
 {
     return static_cast<int>(ms * patience());

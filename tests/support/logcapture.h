@@ -6,14 +6,15 @@
 
 #include <functional>
 
-/// Takes the diagnostics of the whole process while it lives; the handler before it is put back then.
-/// One at a time. Lines are kept without the system's error text that qErrnoWarning appends in brackets.
+/// Captures the diagnostics of the whole process while it lives, and restores the previous handler
+/// afterwards. Only one may exist at a time. Lines are stored without the system's error text that
+/// qErrnoWarning appends in brackets.
 class LogCapture
 {
 public:
     using Listener = std::function<void(const QString& line)>;
 
-    /// `listener` is told each line as it comes, on the thread that writes it.
+    /// `listener` is called with each line as it is written, on the thread that writes it.
     explicit LogCapture(Listener listener = {});
     ~LogCapture();
     Q_DISABLE_COPY_MOVE(LogCapture)

@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-/// A private message bus with Debian's mock of logind (python3-dbusmock) on it, which this process takes for
-/// the system bus. Ends both with itself.
+/// A private message bus with Debian's mock of logind (python3-dbusmock) on it, used by this process as its
+/// system bus. Stops both in its destructor.
 class MockLogind
 {
 public:
@@ -14,10 +14,12 @@ public:
     MockLogind(const MockLogind&) = delete;
     MockLogind& operator=(const MockLogind&) = delete;
 
-    /// False: the packages dbus and python3-dbusmock are missing, or did not start within 20 s.
+    /// False if the packages dbus and python3-dbusmock are missing or their programs did not start within 20
+    /// s.
     [[nodiscard]] bool isReady() const { return ready; }
 
-    /// Where the system bus of this process is, also without a mock: libdbus asks the environment only once.
+    /// The path of this process's system bus, needed even without a mock, because libdbus reads the
+    /// environment only once.
     [[nodiscard]] static QString busPath();
 
     /// "what|who|why|mode" of each inhibitor lock in force.

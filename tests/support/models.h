@@ -10,12 +10,11 @@
 
 Q_DECLARE_METATYPE(UnitType)
 
-/// What a user, a server and a unit know each model by: the one list in the tests, written down from them and
-/// not from the program's own. Whatever goes through all models takes them from here; a new model is one
-/// line.
+/// How users, servers and units identify each model: the tests' only list, written independently of the
+/// program's own. Tests that cover all models iterate over this list; a new model takes one line.
 namespace models {
 
-/// Where a family of models keeps things.
+/// The report layout of each family of models.
 inline constexpr ReportLayout older{0, 5};
 inline constexpr ReportLayout players{60, 1};
 
@@ -24,14 +23,14 @@ struct Model
     UnitType type;
     const char* option; ///< its name in the options of a virtual unit
     int productId;
-    std::array<const char*, 2> names; ///< its USB product strings; two: sibling models; none: of its own
+    std::array<const char*, 2> names; ///< its USB product strings: none, one, or two (sibling models)
     int versionByte;                  ///< index of the firmware version in a 64-byte input report
     ReportLayout layout;
-    const char* stem;      ///< beginning of its keys in the catalogue
+    const char* stem;      ///< prefix of its keys in the catalogue
     const char* connected; ///< the box's text
     const char* pair;      ///< the same for a deck and its twin; nullptr: not a deck
 
-    /// The product string of a virtual unit. Two mixers have none of their own, and carry the first model's.
+    /// The product string of a virtual unit. Two mixers have none of their own, and use the first model's.
     [[nodiscard]] constexpr const char* product() const { return names[0] != nullptr ? names[0] : "HB4"; }
 
     [[nodiscard]] constexpr bool isDeck() const { return pair != nullptr; }
@@ -73,7 +72,7 @@ static_assert(
     }(),
     "the list is indexed by UnitType");
 
-inline constexpr int count = static_cast<int>(all.size()); ///< and the first number behind the models
+inline constexpr int count = static_cast<int>(all.size()); ///< and the first number past the models
 
 [[nodiscard]] constexpr const Model& of(int type)
 {
@@ -96,7 +95,7 @@ struct Connection
     }
 };
 
-/// Every one of these, the single units first.
+/// All connections, single units first.
 [[nodiscard]] inline QList<Connection> connections()
 {
     const QByteArray leftSide = "-left";

@@ -1,7 +1,7 @@
 #pragma once
 
-// Included into every QtTest program by the build, in front of all else: Qt's own macros wait for 5 s, and
-// its watchdog ends a row after 5 min (patience.cpp).
+// The build includes this first in every QtTest program, because Qt's own macros wait only 5 s and its
+// watchdog kills a row after 5 min (patience.cpp).
 
 #include "tests/support/limits.h"
 

@@ -14,24 +14,24 @@
 class QTcpServer;
 class QTcpSocket;
 
-/// An HTTP server on loopback that sends exactly the bytes it is told to, faults included; it takes the
-/// requests of a client that uses it as its HTTP proxy just as well. Lives on the thread of its tests.
+/// An HTTP server on loopback that sends exactly the bytes it is told to send, including faulty ones. It
+/// also accepts requests from clients that use it as an HTTP proxy. Lives on the test's thread.
 class RawServer : public QObject
 {
 public:
     enum class End {
-        keepOpen, ///< the connection takes the next request
+        keepOpen, ///< the connection accepts the next request
         close,
         reset,
     };
 
-    /// What one request is answered with.
+    /// The answer to one request.
     struct Answer
     {
-        QByteArrayList pieces; ///< each is one write, the next follows a turn of the event loop later
+        QByteArrayList pieces; ///< each is one write; the next follows in a later turn of the event loop
         End end = End::close;
-        bool stepwise = false; ///< every piece behind the first waits for a call of goOn()
-        bool endless = false;  ///< the last piece again and again, until the client goes or 1 GiB is sent
+        bool stepwise = false; ///< every piece after the first waits for a call to goOn()
+        bool endless = false;  ///< repeats the last piece until the client disconnects or 1 GiB is sent
     };
 
     /// With a certificate the server speaks TLS.
@@ -39,20 +39,20 @@ public:
     ~RawServer() override;
 
     [[nodiscard]] quint16 port() const { return ownPort; }
-    /// From now on connections to the port are refused.
+    /// Makes the port refuse connections from now on.
     void stopListening();
 
-    /// "http://127.0.0.1:PORT" or "https://...", with the path behind it.
+    /// "http://127.0.0.1:PORT" or "https://...", followed by the path.
     [[nodiscard]] QString address(const QString& path) const;
 
-    /// Every request for this path from now on; other paths are answered with status 404.
+    /// Sets the answer to every request for this path from now on; other paths are answered with status 404.
     void setAnswer(const QString& path, const Answer& answer);
     void goOn();
 
     /// Forgets answers and requests, and closes every connection.
     void clear();
 
-    /// Request heads byte for byte, in the order of their arrival.
+    /// Request heads, byte for byte, in order of arrival.
     [[nodiscard]] const QByteArrayList& requests() const { return heads; }
     /// The same requests' paths, without scheme and host.
     [[nodiscard]] QStringList paths() const;
@@ -74,30 +74,31 @@ private:
     qint64 sent = 0;
 };
 
-/// Status line and headers, each without its line end, and the empty line behind them.
+/// Status line and headers, with line ends added, and the empty line after them. `lines` come without line
+/// ends.
 [[nodiscard]] QByteArray httpHead(const QByteArrayList& lines);
 
-/// A whole answer: this status ("200 OK"), the body's true length, further header lines, the body.
+/// A complete answer: this status ("200 OK"), the body's true length, further header lines and the body.
 [[nodiscard]] QByteArray httpAnswer(const QByteArray& status, const QByteArray& body,
                                     const QByteArrayList& furtherHeaders = {});
 
 /// Status 200 with this body, in one piece; the connection stays open.
 [[nodiscard]] RawServer::Answer ok(const QByteArray& body, const QByteArrayList& furtherHeaders = {});
 
-/// Status 200 and a body whose length is said to be `length`, whatever it is.
+/// Status 200 and a body declared as `length` bytes long, whatever its true length.
 [[nodiscard]] QByteArray announced(qsizetype length, const QByteArray& body);
 
-/// Status 200 and a body of which neither length nor end is told.
+/// Status 200 and a body with neither a length nor an end marker.
 [[nodiscard]] QByteArray unannounced(const QByteArray& body);
 
-/// Status 200 and the body in chunks of so many bytes.
+/// Status 200 and the body in chunks of this many bytes.
 [[nodiscard]] QByteArray inChunks(const QByteArray& body, int chunkSize);
 
-/// The request is taken, nothing comes.
+/// Accepts the request and sends nothing.
 [[nodiscard]] RawServer::Answer silence();
 
-/// This piece for ever.
+/// Sends this piece over and over.
 [[nodiscard]] RawServer::Answer endless(const QByteArray& piece);
 
-/// Every byte by itself.
+/// Each byte as a separate piece.
 [[nodiscard]] QByteArrayList drops(const QByteArray& bytes);

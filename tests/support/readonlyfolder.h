@@ -10,8 +10,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-/// While it lives, a folder of this user's takes no new file, and nothing in it can be renamed or removed
-/// (Linux): also when root asks, on the thread that made this and those that it starts.
+/// While this object lives, no file can be created, renamed or removed in a folder of this user (Linux).
+/// This holds for root, too, on the thread that created the object and on threads started from it.
 class ReadOnlyFolder
 {
 public:

@@ -15,17 +15,17 @@
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// A unit on the virtual bus that says what a test tells it to say, and nothing by itself. What is written to
-/// it is taken; the bus keeps the bytes. What is public here is touched under the bus's lock once the unit is
-/// plugged in.
+/// A unit on the virtual bus that sends only what a test tells it to send. It accepts everything written to
+/// it; the bus records the bytes. Once the unit is plugged in, its public members may only be accessed under
+/// the bus's lock.
 class ScriptedUnit : public virtualbus::Device
 {
 public:
-    /// Output report n is answered with group n, and those behind the last not at all.
+    /// Output report n is answered with group n; reports after the last group are not answered.
     using Answers = std::vector<std::vector<QByteArray>>;
     explicit ScriptedUnit(const Answers& script = {}) : answers(script.begin(), script.end()) {}
 
-    /// Plugs in a unit of this model, listed with its own product string, or with the one given.
+    /// Plugs in a unit of this model, listed with the model's product string, or with the given one.
     [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugIn(UnitType type);
     [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugIn(UnitType type,
                                                               std::optional<std::string> product);
@@ -33,23 +33,23 @@ public:
     /// The same, listed without a path to open it by.
     [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugInWithoutPath(UnitType type);
 
-    /// Plugs this one in.
+    /// Plugs in an existing unit.
     static void plugIn(const std::shared_ptr<ScriptedUnit>& unit, UnitType type);
 
-    /// Queues an input report of 0 to 64 bytes. What is said before the unit is opened waits for the opening.
-    /// Takes the bus's lock.
+    /// Queues an input report of 0 to 64 bytes. A report queued before the unit is opened is kept until
+    /// then. Takes the bus's lock.
     void say(const Bytes& report);
 
-    /// Says an input report of 64 bytes whose status byte is `status`; everything else is zero.
+    /// Queues an input report of 64 bytes whose status byte is `status`; all other bytes are zero.
     void sayStatus(std::uint8_t status);
 
-    /// A handle of it. Ends the test where there is none.
+    /// Opens the unit and returns its handle. Aborts the test program if that fails.
     [[nodiscard]] hid_device* opened() const;
 
     [[nodiscard]] std::string path() const { return "virtual:" + std::to_string(number); }
 
-    /// A call of another thread has come here and waits for something to change: it keeps the bus's lock till
-    /// then.
+    /// True if a call from another thread has reached this unit and is waiting for a change; it holds the
+    /// bus's lock until then.
     [[nodiscard]] bool keepsSomebodyWaiting() const;
 
     bool open(virtualbus::Milliseconds) override { return true; }
@@ -58,15 +58,15 @@ public:
                                             virtualbus::Milliseconds) override;
     std::optional<Bytes> takeInput(virtualbus::Milliseconds) override;
 
-    /// Makes an input report of 64 bytes, padded with 0, due.
+    /// Queues an input report, padded with zeros to 64 bytes.
     void reply(const QByteArray& report);
 
     int number = 0; ///< on the bus
     ReportLayout layout{};
-    std::deque<Bytes> input; ///< reports that are due
+    std::deque<Bytes> input; ///< queued reports
     std::vector<Bytes> written;
-    QByteArray saysForEver;                      ///< said whenever there is nothing else to say
-    std::function<void()> whenScriptIsOver;      ///< called at each output report behind the answers
+    QByteArray saysForEver;                      ///< sent whenever nothing else is queued
+    std::function<void()> whenScriptIsOver;      ///< called for each output report after the last answer
     virtualunit::VirtualUnit::Receipt receipt{}; ///< of every write
     int closings = 0;
 
@@ -75,14 +75,15 @@ private:
                        const virtualbus::DeviceRecord& record);
 
     std::deque<std::vector<QByteArray>> answers;
-    int asks = 0; ///< for input
+    int asks = 0; ///< requests for input so far
     bool saidOne = false;
 };
 
-/// A report as a unit sends it by itself: both places where a model may keep its version are told apart.
+/// A report as a unit sends it unprompted, with different values at the two offsets where a model may report
+/// its version.
 [[nodiscard]] Bytes firstReport(std::uint8_t byte62, std::uint8_t byte63);
 
-/// The hidapi calls but for those of the search, each as one line.
+/// The hidapi calls, except those of the search, one line each.
 [[nodiscard]] QStringList callsToUnits();
 
 [[nodiscard]] inline Bytes bytesOf(const QByteArray& bytes)

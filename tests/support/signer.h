@@ -30,13 +30,13 @@ private:
     QString key;
 };
 
-/// The same signature file with these decoded bytes in its line 2 (`line` = 1) or line 4 (3), or with this
-/// text as its line.
+/// The signature file with line 2 (`line` = 1) or line 4 (`line` = 3) replaced by these bytes, encoded, or
+/// by this text.
 /// @{
 [[nodiscard]] QByteArray withDecodedLine(const QByteArray& file, int line, const QByteArray& bytes);
 [[nodiscard]] QByteArray withLine(const QByteArray& file, int line, const QByteArray& text);
 /// @}
 [[nodiscard]] QByteArray decodedLine(const QByteArray& file, int line);
 
-/// The bytes with one bit flipped; bit 0 is the lowest of the first byte.
+/// The bytes with one bit flipped; bit 0 is the lowest bit of the first byte.
 [[nodiscard]] QByteArray withBitFlipped(QByteArray bytes, int bit);

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QTcpServer>
 
-/// A server on loopback that takes connections and never answers.
+/// A server on loopback that accepts connections and never answers.
 class SilentServer : public QTcpServer
 {
 public:

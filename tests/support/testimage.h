@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-/// Bytes that are never zero and differ from packet to packet.
+/// An image of nonzero bytes that differ from packet to packet.
 [[nodiscard]] inline QByteArray imageOf(int size)
 {
     QByteArray image(size, '\0');

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-/// Stands in for a catalogue key that is built in: tests that link this run the program as built with a key.
+/// Replaces the built-in catalogue key: tests that link this run the program as if it was built with a key.
 namespace testkey {
 
 void set(const QByteArray& publicKey);

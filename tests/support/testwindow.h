@@ -14,9 +14,9 @@
 #include <functional>
 #include <memory>
 
-/// The main window as a user meets it, shown, with that user in front of its boxes. Begins on an empty
-/// virtual bus, in a clean program directory and with the state that is kept once for the whole program as at
-/// its start; ends what the window leaves to the program's end. One at a time.
+/// The main window, shown, with `boxes` handling its message boxes as a user would. Starts with an empty
+/// virtual bus, a clean program directory and the program's global state as at its start; cleans up what the
+/// window leaves until the program ends. Only one may exist at a time.
 class TestWindow
 {
 public:
@@ -29,17 +29,17 @@ public:
     MainWindow& operator*() const { return *window; }
     [[nodiscard]] UpdateChecker& checker() const { return *window->leftovers().checker; }
     [[nodiscard]] LogDownloader& downloader() const { return state().logDownloader; }
-    /// What the window keeps to itself.
+    /// The window's private state.
     [[nodiscard]] inside::Window state() const { return inside::of(*window); }
 
     [[nodiscard]] QPushButton& button(const char* name) const { return child<QPushButton>(name); }
     [[nodiscard]] QLabel& label(const char* name) const { return child<QLabel>(name); }
     [[nodiscard]] QProgressBar& bar(const char* name) const { return child<QProgressBar>(name); }
 
-    /// A click of the mouse on it.
+    /// Clicks the button with the mouse.
     void press(const char* name) const { QTest::mouseClick(&button(name), Qt::LeftButton); }
 
-    /// Connect; the search gives back all that it asked the HID library for.
+    /// Presses Connect and checks that the search freed everything that it got from the HID library.
     void pressConnect() const
     {
         press("connect_button");
@@ -63,19 +63,20 @@ private:
     std::unique_ptr<MainWindow> window;
 };
 
-/// A file beside the program; of an earlier one nothing is left.
+/// Creates a file in the program's directory, replacing any earlier one.
 void placeFile(const QString& name, const QByteArray& content);
 
-/// A firmware file placed by hand: with it, connecting a unit asks no server and enables Update Device.
+/// Creates a service file, as a user would place it by hand: connecting a unit then contacts no server and
+/// enables Update Device.
 void placeServiceFile(const QByteArray& image = "image");
 
-/// The test fails unless a diagnostic line that begins so is written from now on; the system's error text
-/// that follows in it does not count.
+/// Makes the test fail unless a diagnostic line with this beginning is written from now on; the system's
+/// error text that follows is ignored.
 void expectDiagnostic(const QString& beginning);
 
-/// Runs the program's event loop, with `act` in it. True if the program quits, with exit code 0.
+/// Calls `act` in the program's event loop. True if the program quits with exit code 0.
 [[nodiscard]] bool quits(const std::function<void()>& act);
 
-/// Runs the program's event loop, with `act` in it, until `isReached` holds, and some ticks of 1 ms more.
-/// True if the program has not quit by then.
+/// Calls `act` in the program's event loop, which runs until `isReached` holds and for some more ticks of 1
+/// ms. True if the program has not quit by then.
 [[nodiscard]] bool runsOn(const std::function<void()>& act, const std::function<bool()>& isReached);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Every text of the program that a test expects, written down from what a user reads and not from the
-/// program's own. What names a model stands in models.h.
+/// Every program text that a test expects, written from what a user reads, independently of the program's
+/// own constants. Texts that name a model are in models.h.
 namespace text {
 
 // the labels above the bars
@@ -54,7 +54,7 @@ inline constexpr auto logComplete = "Download log file is complete.\nYou can fin
 
 } // namespace text
 
-/// The files beside the program.
+/// The files in the program's directory.
 namespace filename {
 
 inline constexpr auto image = "updater.sb";

@@ -5,9 +5,9 @@
 
 #include <functional>
 
-/// Runs the event loop until a timer of 1 ms has fired `count` times, or `enough` holds. Whatever else was
-/// due in it, such as queued calls and the program's own timer of 1 ms, has had as many turns, however long
-/// they took.
+/// Runs the event loop until a 1 ms timer has fired `count` times or `enough` holds. Everything else in the
+/// loop, such as queued calls and the program's own 1 ms timer, has had as many turns, however long they
+/// took.
 inline void passTicks(
     int count, const std::function<bool()>& enough = [] { return false; })
 {

@@ -4,23 +4,23 @@
 #include "tests/support/testimage.h"
 #include "tests/support/testwindow.h"
 
-/// A window with its unit, or pair of decks, open as after a press of Connect, driven tick by tick.
+/// A window whose unit, or pair of decks, is open as after pressing Connect, driven tick by tick.
 class TransferDesk
 {
 public:
     /// `second`, if any, is the deck behind the window's `secondDevice`.
     explicit TransferDesk(UnitType type, std::optional<UnitType> second = {});
 
-    /// The image, as Update Device reads it from its file.
+    /// Loads the image, as Update Device would read it from its file.
     void load(const QByteArray& image) { window.state().firmwareData = image; }
 
-    /// So many ticks of the transfer's timer, one after the other.
+    /// Runs this many ticks of the transfer's timer in sequence.
     void tick(int count = 1);
 
-    /// Lets the unit accept the image and brings the window to the first packet, which is written.
+    /// Lets the unit accept the image and advances the window until the first packet has been written.
     void startStream(const QByteArray& image);
 
-    /// What was written to the unit, or to the second deck, so far: 65 bytes each.
+    /// The writes to the unit, or to the second deck, so far: 65 bytes each.
     [[nodiscard]] std::vector<Bytes> writes() const { return virtualbus::writesTo(1); }
     [[nodiscard]] std::vector<Bytes> secondWrites() const { return virtualbus::writesTo(2); }
 

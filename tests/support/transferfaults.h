@@ -9,16 +9,16 @@
 #include <cstring>
 #include <vector>
 
-/// A transfer that goes wrong: what the unit does, what its user sees of it in the end, and what the unit
-/// notes.
+/// A transfer that goes wrong: what the unit does, what the user sees in the end, and what the unit's
+/// journal says.
 struct TransferFault
 {
-    const char* option; ///< of a virtual unit: "fault=..."
-    const char* box;    ///< its text; nullptr: there is none
+    const char* option; ///< the virtual unit's option: "fault=..."
+    const char* box;    ///< the box's text; nullptr: no box
     const char* title;
-    const char* transfer; ///< the label; nullptr: as before the press of Update Device
+    const char* transfer; ///< the label; nullptr: unchanged since before Update Device was pressed
     const char* update;   ///< the label
-    QStringList journal;  ///< behind "opened" and, where it got one, the request; for an image of 6000 bytes
+    QStringList journal;  ///< after "opened" and the request, if received; for an image of 6000 bytes
 };
 
 [[nodiscard]] inline const std::vector<TransferFault>& transferFaults()
@@ -51,7 +51,7 @@ struct TransferFault
     return all;
 }
 
-/// The one that the test's row is named after.
+/// The fault that the current test row is named after.
 [[nodiscard]] inline const TransferFault& transferFaultOfRow()
 {
     return *std::find_if(transferFaults().begin(), transferFaults().end(), [](const TransferFault& fault) {

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-/// The window as it stands after the start, from outside and from inside the program.
+/// The window's state after the start, as seen from outside and from inside the program.
 namespace windowtable {
 
 struct Control
@@ -17,7 +17,7 @@ struct Control
     const char* type;
     const char* parent;
     QRect geometry;   ///< null: the layout decides
-    const char* text; ///< nullptr: it has none
+    const char* text; ///< nullptr: no text
     bool enabled;
     bool visible;
     const char* whatsThis = "";
@@ -50,7 +50,7 @@ struct Control
     return all;
 }
 
-/// Sorted.
+/// The controls' names, sorted.
 [[nodiscard]] inline QStringList controlNames()
 {
     QStringList names;
@@ -91,7 +91,8 @@ inline const QStringList methods{
     "slot on_stopDownloadingFile_pressed() ",
 };
 
-/// A connection as the program makes it, blanks included: objects by class, controls by name.
+/// A connection exactly as the program makes it, spaces included: objects by class name, controls by object
+/// name.
 struct Connection
 {
     const char* sender;
@@ -100,7 +101,7 @@ struct Connection
     const char* slot;
 };
 
-/// In the order in which they are made.
+/// The program's connections, in the order in which it makes them.
 [[nodiscard]] inline const std::vector<Connection>& connections()
 {
     constexpr auto window = "MainWindow";
@@ -118,7 +119,7 @@ struct Connection
         {downloader, "logDownloadFinished()", window, "onLogDownloadFinished()"},
         {downloader, "needwaitLogFileMd5()", downloader, "waitLogFileMd5()"},
         {downloader, "needreadLogPart()", downloader, "readLogPart()"},
-        // The acknowledgement is sent by the downloader itself, on its own thread.
+        // The downloader sends the acknowledgement itself, on its own thread.
         {downloader, "needdataCompleted(int)", downloader, "dataCompleted(int)"},
         {downloader, "needresendMessage(int)", downloader, "resendMessage(int)"},
         {window, "needDataCompleted(int)", downloader, "dataCompleted(int)"},

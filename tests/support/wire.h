@@ -9,13 +9,13 @@
 #include <initializer_list>
 #include <utility>
 
-/// The reports by which a host sends an image: 65 bytes each, the report ID first, built from what a unit
-/// reads in them and not by the program's builders.
+/// The reports with which a host sends an image: 65 bytes each, starting with the report ID. They follow
+/// what a unit expects and do not use the program's builders.
 namespace wire {
 
 using Bytes = QByteArray;
 
-/// 65 zero bytes but for the ones given by index.
+/// 65 bytes, all zero except those given by index.
 [[nodiscard]] inline Bytes report(std::initializer_list<std::pair<int, int>> bytes)
 {
     Bytes written(65, '\0');
@@ -54,7 +54,7 @@ using Bytes = QByteArray;
     return written.replace(model.data(), rest.size(), rest);
 }
 
-/// The packet of this number, from 1: a full one, or the final one with what is left.
+/// The packet with this number, counted from 1: a full one, or the final one with the remaining bytes.
 [[nodiscard]] inline Bytes packet(const models::Model& model, const Bytes& image, int number)
 {
     const Bytes block = image.mid((number - 1) * 60, 60);
@@ -62,7 +62,7 @@ using Bytes = QByteArray;
     return build(model, static_cast<unsigned>(number), block);
 }
 
-/// All reports that carry an image behind its request.
+/// All reports that carry an image, without the request before them.
 [[nodiscard]] inline QList<Bytes> packets(const models::Model& model, const Bytes& image)
 {
     QList<Bytes> all;

@@ -3,17 +3,17 @@
 #include "tests/harness/childprocess.h"
 #include "tests/harness/outcome.h"
 
-/// Another program that uses a unit of this vendor through the HID library of its own choice.
+/// Another program that uses one of this vendor's units through a HID library of its choice.
 class OtherProgram
 {
 public:
-    /// Opens the unit through that flavour of the library ("libusb" or "hidraw") and keeps it.
+    /// Opens the unit through this flavour of the library ("libusb" or "hidraw") and keeps it open.
     Outcome hold(const QString& flavour);
-    /// Closes it; nothing happens when it is not held.
+    /// Closes the unit; does nothing if it is not held.
     Outcome letGo();
 
-    /// Writes so many reports to each unit, one a tick of a 1 ms timer, through that flavour. Returns the
-    /// reports a second that each got; 0: it failed.
+    /// Writes this many reports to each unit through this flavour, one per tick of a 1 ms timer. Returns the
+    /// rate per unit in reports per second; 0 on failure.
     [[nodiscard]] static double pacedRate(const QString& flavour, int reports);
 
 private:

@@ -4,35 +4,35 @@
 #include "tests/harness/outcome.h"
 #include "tests/harness/program.h"
 
-/// Virtual units on this machine's own USB bus: devices of its kernel like any others. They leave the bus
-/// with this object. Needs root and a free (simulated) USB device port for each.
+/// Virtual units on this machine's own USB bus, which its kernel treats like any other device. The
+/// destructor unplugs them. Needs root and a free (simulated) USB device port for each.
 class PluggedUnits
 {
 public:
     ~PluggedUnits();
 
-    /// An emulated computer may be busy elsewhere for a while, and the HID library keeps 32 reports only (the
-    /// other flavour 63, and then the oldest): with the usual 8 ms between reports, one that is told once
-    /// would get lost.
+    /// An emulated computer may stall for a while, and the HID library keeps only 32 reports (the other
+    /// flavour keeps the oldest 63): with the usual 8 ms between reports, a report sent only once could get
+    /// lost.
     static constexpr const char* unhurried = ",period-ms=200";
 
-    /// Plugs in units, each described as for talvex-gadget and then by `more`, and waits until the system's
-    /// HID driver has them.
+    /// Plugs in units, each described as for talvex-gadget with `more` appended, and waits until the
+    /// system's HID driver has bound them.
     Outcome plugIn(const QStringList& units, const QString& more = unhurried);
 
-    /// Writes as many reports as the kernel keeps for a unit that takes nothing; the next one will wait.
+    /// Writes as many reports as the kernel queues for a unit that accepts none; the next write will block.
     Outcome fillUp();
 
-    /// Pulls the plug of all and waits until the system has noticed.
+    /// Unplugs all units and waits until the system has noticed.
     Outcome unplug();
 
-    /// From now on they take nothing and say nothing, until they are unplugged.
+    /// Stops the units from accepting or sending anything until they are unplugged.
     void freeze();
 
-    /// Waits until the system's HID driver has all of them (again) and each can be opened by another program.
+    /// Waits until the system's HID driver has all units (again) and another program can open each of them.
     Outcome seeGivenBack() const;
 
-    /// The nodes (/dev/hidraw0) through which the system's HID driver offers units of this vendor.
+    /// The device nodes (/dev/hidraw0) that the system's HID driver provides for this vendor's units.
     [[nodiscard]] static QStringList nodes();
 
 private:
@@ -41,10 +41,10 @@ private:
     bool frozen = false;
 };
 
-/// Has the program use the HID library it was linked to.
+/// Makes the program use the HID library it was linked to.
 void useRealBus(Program& program);
 
-/// Share of one processor, in per cent, that the program takes while nothing is done to it for 1 s.
+/// The program's processor load while left alone for 1 s, in per cent of one processor.
 [[nodiscard]] int processorLoad(Program& program);
 
 /// The flavour of the HID library under test: "libusb" or "hidraw", from TALVEX_TEST_FLAVOUR in the

@@ -3,17 +3,17 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
-/// A catalogue without any finding: updater 0.11, then firmware 2.7 for every stem. Line ends are LF. The
-/// updater's keys stand in lines 2 to 4, HB4's in lines 7 to 9.
+/// A catalogue without findings: updater 0.11, then firmware 2.7 for every stem. Lines end in LF. The
+/// updater's keys are in lines 2 to 4, HB4's in lines 7 to 9.
 [[nodiscard]] QByteArray goodCatalogue();
 
-/// The same with the first `from`, which it must hold, replaced.
+/// The good catalogue with the first `from` replaced by `to`. It must contain `from`.
 [[nodiscard]] QByteArray catalogueWith(const QByteArray& from, const QByteArray& to);
 
-/// The good one followed by this digest for every stem.
+/// The good catalogue followed by this digest for every stem.
 [[nodiscard]] QByteArray catalogueWithDigests(const QByteArray& digest);
 
-/// Every stem, in the models' order.
+/// All stems, in the models' order.
 [[nodiscard]] const QByteArrayList& everyStem();
 
 /// 64 hexadecimal digits.

@@ -6,24 +6,24 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-/// talvex-catalogue as a process, in a directory of its own, and the server that every http address leads it
-/// to.
+/// Runs talvex-catalogue as a process in its own directory, with a server that receives all of its http
+/// requests.
 class Tool
 {
 public:
     struct Outcome
     {
-        int exitCode = -1; ///< -1: it crashed, or came to no end
+        int exitCode = -1; ///< -1: it crashed or did not end
         QByteArray output;
         QByteArray errors;
     };
 
-    /// Runs it to its end, while the server answers.
+    /// Runs it to its end while serving its requests.
     [[nodiscard]] Outcome run(const QStringList& arguments) { return run(program(), arguments); }
-    /// The same on a terminal, where output and errors are one.
+    /// The same on a terminal, which merges output and errors.
     [[nodiscard]] Outcome runOnTerminal(const QString& arguments);
 
-    /// The same where standard output cannot be written.
+    /// The same, but writing to standard output fails.
     [[nodiscard]] Outcome runIntoFullDisk(const QStringList& arguments);
 
     void write(const QString& name, const QByteArray& bytes) const;
@@ -31,7 +31,7 @@ public:
     [[nodiscard]] QString path(const QString& name) const { return directory.filePath(name); }
 
     [[nodiscard]] static QString program();
-    /// For a process that is to reach the server.
+    /// The environment for a process that has to reach the server.
     [[nodiscard]] QProcessEnvironment environment() const;
 
     RawServer server;

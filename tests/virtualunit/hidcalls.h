@@ -9,7 +9,7 @@
 /// hidapi's calls on byte arrays.
 namespace hidcalls {
 
-/// A handle of the first device on the bus, or nullptr.
+/// Opens the first device on the bus; nullptr if that fails.
 inline hid_device* openFirst()
 {
     hid_device_info* list = hid_enumerate(0, 0);
@@ -18,7 +18,7 @@ inline hid_device* openFirst()
     return device;
 }
 
-/// What a read gave: hidapi's result, and as many bytes.
+/// The result of a read: hidapi's return value, and that many bytes.
 struct Read
 {
     int result = 0;

@@ -10,17 +10,17 @@
 
 #include <stdexcept>
 
-/// A host for tests of the virtual unit, with its own clock, which stands still unless told to go.
+/// A host for tests of the virtual unit, with its own clock, which only advances when told to.
 namespace host {
 
-/// A model of each family.
+/// One model of each family.
 inline constexpr const models::Model& older = models::hb4;
 inline constexpr const models::Model& players = models::plt70;
 
 using namespace wire;
 using Bytes = QByteArray;
 
-/// "hb4,version=23": one unit.
+/// The options of exactly one unit, such as "hb4,version=23".
 inline virtualunit::Options options(const QString& text)
 {
     const virtualunit::ParsedOptions parsed = virtualunit::parseOptions(text.toStdString());
@@ -43,7 +43,7 @@ public:
                             now);
     }
 
-    /// All input reports that are due.
+    /// Reads all input reports that are due.
     QList<Bytes> read()
     {
         QList<Bytes> reports;
@@ -54,8 +54,8 @@ public:
 
     void wait(int ms) { now += ms; }
 
-    /// The high nibbles of the status byte in all reports of the next `ms`, as hexadecimal digits; a digit
-    /// that repeats the one before is left out.
+    /// The high nibbles of the status byte in all reports of the next `ms`, as hexadecimal digits, without
+    /// consecutive repetitions.
     QString statuses(int ms)
     {
         wait(ms);

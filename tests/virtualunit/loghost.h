@@ -26,7 +26,7 @@ public:
     LogHost(const QString& text, const Bytes& log) : Host(withLog(text, log)) { ask(); }
     explicit LogHost(const QString& text) : Host(text) { ask(); }
 
-    /// The replies that come within 10 ms, with the bytes behind the last meaningful one cut off.
+    /// The replies that arrive within 10 ms, in hexadecimal, without their trailing zero bytes.
     QStringList replies()
     {
         wait(10);
@@ -39,7 +39,7 @@ public:
         return all;
     }
 
-    /// Acknowledges the one reply before and returns the next.
+    /// Acknowledges the previous reply and returns the next.
     Bytes next()
     {
         write(acknowledge);

@@ -5,18 +5,18 @@
 
 #include <vector>
 
-/// What a program sees of units through the HID library's libusb flavour. One table for the real bus, in a
-/// guest system of its own (tests/usb), and for the virtual one, which has to be like it.
+/// What a program sees of units through the HID library's libusb flavour. The same table is used for the
+/// real bus, in a guest system (tests/usb), and for the virtual one, which must behave alike.
 struct Observation
 {
     const char* name;
-    const char* scene;    ///< of hidobserver
-    QStringList units;    ///< each as for the virtual library and for talvex-gadget
+    const char* scene;    ///< the scene of hidobserver
+    QStringList units;    ///< options, as for the virtual library and talvex-gadget
     QStringList expected; ///< the observer's lines
 };
 
-/// All that do not depend on the user.
+/// All observations that do not depend on the user.
 [[nodiscard]] std::vector<Observation> allObservations();
 
-/// A unit of the model hb4 that the user must not open; the unit itself knows nothing of it.
+/// An hb4 unit that the user is not permitted to open; the unit itself is not aware of that.
 [[nodiscard]] Observation forbiddenUnit();
