@@ -44,8 +44,12 @@ const unsigned char* unsignedBytes(const QByteArray& bytes)
 /// True if the whole line is base64 of exactly `size` bytes: no blanks, no stray bits, nothing after it.
 template<std::size_t size> bool decode(const QByteArray& line, std::array<unsigned char, size>& bytes)
 {
+    // libsodium 1.0.18 reads some bytes above 0x7F as letters.
+    const bool isAscii = std::all_of(line.begin(), line.end(),
+                                     [](char byte) { return static_cast<unsigned char>(byte) <= 0x7F; });
     std::size_t length = 0;
-    return sodium_base642bin(bytes.data(), size, line.constData(), static_cast<std::size_t>(line.size()),
+    return isAscii &&
+           sodium_base642bin(bytes.data(), size, line.constData(), static_cast<std::size_t>(line.size()),
                              nullptr, &length, nullptr, sodium_base64_VARIANT_ORIGINAL) == 0 &&
            length == size;
 }

@@ -12,7 +12,7 @@ namespace {
 /// Piece by piece: a device may hold no end, and tells no size.
 QByteArray readUpToLimit(QFile& file)
 {
-    constexpr qint64 pieceSize = 1024 * 1024;
+    constexpr qint64 pieceSize = 1024LL * 1024;
     QByteArray bytes;
     while (bytes.size() <= sizeLimit) {
         const QByteArray piece = file.read(std::min(pieceSize, sizeLimit + 1 - bytes.size()));

@@ -41,7 +41,7 @@ std::optional<QString> stemWritten(const QString& text)
 
 std::optional<QString> stemMeant(const QString& text)
 {
-    if (const auto stem = stemWritten(text))
+    if (auto stem = stemWritten(text))
         return stem;
     for (const UnitModel& model : unitModels) {
         const QStringList siblings = nameOf(model).split('/');

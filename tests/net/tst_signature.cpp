@@ -55,6 +55,7 @@ private slots:
     void initTestCase();
     void key_data();
     void key();
+    void noByteBeyondAsciiIsALetter();
     void good_data();
     void good();
     void anyContent_data();
@@ -117,6 +118,19 @@ void TestSignature::key()
     QFETCH(QByteArray, line);
     QFETCH(bool, isKey);
     QCOMPARE(signature::parseKey(line).has_value(), isKey);
+}
+
+/// libsodium 1.0.18 takes some of them for letters.
+void TestSignature::noByteBeyondAsciiIsALetter()
+{
+    const QByteArray key = signer.publicKey();
+    for (int place = 0; place < key.size(); ++place) {
+        for (int byte = 0x80; byte <= 0xFF; ++byte) {
+            QByteArray line = key;
+            line[place] = static_cast<char>(byte);
+            QVERIFY2(!signature::parseKey(line), line.toPercentEncoding());
+        }
+    }
 }
 
 void TestSignature::good_data()
