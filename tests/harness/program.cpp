@@ -102,8 +102,10 @@ Outcome Program::start()
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(base.filePath("work"));
     process.start(ownPath("talvex-updater"), QStringList());
-    const bool listens = waitUntil(
-        [&] { return process.state() == QProcess::NotRunning || probe.open(base.filePath("probe")); });
+    // On a busy machine the probe may answer before Qt has been told that the process runs.
+    const bool listens = waitUntil([&] {
+        return process.state() == QProcess::NotRunning || (isRunning() && probe.open(base.filePath("probe")));
+    });
     if (!listens || !isRunning())
         return failed("the program did not start: " + process.errorString());
     return waitFor("the main window", [](const View& view) { return view.window()["exposed"].toBool(); });
