@@ -24,7 +24,7 @@ constexpr std::chrono::milliseconds
 constexpr std::chrono::milliseconds longestClose(400); ///< a unit is usually given back within 10
 constexpr unsigned long workerEndMs = 300;
 
-/// Closing waits for the unit, too, and for a thread that is closing it already: perhaps without end.
+/// Closing may block indefinitely: it waits for the unit, and for a thread that is already closing it.
 void closeWithinLimit()
 {
     const auto closed = std::make_shared<std::promise<void>>();
@@ -72,7 +72,7 @@ void giveBackAtExit()
         giveBack();
         if (QCoreApplication::instance() == nullptr)
             return;
-        // exit() in mid work: the next handlers would destroy what threads of Qt's are still using.
+        // exit() was called during work: the next handlers would destroy what Qt's threads are still using.
         std::fflush(nullptr);
         std::_Exit(EXIT_FAILURE);
     });

@@ -1,3 +1,4 @@
+#include "base/shownversion.h"
 #include "base/version.h"
 #include "vendor/commands.h"
 #include "vendor/terminal.h"
@@ -23,7 +24,7 @@ int print(const options::Message& message)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationVersion("0." + QString::number(updaterVersion));
+    QCoreApplication::setApplicationVersion(shownUpdaterVersion(updaterVersion));
     QNetworkProxyFactory::setUseSystemConfiguration(true);
     const options::Command command = options::read(QCoreApplication::arguments());
     if (const auto* check = std::get_if<options::Check>(&command))
