@@ -12,7 +12,7 @@ usage() {
 usage: scripts/test.sh [--all] [--no-install] [STEP...]
   without a STEP  all of: ${usualSteps[*]}
   quick           for use while you work: ${quickSteps[*]}
-  --all           also the long ones: ${longSteps[*]}
+  --all           also the long ones: ${longSteps[*]}; and every model on the USB bus with both flavours
   --no-install    only say which packages are missing
 There is also a step "coverage". Each step first builds what it needs. Machine-readable results are in $junit.
 END
@@ -58,10 +58,13 @@ runBeside() {
 }
 
 steps=()
-leftOut="${longSteps[*]} (scripts/test.sh --all)"
+leftOut="${longSteps[*]}, half of the models with each flavour on the USB bus (scripts/test.sh --all)"
 for argument in "$@"; do
     case $argument in
-        --all) steps=("${usualSteps[@]}" "${longSteps[@]}") && leftOut= ;;
+        --all)
+            steps=("${usualSteps[@]}" "${longSteps[@]}") && leftOut=
+            export TALVEX_USB_ALL_MODELS=ON
+            ;;
         --no-install) export TALVEX_NO_INSTALL=1 ;;
         --help) usage && exit 0 ;;
         quick) steps+=("${quickSteps[@]}") && leftOut="everything but the quick steps" ;;

@@ -16,7 +16,8 @@ lowestRatio=0.95
 build() {
     cmake -S . -B build && cmake --build build -j "$jobs"
     cmake --preset hidraw && cmake --build --preset hidraw -j "$jobs"
-    cmake --preset test && cmake --build "$tests" -j "$jobs" --target usb-tests
+    cmake --preset test "-DTALVEX_USB_ALL_MODELS=${TALVEX_USB_ALL_MODELS:-OFF}"
+    cmake --build "$tests" -j "$jobs" --target usb-tests
 }
 
 # Prints the reports per second that the program reached, next to those of a loop that only writes, paced by the same

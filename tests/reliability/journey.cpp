@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 
 #include <algorithm>
@@ -81,6 +82,7 @@ QByteArray catalogueOf(const QString& stem, const QString& version)
 Journey::Journey(Cell plan)
     : scenario(std::move(plan.scenario)),
       expected(std::move(plan.expected)),
+      complaints(std::move(plan.complaints)),
       mainWindow(findWindow()),
       state(inside::of(*mainWindow))
 {
@@ -98,6 +100,7 @@ Journey::Journey(Cell plan)
     for (const virtualunit::Options& unit : scenario.units)
         virtualbus::attach(unit);
     listenToTheProgram();
+    boxes.whileOpen = [this](QMessageBox& box) { awaitComplaints(&box); };
     boxesOpen.setSingleShot(true);
     clock.start(stepMs);
 }
@@ -158,11 +161,15 @@ int Journey::patience() const
 {
     if (!reached || expected.end != endword::waits)
         return limits::hangMs() / stepMs;
-    const QStringList texts = boxTexts();
-    const bool hasCome = std::all_of(expected.boxes.begin(), expected.boxes.end(),
-                                     [&texts](const QString& box) { return texts.contains(box); }) &&
-                         (scenario.fetchesLog || unitOutcome() == expected.unit);
+    const bool hasCome = hasExpectedBoxes() && (scenario.fetchesLog || unitOutcome() == expected.unit);
     return hasCome ? fewSteps : limits::hangMs() / stepMs;
+}
+
+bool Journey::hasExpectedBoxes() const
+{
+    const QStringList texts = boxTexts();
+    return std::all_of(expected.boxes.begin(), expected.boxes.end(),
+                       [&texts](const QString& box) { return texts.contains(box); });
 }
 
 bool Journey::isAtPhase() const
@@ -221,9 +228,29 @@ void Journey::conclude()
         say("box " + text);
     if (!scenario.fetchesLog)
         say("unit " + unitOutcome());
+    const QStringList heard = unitComplaints();
+    for (const QString& complaint : heard)
+        say("complaint " + complaint);
+}
+
+/// What the units complain of may come behind the box after which the program ends: a user who reads on.
+void Journey::awaitComplaints(const QPointer<QMessageBox>& box) const
+{
+    while (!complaints.isEmpty() && hasExpectedBoxes() && box && box->isVisible() &&
+           unitComplaints() != complaints)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); // the clock goes on
+}
+
+/// Without duplicates, sorted.
+QStringList Journey::unitComplaints() const
+{
+    QStringList all;
     for (int number = 1; number <= static_cast<int>(scenario.units.size()); ++number)
         for (const std::string& error : virtualbus::unit(number).errors)
-            say("complaint " + QString::fromStdString(error));
+            all += QString::fromStdString(error);
+    all.removeDuplicates();
+    all.sort();
+    return all;
 }
 
 QStringList Journey::boxTexts() const

@@ -93,12 +93,16 @@ private:
     [[nodiscard]] QStringList visible() const;
     void goOn();
     [[nodiscard]] int patience() const;
+    [[nodiscard]] bool hasExpectedBoxes() const;
     void conclude();
+    void awaitComplaints(const QPointer<QMessageBox>& box) const;
+    [[nodiscard]] QStringList unitComplaints() const;
     [[nodiscard]] QStringList boxTexts() const;
     [[nodiscard]] QString unitOutcome() const;
 
     Scenario scenario;
     Outcome expected;
+    QStringList complaints; ///< expected
     MainWindow* mainWindow;
     inside::Window state; ///< of the window
     QTimer clock;

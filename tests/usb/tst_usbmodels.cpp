@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr bool allModels = TALVEX_USB_ALL_MODELS;
+
 BoxText notFoundBox()
 {
     return errorBox(text::notFound);
@@ -60,8 +62,10 @@ void tst_usbmodels::initTestCase()
 void tst_usbmodels::everyModel_data()
 {
     QTest::addColumn<QByteArray>("name");
-    for (const models::Connection& connection : models::connections())
-        QTest::newRow(connection.name) << connection.name;
+    // Each flavour takes every second model unless told otherwise, as all of them take a minute in a guest.
+    const QList<models::Connection> connections = models::connections();
+    for (int i = allModels || flavour() == "libusb" ? 0 : 1; i < connections.size(); i += allModels ? 1 : 2)
+        QTest::newRow(connections[i].name) << connections[i].name;
 }
 
 void tst_usbmodels::everyModel()
