@@ -58,7 +58,8 @@ step_format() {
 }
 
 step_scripts() {
-    sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh && scripts/mutate.sh --check
+    sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh && scripts/mutate.sh --check &&
+        packaging/icon/make-icons.sh --check
 }
 
 step_tests() {

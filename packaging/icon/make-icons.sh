@@ -1,0 +1,51 @@
+#!/bin/bash
+# Makes the icon's pictures from talvex-updater.svg: a PNG of each size, and the .ico that a Windows program carries.
+# They are committed, so that building the program needs no renderer. With --check, only says which of them are missing
+# or not of their size (exit code 1): two renderers never give the same bytes.
+set -euo pipefail
+
+cd "$(dirname "$(realpath "$0")")"
+name=talvex-updater
+pngSizes=(16 24 32 48 64 128 256)
+icoSizes=(16 32 48 256)
+
+# widthAndHeight FILE: those of a PNG, which follow its signature.
+widthAndHeight() {
+    od -An -tu4 --endian=big -j16 -N8 "$1" | xargs
+}
+
+check() {
+    local size failed=0 found
+    for size in "${pngSizes[@]}"; do
+        if [ "$(widthAndHeight "$name-$size.png" 2> /dev/null)" != "$size $size" ]; then
+            echo "packaging/icon/$name-$size.png is missing or not of that size; make-icons.sh makes it." >&2
+            failed=1
+        fi
+    done
+    found=$(icotool --list "$name.ico" 2> /dev/null | sed -n 's/.*--width=\([0-9]*\) --height=\1 .*/\1/p' | sort -n | xargs)
+    if [ "$found" != "${icoSizes[*]}" ]; then
+        echo "packaging/icon/$name.ico does not hold the sizes ${icoSizes[*]}; make-icons.sh makes it." >&2
+        failed=1
+    fi
+    return "$failed"
+}
+
+make() {
+    local size pictures=()
+    for size in "${pngSizes[@]}"; do
+        rsvg-convert --width "$size" --height "$size" --output "$name-$size.png" "$name.svg"
+    done
+    for size in "${icoSizes[@]}"; do
+        case $size in
+            256) pictures+=("--raw=$name-$size.png") ;; # as it is: a bitmap would take 256 KiB
+            *) pictures+=("$name-$size.png") ;;
+        esac
+    done
+    icotool --create --output "$name.ico" "${pictures[@]}"
+}
+
+case ${1:-} in
+    "") make && check ;;
+    --check) check ;;
+    *) echo "usage: packaging/icon/make-icons.sh [--check]" >&2 && exit 2 ;;
+esac
