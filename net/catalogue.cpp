@@ -1,5 +1,7 @@
 #include "net/catalogue.h"
 
+#include "base/version.h"
+
 #include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QStringList>
@@ -66,7 +68,7 @@ Decision decide(const Offer& offer, const QString& curVersion, bool digestRequir
         return Decision::incomplete;
     if (digestRequired && !isDigest(offer.imageDigest))
         return Decision::incomplete;
-    if (offer.mainVersion.toInt() >= UPDATER_VERSION_THRESHOLD)
+    if (isNewerUpdater(offer.mainVersion.toInt()))
         return Decision::newerUpdater;
     return leadingNumber(offer.newVersion) > leadingNumber(curVersion) ? Decision::newerFirmware
                                                                        : Decision::upToDate;

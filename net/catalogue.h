@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/version.h"
 #include "unit/unittype.h"
 
 #include <QByteArray>
@@ -21,14 +20,11 @@ namespace catalogue {
 /// A larger catalogue (in bytes, without carriage returns) is reported, but still used.
 inline constexpr int reportedSize = 10245;
 
-/// The lowest updater version in the catalogue that is newer than this updater.
-inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;
-
 /// The updater's own keys.
 namespace key {
 inline constexpr auto mainVersion = "MainVer";
 inline constexpr auto mainChangeLog = "MainChangeLog";
-inline constexpr auto mainImage = "MacMainBin";
+inline constexpr auto mainImage = "MacMainBin"; ///< intentional: on every platform
 } // namespace key
 
 /// What follows a model's stem in its keys.

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -113,7 +114,9 @@ private:
     void waitingApplyingUpdate(int, unsigned char* buffer);
     void showInstallationStarted();
     void showInstallationFinished();
-    template<typename ShowBox> void openInstallationBox(bool always, ShowBox showBox);
+
+    // update/installationboxes.cpp
+    void openInstallationBox(bool always, const std::function<void()>& showBox);
 
     // update/offer.cpp
     enum class Answer { yes, no, neither };

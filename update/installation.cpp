@@ -17,7 +17,6 @@ using transferstate::fakeProgressTick;
 using transferstate::fakeProgressValue;
 
 constexpr int pollReadMs = 100;
-constexpr int mostBoxes = 16; // open at once; thousands of nested ones would end in a stack overflow
 constexpr int complete = 100; ///< per cent
 
 } // namespace
@@ -87,20 +86,6 @@ void MainWindow::showInstallationFinished()
             tr("Update installed correctly, please close program, and disconnect/power off your controller.\nWhen reconnected/power ON your device will have the latest software."));
         QCoreApplication::quit();
     });
-}
-
-/// Opens a box outside the tick, as the timer would otherwise stand still under it: polling and creeping
-/// continue. Intentional: a repeated status opens another box on top.
-template<typename ShowBox> void MainWindow::openInstallationBox(bool always, ShowBox showBox)
-{
-    if (installationBoxes >= mostBoxes && !always)
-        return;
-    ++installationBoxes;
-    const auto show = [this, showBox] {
-        showBox();
-        --installationBoxes;
-    };
-    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
 }
 
 /// Moves the installation's bar by one, on every second call, up to 99: the unit reports no percentage.
