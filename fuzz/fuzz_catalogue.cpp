@@ -1,5 +1,6 @@
 // Input: the unit type, its version, then the catalogue as the server sends it.
 
+#include "base/version.h"
 #include "fuzz/input.h"
 #include "net/catalogue.h"
 #include "tests/support/models.h"
@@ -40,7 +41,7 @@ void checkDecision(catalogue::Decision decision, const catalogue::Offer& offer, 
     expect((decision == Decision::incomplete) == incomplete, "a required value is missing, or none is");
     if (incomplete)
         return;
-    const bool newerUpdater = offer.mainVersion.toInt() >= 12;
+    const bool newerUpdater = offer.mainVersion.toInt() > updaterVersion;
     expect((decision == Decision::newerUpdater) == newerUpdater, "the updater goes first");
     const double offered = catalogue::leadingNumber(offer.newVersion);
     expect(!std::isnan(offered), "a version is a number");

@@ -119,8 +119,7 @@ Outcome Demo::seeTransfer()
 Outcome Demo::seeInstallation()
 {
     const auto installing = [](const View& view) {
-        return view.text("labelUpdate").startsWith("Update: in progress") &&
-               view.value("progressBarUpdate") >= 10;
+        return view.text("labelUpdate") == text::updateInProgress && view.value("progressBarUpdate") >= 10;
     };
     STEP(program.waitFor("the installation", installing));
     STEP(keepPicture("installing"));
@@ -248,7 +247,7 @@ Outcome Demo::seeLatest(const QString& proxy)
 
 Outcome Demo::seeUpdaterOffer(const QString& unit)
 {
-    HalfServer server(12);
+    HalfServer server(updater::next);
     STEP(open(server.address(), {unit}));
     STEP(connectUnit());
     return keepPictureOfBox("updater-offered");

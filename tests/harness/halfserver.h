@@ -10,8 +10,8 @@
 class HalfServer : public QTcpServer
 {
 public:
-    /// `updaterVersion` is the version in its catalogue; from 12 on it offers a newer updater.
-    explicit HalfServer(int updaterVersion = 11)
+    /// `updaterVersion` is the version in its catalogue.
+    explicit HalfServer(const QString& updaterVersion = updater::own)
     {
         listen(QHostAddress::LocalHost);
         connect(this, &QTcpServer::newConnection, this, [this, updaterVersion] {
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] QString address() const { return QString("http://127.0.0.1:%1").arg(serverPort()); }
 
 private:
-    static void answer(QTcpSocket& client, int updaterVersion)
+    static void answer(QTcpSocket& client, const QString& updaterVersion)
     {
         const QByteArray request = client.readAll();
         QByteArray body = "Faster.\n";
@@ -34,7 +34,7 @@ private:
         if (request.contains(cataloguePath)) {
             CatalogueEntries entries =
                 catalogueEntries("HB4", "28", "http://host/HB4.sb", "http://host/HB4.txt");
-            entries["MainVer"] = QString::number(updaterVersion);
+            entries["MainVer"] = updaterVersion;
             body = catalogueText(entries);
         }
         client.write(header(body.size()) + body);

@@ -8,7 +8,7 @@ namespace {
 
 const QString upToDate = told::signal("youHaveLastVersion");
 const QString offer = told::signal("findNewVersion", {"27", "better"});
-const QString updaterOffer = told::signal("findMainNewVersion", {"12", "new look"});
+const QString updaterOffer = told::signal("findMainNewVersion", {updater::next, "new look"});
 const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
 const QStringList oversized{told::log("UpdateChecker::exitSlot"), told::problem()};
 const QStringList badAddress{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
@@ -97,8 +97,9 @@ void TestCheckUpdate::outcome_data()
     row("newer firmware", {}, "23", {offer}, {changeLogPath});
     row("same firmware", {}, "27", {upToDate});
     row("older firmware", {}, "30", {upToDate});
-    row("newer updater", {{"MainVer", "12"}}, "30", {updaterOffer}, {mainChangeLogPath});
-    row("newer updater and newer firmware", {{"MainVer", "12"}}, "23", {updaterOffer}, {mainChangeLogPath});
+    row("newer updater", {{"MainVer", updater::next}}, "30", {updaterOffer}, {mainChangeLogPath});
+    row("newer updater and newer firmware", {{"MainVer", updater::next}}, "23", {updaterOffer},
+        {mainChangeLogPath});
     row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", incomplete);
     row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", incomplete);
     row("no firmware version", {{"HB4Ver", {}}}, "23", incomplete);
@@ -107,9 +108,11 @@ void TestCheckUpdate::outcome_data()
     row("no change log address", {{"HB4ChangeLog", {}}}, "30", incomplete);
     row("no updater version", {{"MainVer", {}}}, "30", incomplete);
     row("no updater address", {{"MacMainBin", {}}}, "30", incomplete);
-    row("no updater address, newer updater", {{"MacMainBin", {}}, {"MainVer", "12"}}, "30", incomplete);
+    row("no updater address, newer updater", {{"MacMainBin", {}}, {"MainVer", updater::next}}, "30",
+        incomplete);
     row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate});
-    row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", "12"}}, "30", badAddress);
+    row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", updater::next}}, "30",
+        badAddress);
     row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", badAddress);
 }
 
@@ -135,7 +138,7 @@ void TestCheckUpdate::takesOverWhatItFinds()
     QCOMPARE(scene.state().newVersion, QString("27"));
     QCOMPARE(scene.state().binUrl, scene.server.address(imagePath));
     QCOMPARE(scene.state().changeLogUrl, scene.server.address(changeLogPath));
-    QCOMPARE(scene.state().mainVersion, QString("11"));
+    QCOMPARE(scene.state().mainVersion, QString(updater::own));
     QCOMPARE(scene.state().mainChangeLogUrl, scene.server.address(mainChangeLogPath));
     QCOMPARE(scene.state().mainBinUrl, QString("http://update-server/bin/updater.zip"));
 }
@@ -160,7 +163,7 @@ void TestCheckUpdate::lineEndsDoNotMatter()
     scene.server.setAnswer(cataloguePath, ok(text));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, QStringList{offer});
-    QCOMPARE(scene.state().mainVersion, QString("11"));
+    QCOMPARE(scene.state().mainVersion, QString(updater::own));
 }
 
 void TestCheckUpdate::model_data()
@@ -256,7 +259,7 @@ void TestCheckUpdate::goodAnswerReleasesTheReply()
 
 void TestCheckUpdate::updaterOfferLeavesTheCatalogue()
 {
-    const QByteArray text = scene.catalogue({{"MainVer", "12"}});
+    const QByteArray text = scene.catalogue({{"MainVer", updater::next}});
     scene.server.setAnswer(cataloguePath, ok(text));
     scene.server.setAnswer(mainChangeLogPath, silence());
     scene.checker->checkUpdate();

@@ -46,8 +46,8 @@ void TestOverlappingRequests::staleLines_data()
     QTest::addColumn<QString>("version");
     QTest::newRow("duplicate key takes the fresh value")
         << QByteArray("HB4Ver=99\n") << QStringList{offer} << "27";
-    QTest::newRow("other keys still count")
-        << QByteArray("HB4Ver=99\nMainVer=12\n") << QStringList{offer} << "27"; // the fresh MainVer is 11
+    QTest::newRow("other keys still count") << QByteArray("HB4Ver=99\nMainVer=99\n") << QStringList{offer}
+                                            << "27"; // the fresh MainVer is our own
     QTest::newRow("last line without its end runs into the first fresh line")
         << QByteArray("HB4Ver=99\nremark ") << incomplete << "27";
     QTest::newRow("NUL byte hides what is fresh") << QByteArray("HB4Ver=99\n\0\n", 12) << incomplete << "99";

@@ -192,7 +192,7 @@ def take_the_offer(user):
 
 def update(user):
     user.await_said("Update Device: enabled")
-    frame = user.wait("the window", lambda: user.find("frame", "Talvex updater v. 11"))
+    frame = user.wait("the window", lambda: user.find("frame", TEXTS["title"]))
     user.wait("the window in front", lambda: user.has(frame, pyatspi.STATE_ACTIVE))
     user.tab_to("push button", "Update Device")
     user.press("space")

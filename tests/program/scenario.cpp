@@ -180,7 +180,7 @@ Outcome leave(Program& program)
 
 QString offerText(const QString& version)
 {
-    return "Your unit current version: " + version + "\nLatest version: 2.8";
+    return firmwareOffer(version, "2.8");
 }
 
 BoxText finishedBox()

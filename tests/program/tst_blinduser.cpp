@@ -36,6 +36,7 @@ void tst_blinduser::updatesAUnit()
     environment.insert("DISPLAY", desktop.name());
     environment.insert("TALVEX_HANG_LIMIT_S", QString::number(limits::hangMs() / 1000));
     environment.insert("TALVEX_TEXTS", QJsonDocument(QJsonObject{
+                                                         {"title", text::windowTitle},
                                                          {"connected", models::hb4.connected},
                                                          {"offer", scenario::offerText()},
                                                          {"question", text::offerQuestion},

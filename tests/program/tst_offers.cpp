@@ -66,7 +66,8 @@ Outcome tst_offers::publishUpdater(const QByteArray& path)
     QByteArray catalogue =
         catalogueOf("HB4", scenario::offeredVersion, QString("http://%1/bin/HB4.sb").arg(updateHost),
                     QString("http://%1/logs/HB4.txt").arg(updateHost));
-    catalogue.replace("MainVer=11", "MainVer=12").replace("/bin/updater.zip", path);
+    catalogue.replace(QByteArray("MainVer=") + updater::own, QByteArray("MainVer=") + updater::next)
+        .replace("/bin/updater.zip", path);
     return server.publish(cataloguePath, catalogue);
 }
 
@@ -119,8 +120,7 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     program.putFirstInPath(program.scratchPath(""));
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectUnit(program));
-    MUST(program.waitForBox(
-        offerBox("Your Talvex updater version: 0.11\nLatest version: 0.12", "New window.")));
+    MUST(program.waitForBox(offerBox(updaterOffer(), "New window.")));
     MUST(program.answer("Yes"));
     MUST(program.waitForBox(infoBox(text::handOver)));
     const QString noted = program.scratchPath("opened");
@@ -179,14 +179,12 @@ void tst_offers::imageThatCannotBeSaved()
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
     Program program(desktop);
     MUST(program.placeFile(filename::image, "an older image"));
-    QVERIFY(QDir().mkpath(program.ownPath("updater.sb.upd/in the way")));
+    QVERIFY(QDir().mkpath(program.ownPath(filename::download) + "/in the way"));
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectUnit(program));
     MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
     MUST(program.answer("Yes"));
-    MUST(program.waitForBox(
-        errorBox("Error saving firmware to disk.\nCheck the HD, connections between PC and the "
-                 "unit and to try the update again.")));
+    MUST(program.waitForBox(errorBox(QString(text::savingProblem) + '\n' + text::savingAdvice)));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
     QVERIFY(!program.fileContent(filename::image)); // an older image must never be taken for the new one

@@ -68,7 +68,7 @@ QByteArray goodCatalogue(const RawServer& server, const Plan& plan)
                          plan.catalogue == Kind::noPathToChangeLog ? noPath : server.address(changeLogPath));
     entries["MainChangeLog"] = server.address(mainChangeLogPath);
     if (plan.catalogue == Kind::newerUpdater)
-        entries["MainVer"] = "12";
+        entries["MainVer"] = updater::next;
     if (plan.catalogue == Kind::incomplete)
         entries.remove(stem + "Bin");
     const QByteArray text = "[updater]\r\n" + catalogueText(entries, "\r\n");

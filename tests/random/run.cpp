@@ -42,9 +42,9 @@ QString takenName(Plan::Taken taken)
     case Plan::Taken::image:
         return imageName();
     case Plan::Taken::download:
-        return imageName() + ".upd";
+        return downloadOf(imageName());
     case Plan::Taken::backup:
-        return imageName() + ".bkp";
+        return backupOf(imageName());
     case Plan::Taken::none:
         break;
     }

@@ -2,6 +2,7 @@
 #include "tests/reliability/outcome.h"
 #include "tests/reliability/travellers.h"
 #include "tests/support/limits.h"
+#include "tests/support/texts.h"
 
 #include <QtTest>
 
@@ -77,7 +78,7 @@ void TestDirectories::files()
     if (fetchesLog)
         QCOMPARE(fileEndingIn(directory, "_log.enc"), unitLog());
     else
-        QCOMPARE(fileEndingIn(directory, "/updater.sb"), newImage());
+        QCOMPARE(fileEndingIn(directory, std::string("/") + filename::image), newImage());
     QCOMPARE(traveller.said("unit"), fetchesLog ? QStringList() : QStringList(unitword::updated));
     std::filesystem::remove_all(directory); // QTemporaryDir cannot spell it
 }

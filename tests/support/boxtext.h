@@ -33,6 +33,18 @@ struct BoxText
     return {title, text, {}, {}, "Critical", {"Ok"}, "Ok"};
 }
 
+/// What an offer says; versions as shown ("2.3" for a unit's, "0.12" for an updater's).
+/// @{
+[[nodiscard]] inline QString firmwareOffer(const QString& current, const QString& latest)
+{
+    return "Your unit current version: " + current + "\nLatest version: " + latest;
+}
+[[nodiscard]] inline QString updaterOffer(const QString& latest = QString("0.") + updater::next)
+{
+    return QString("Your Talvex updater version: 0.%1\nLatest version: %2").arg(updater::own, latest);
+}
+/// @}
+
 /// The box that offers a newer version, with its change log.
 [[nodiscard]] inline BoxText offerBox(const QString& text, const QString& changeLog)
 {

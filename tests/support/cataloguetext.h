@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/texts.h"
+
 #include <QMap>
 #include <QString>
 
@@ -19,7 +21,7 @@ using CatalogueEntries = QMap<QString, QString>;
                                                        const QString& image, const QString& changeLog)
 {
     return {
-        {"MainVer", "11"},
+        {"MainVer", updater::own},
         {"MainChangeLog", "http://update-server/logs/updater.txt"},
         {"MacMainBin", "http://update-server/bin/updater.zip"},
         {stem + "Ver", version},

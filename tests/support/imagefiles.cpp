@@ -39,15 +39,25 @@ QByteArray summary(const QByteArray& content)
 
 } // namespace
 
+QString downloadOf(const QString& imageName)
+{
+    return imageName + ".upd";
+}
+
+QString backupOf(const QString& imageName)
+{
+    return imageName + ".bkp";
+}
+
 ImageFiles ImageFiles::at(const QString& imageName)
 {
-    return {contentOf(imageName), contentOf(imageName + ".upd"), contentOf(imageName + ".bkp")};
+    return {contentOf(imageName), contentOf(downloadOf(imageName)), contentOf(backupOf(imageName))};
 }
 
 bool ImageFiles::placeAt(const QString& imageName) const
 {
-    return makeContent(imageName, image) && makeContent(imageName + ".upd", download) &&
-           makeContent(imageName + ".bkp", backup);
+    return makeContent(imageName, image) && makeContent(downloadOf(imageName), download) &&
+           makeContent(backupOf(imageName), backup);
 }
 
 bool ImageFiles::operator==(const ImageFiles& other) const

@@ -3,12 +3,18 @@
 #include <QByteArray>
 #include <QString>
 
+/// The names of the files beside an image.
+/// @{
+[[nodiscard]] QString downloadOf(const QString& imageName);
+[[nodiscard]] QString backupOf(const QString& imageName);
+/// @}
+
 /// The firmware image on disk and its two companion files. Null content means that the file does not exist.
 struct ImageFiles
 {
     QByteArray image;
-    QByteArray download; ///< ".upd"
-    QByteArray backup;   ///< ".bkp"
+    QByteArray download;
+    QByteArray backup;
 
     /// The files that currently exist.
     [[nodiscard]] static ImageFiles at(const QString& imageName);

@@ -4,6 +4,8 @@
 /// own constants. Texts that name a model are in models.h.
 namespace text {
 
+inline constexpr auto windowTitle = "Talvex updater v. 11";
+
 // the labels above the bars
 inline constexpr auto transferIdle = "Transfer:";
 inline constexpr auto transferDownload = "Transfer: download new version";
@@ -53,6 +55,15 @@ inline constexpr auto finished =
 inline constexpr auto logComplete = "Download log file is complete.\nYou can find it in program directory.";
 
 } // namespace text
+
+/// The updater's own version and the next one, as in the catalogue. Raised together with base/version.h, like
+/// the title above.
+namespace updater {
+
+inline constexpr auto own = "11";
+inline constexpr auto next = "12";
+
+} // namespace updater
 
 /// The files in the program's directory.
 namespace filename {

@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "tests/support/texts.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/checks.h"
 
@@ -151,9 +152,9 @@ void TestCatalogueChecks::numbers_data()
         QTest::newRow(QByteArray("firmware ").append(value))
             << QByteArray("HB4Ver=27") << QByteArray(value) << QString(read);
     };
-    const auto updater = [](const char* value, const char* read) {
+    const auto mainVersion = [](const char* value, const QString& read) {
         QTest::newRow(QByteArray("updater ").append(value))
-            << QByteArray("MainVer=11") << QByteArray(value) << QString(read);
+            << QByteArray("MainVer=11") << QByteArray(value) << read;
     };
     firmware("0", "");
     firmware("255", "");
@@ -168,11 +169,13 @@ void TestCatalogueChecks::numbers_data()
     firmware("99999999999",
              "99999999999 is compared as 1e+11 and shown as 0.0: write a whole number, 27 for 2.7");
     firmware("%2", "%2 is compared as 0 and shown as 0.0: write a whole number, 27 for 2.7");
-    updater("0", "");
-    updater("11x", "11x is read as 0: write a whole number, 11 for 0.11");
-    updater("0.11", "0.11 is read as 0: write a whole number, 11 for 0.11");
-    updater("-1", "-1 is read as -1: write a whole number, 11 for 0.11");
-    updater("12", "updaters older than 0.12 offer the new updater and no firmware");
+    mainVersion("0", "");
+    mainVersion("11x", "11x is read as 0: write a whole number, 11 for 0.11");
+    mainVersion("0.11", "0.11 is read as 0: write a whole number, 11 for 0.11");
+    mainVersion("-1", "-1 is read as -1: write a whole number, 11 for 0.11");
+    mainVersion(updater::own, "");
+    mainVersion(updater::next,
+                QString("updaters older than 0.%1 offer the new updater and no firmware").arg(updater::next));
 }
 
 void TestCatalogueChecks::numbers()

@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "tests/support/texts.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/sight.h"
 
@@ -9,6 +10,11 @@ Q_DECLARE_METATYPE(Genuineness)
 namespace {
 
 constexpr qint64 someSize = 1000;
+
+QString quoted(const char* text)
+{
+    return QString("\"%1\"").arg(text);
+}
 
 } // namespace
 
@@ -32,35 +38,34 @@ void TestSight::sees_data()
     QTest::addColumn<int>("version");
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const char* from, const char* to, int version, const char* kind,
-                        const char* text) {
-        QTest::newRow(name) << QByteArray(from) << QByteArray(to) << version << QString(kind)
-                            << QString(text);
+    const auto row = [](const char* name, const char* from, const QByteArray& to, int version,
+                        const char* kind, const QString& text) {
+        QTest::newRow(name) << QByteArray(from) << to << version << QString(kind) << text;
     };
     const char* const any = "[HB4]";
+    const QByteArray nextUpdater = QByteArray("MainVer=") + updater::next;
     row("newer", any, any, 23, "firmware",
         "an offer of firmware 2.7, from http://updates.example.com/bin/HB4.sb");
-    row("same", any, any, 27, "up-to-date", "\"Your unit has the latest software\"");
-    row("older", any, any, 28, "up-to-date", "\"Your unit has the latest software\"");
+    row("same", any, any, 27, "up-to-date", quoted(text::upToDate));
+    row("older", any, any, 28, "up-to-date", quoted(text::upToDate));
     row("https image", "HB4Bin=http", "HB4Bin=https", 23, "firmware",
         "an offer of firmware 2.7, from http://updates.example.com/bin/HB4.sb");
     row("fraction", "HB4Ver=27", "HB4Ver=27.5", 27, "firmware",
         "an offer of firmware 0.0, from http://updates.example.com/bin/HB4.sb");
     row("missing value", "HB4Ver=27", "", 23, "problem",
-        "\"Problem with internet connection\": a value is missing");
-    row("another model's missing value", "HB2Ver=27", "", 27, "up-to-date",
-        "\"Your unit has the latest software\"");
+        quoted(text::networkProblem) + ": a value is missing");
+    row("another model's missing value", "HB2Ver=27", "", 27, "up-to-date", quoted(text::upToDate));
     row("change log that cannot be asked for", "HB4ChangeLog=http://", "HB4ChangeLog=", 23, "problem",
-        "\"Problem with internet connection\": the address of the change log cannot be split");
-    row("and need not be", "HB4ChangeLog=http://", "HB4ChangeLog=", 27, "up-to-date",
-        "\"Your unit has the latest software\"");
+        quoted(text::networkProblem) + ": the address of the change log cannot be split");
+    row("and need not be", "HB4ChangeLog=http://", "HB4ChangeLog=", 27, "up-to-date", quoted(text::upToDate));
     row("image that cannot be asked for", "HB4Bin=http://", "HB4Bin=", 23, "firmware",
         "an offer of firmware 2.7, then a problem when it is accepted: the address of the image cannot be split");
-    row("newer updater", "MainVer=11", "MainVer=12", 27, "updater",
-        "an offer of updater 0.12 (this one is 0.11), which the browser downloads from "
-        "https://updates.example.com/updater.zip");
-    row("newer updater without a change log", "MainVer=11\nMainChangeLog", "MainVer=12\nX", 23, "problem",
-        "\"Problem with internet connection\": the address of the updater's change log cannot be split");
+    row("newer updater", "MainVer=11", nextUpdater, 27, "updater",
+        QString("an offer of updater 0.%1 (this one is 0.%2), which the browser downloads from "
+                "https://updates.example.com/updater.zip")
+            .arg(updater::next, updater::own));
+    row("newer updater without a change log", "MainVer=11\nMainChangeLog", nextUpdater + "\nX", 23, "problem",
+        quoted(text::networkProblem) + ": the address of the updater's change log cannot be split");
 }
 
 void TestSight::sees()
@@ -81,18 +86,16 @@ void TestSight::seesWithAKey_data()
     QTest::addColumn<QString>("text");
     const Genuineness good{true, true, nullptr};
     const auto row = [](const char* name, const Genuineness& genuineness, const char* digest,
-                        const char* kind, const char* text) {
-        QTest::newRow(name) << genuineness << QByteArray(digest) << QString(kind) << QString(text);
+                        const char* kind, const QString& text) {
+        QTest::newRow(name) << genuineness << QByteArray(digest) << QString(kind) << text;
     };
-    row("good", good, someDigest, "up-to-date", "\"Your unit has the latest software\"");
-    row("no digest", good, "", "problem",
-        "\"Problem with internet connection\": a value or a digest is missing");
+    row("good", good, someDigest, "up-to-date", quoted(text::upToDate));
+    row("no digest", good, "", "problem", quoted(text::networkProblem) + ": a value or a digest is missing");
     row("malformed digest", good, "12", "problem",
-        "\"Problem with internet connection\": a value or a digest is missing");
+        quoted(text::networkProblem) + ": a value or a digest is missing");
     row("no signature", {true, false, nullptr}, someDigest, "problem",
-        "\"Problem with internet connection\": there is no signature");
-    row("bad signature", {true, true, "why"}, someDigest, "problem",
-        "\"The update server's answer is not genuine.\"");
+        quoted(text::networkProblem) + ": there is no signature");
+    row("bad signature", {true, true, "why"}, someDigest, "problem", quoted(text::notGenuine));
 }
 
 void TestSight::seesWithAKey()
@@ -110,16 +113,16 @@ void TestSight::seesALargeCatalogue_data()
     QTest::addColumn<qint64>("size");
     QTest::addColumn<Genuineness>("genuineness");
     QTest::addColumn<QString>("text");
-    const QString upToDate = "\"Your unit has the latest software\"";
-    const QString tooLarge = "\"Problem with internet connection\": the catalogue is too large";
+    const QString upToDate = quoted(text::upToDate);
+    const QString tooLarge = quoted(text::networkProblem) + ": the catalogue is too large";
     QTest::newRow("as large as may be") << qint64(10245) << Genuineness() << upToDate;
     QTest::newRow("one byte more") << qint64(10246) << Genuineness() << tooLarge;
     QTest::newRow("given up") << sizeLimit + 1 << Genuineness() << tooLarge;
     QTest::newRow("good signature") << qint64(10246) << Genuineness{true, true, nullptr} << tooLarge;
     QTest::newRow("no signature") << qint64(10246) << Genuineness{true, false, nullptr}
-                                  << "\"Problem with internet connection\": there is no signature";
+                                  << quoted(text::networkProblem) + ": there is no signature";
     QTest::newRow("bad signature") << qint64(10246) << Genuineness{true, true, "why"}
-                                   << "\"The update server's answer is not genuine.\"";
+                                   << quoted(text::notGenuine);
 }
 
 void TestSight::seesALargeCatalogue()
