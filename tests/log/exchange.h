@@ -1,13 +1,30 @@
 #pragma once
 
 #include "log/logdownloader.h"
-#include "tests/support/inside.h"
 #include "tests/support/scriptedunit.h"
+#include "tests/support/texts.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QSignalSpy>
 #include <QThread>
 
 #include <memory>
+
+/// The log files in the program's directory.
+inline QStringList logFiles()
+{
+    return QDir(QCoreApplication::applicationDirPath()).entryList({filename::anyLog});
+}
+
+/// The path of the one that has come since; empty: none has.
+inline QString newLogFile(const QStringList& before)
+{
+    QStringList files = logFiles();
+    for (const QString& name : before)
+        files.removeAll(name);
+    return files.size() == 1 ? QCoreApplication::applicationDirPath() + '/' + files.first() : QString();
+}
 
 /// A downloader on its worker thread, connected to itself the way the window connects it.
 class Exchange
@@ -34,15 +51,14 @@ public:
         worker.requestInterruption();
         worker.quit();
         worker.wait();
-        QFile::remove(fileName());
+        QFile::remove(file);
     }
     Q_DISABLE_COPY_MOVE(Exchange)
 
-    [[nodiscard]] QString fileName() const { return inside::of(*downloader).logFile.fileName(); }
     [[nodiscard]] QByteArray stored() const
     {
-        QFile file(fileName());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+        QFile stored(file);
+        return stored.open(QIODevice::ReadOnly) ? stored.readAll() : QByteArray("no file");
     }
     /// The command byte of every written report: "10" request, "30" acknowledge, "70" resend.
     [[nodiscard]] QByteArrayList commands() const
@@ -61,7 +77,9 @@ public:
     }
 
     std::shared_ptr<ScriptedUnit> unit;
+    const QStringList filesBefore = logFiles();
     std::unique_ptr<LogDownloader> downloader = std::make_unique<LogDownloader>(nullptr, nullptr);
+    const QString file = newLogFile(filesBefore);
     QThread worker;
     QSignalSpy finished{downloader.get(), SIGNAL(logDownloadFinished())};
     QSignalSpy progress{downloader.get(), SIGNAL(logDownloadProgress(int))};

@@ -22,11 +22,6 @@ void connectUnit(TestWindow& window)
     window.downloader().setDevice(window.state().device, UNIT_HB4);
 }
 
-void pressLogKey(TestWindow& window)
-{
-    QTest::keyClick(&*window, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
-}
-
 } // namespace
 
 class TestLogControls : public QObject
@@ -61,7 +56,7 @@ private slots:
         window.state().updateBegun = updateBegun;
         window.button("stopDownloadingFile").setVisible(logBegun);
         QVERIFY(!window.button("downloadLogFile").isVisible());
-        pressLogKey(window);
+        window.pressLogKey();
         QCOMPARE(window.button("downloadLogFile").isVisible(), shown);
         QCOMPARE(window.button("downloadLogFile").isEnabled(), shown);
     }
@@ -73,11 +68,11 @@ private slots:
         connectUnit(window);
         inside::of(window.checker()).binUrl = silent.address() + "/image";
         window.checker().onNeedDownloadNewFirmware();
-        pressLogKey(window);
+        window.pressLogKey();
         QVERIFY(!window.button("downloadLogFile").isVisible());
         QObject::disconnect(&window.checker(), nullptr, &*window, nullptr);
         inside::of(window.checker()).reply->abort(); // an end of the request, good or bad
-        pressLogKey(window);
+        window.pressLogKey();
         QVERIFY(window.button("downloadLogFile").isVisible());
     }
 
@@ -88,7 +83,7 @@ private slots:
         placeFile(filename::image, "image");
         window.button("updateDeviceButton").setEnabled(true);
         window.button("updateDeviceButton").click();
-        pressLogKey(window);
+        window.pressLogKey();
         QVERIFY(!window.button("downloadLogFile").isVisible());
     }
 
@@ -120,7 +115,7 @@ private slots:
         connectUnit(window);
         window.button("updateDeviceButton").setEnabled(true);
         for (int press = 0; press < 2; ++press) {
-            pressLogKey(window);
+            window.pressLogKey();
             QVERIFY(QMetaObject::invokeMethod(&*window, "on_downloadLogFile_pressed"));
             QVERIFY(window.button("stopDownloadingFile").isVisible());
             QVERIFY(window.button("stopDownloadingFile").isEnabled());

@@ -76,4 +76,14 @@ QString savingProblem()
     return signal("youHaveProblem", {text::savingProblem, text::savingAdvice});
 }
 
+QStringList badAddress()
+{
+    return {log("UpdateChecker::downloadError"), log("UpdateChecker::exitSlot"), problem()};
+}
+
+QStringList incomplete()
+{
+    return {log("Can't find info about version and binary file"), problem()};
+}
+
 } // namespace told

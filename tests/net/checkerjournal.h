@@ -37,5 +37,7 @@ namespace told {
 [[nodiscard]] QString signal(const QString& name, const QStringList& parameters = {});
 [[nodiscard]] QString problem(); ///< the only network problem
 [[nodiscard]] QString savingProblem();
+[[nodiscard]] QStringList badAddress(); ///< of an address that cannot be taken apart
+[[nodiscard]] QStringList incomplete(); ///< of a catalogue without a value that is needed
 
 } // namespace told

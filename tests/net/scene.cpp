@@ -1,5 +1,7 @@
 #include "tests/net/scene.h"
 
+#include "tests/support/limits.h"
+
 #include <QNetworkProxyFactory>
 #include <QTest>
 
@@ -54,22 +56,24 @@ void Scene::reset()
     journal = std::make_unique<CheckerJournal>(*checker);
 }
 
-void Scene::ask(Request request, const RawServer& whom)
+void Scene::ask(Request request, const QString& address)
 {
     switch (request) {
     case Request::catalogue:
         checker->checkUpdate();
         break;
     case Request::changeLog:
-        state().changeLogUrl = whom.address(changeLogPath);
+        state().newVersion = "27";
+        state().changeLogUrl = address;
         checker->downloadChangeLog();
         break;
     case Request::mainChangeLog:
-        state().mainChangeLogUrl = whom.address(mainChangeLogPath);
+        state().mainVersion = updater::next;
+        state().mainChangeLogUrl = address;
         checker->downloadMainChangeLog();
         break;
     case Request::image:
-        state().binUrl = whom.address(imagePath);
+        state().binUrl = address;
         checker->onNeedDownloadNewFirmware();
         break;
     }
@@ -87,7 +91,7 @@ QStringList Scene::networkError(Request request) const
         return {told::log("Error by download info file"), told::problem()};
     constexpr std::array lines{"", "UpdateChecker::downloadChangeLogDone",
                                "UpdateChecker::downloadMainChangeLogDone", "UpdateChecker::onDone"};
-    const QString error = state().reply != nullptr ? state().reply->errorString() : "(no reply was kept)";
+    const QString error = reply() != nullptr ? reply()->errorString() : "(no reply was kept)";
     return {told::log(lines.at(static_cast<std::size_t>(request))), told::problem(),
             told::log("Error by download update file"), told::signal("checkversionError", {error})};
 }
@@ -100,6 +104,24 @@ QByteArray Scene::catalogue(const CatalogueEntries& changes) const
     for (auto change = changes.begin(); change != changes.end(); ++change)
         entries[change.key()] = change.value();
     return catalogueText(entries);
+}
+
+void Scene::leaveStaleCatalogue()
+{
+    server.setAnswer(cataloguePath, {{announced(1000, "HB4Ver=99\n")}});
+    checker->checkUpdate();
+    QTRY_COMPARE(journal->events, networkError(Request::catalogue));
+    journal->events.clear();
+}
+
+bool Scene::hasStaleCatalogue()
+{
+    journal->events.clear();
+    server.setAnswer(cataloguePath, ok(catalogue({{"HB4Ver", {}}})));
+    server.setAnswer(changeLogPath, ok("better"));
+    checker->checkUpdate();
+    (void)QTest::qWaitFor([this] { return rests(1); }, limits::hangMs());
+    return journal->events == QStringList{told::signal("findNewVersion", {"99", "better"})};
 }
 
 bool Scene::rests(qsizetype events) const

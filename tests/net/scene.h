@@ -32,24 +32,35 @@ public:
     /// Creates a new checker and journal, and clears the server.
     void reset();
 
-    /// Makes the checker send the request. For changeLog, mainChangeLog and image, the checker's address is
-    /// first set to this server's.
+    /// Makes the checker send the request. For changeLog, mainChangeLog and image, the checker first gets
+    /// this server's address, and of a change log the version: firmware 27, or the next updater.
     void ask(Request request) { ask(request, server); }
-    void ask(Request request, const RawServer& whom);
+    void ask(Request request, const RawServer& whom) { ask(request, whom.address(path(request))); }
+    /// At this address, as a catalogue would give it; the catalogue has an address of its own.
+    void ask(Request request, const QString& address);
     [[nodiscard]] static QString path(Request request);
 
     /// What the checker reports when this request fails with a network error. The error text is taken from
     /// the reply that the checker then holds.
     [[nodiscard]] QStringList networkError(Request request) const;
 
-    /// A good catalogue for an HB4: firmware 27, updater 11, addresses of this server. `changes` replaces
-    /// values, adds keys, and removes keys whose new value is null. Lines end in LF.
+    /// A good catalogue for an HB4: firmware 27, our own updater, addresses of this server. `changes`
+    /// replaces values, adds keys, and removes keys whose new value is null. Lines end in LF.
     [[nodiscard]] QByteArray catalogue(const CatalogueEntries& changes = {}) const;
 
     /// The checker's private state.
     [[nodiscard]] inside::Checker state() const { return inside::of(*checker); }
+    /// How many bytes of the answer in flight the checker has taken: no signal or file tells it.
+    [[nodiscard]] qint64 received() const { return state().received; }
+    /// The reply that the checker holds; null if it holds none.
+    [[nodiscard]] QNetworkReply* reply() const { return state().reply; }
     /// The checker's timeout timer.
     [[nodiscard]] QTimer& clock() const { return *checker->findChild<QTimer*>(); }
+
+    /// Has a check fail that has received a firmware version: that is left behind.
+    void leaveStaleCatalogue();
+    /// Whether it still precedes what the next check receives. Forgets the events so far.
+    [[nodiscard]] bool hasStaleCatalogue();
 
     /// True once the checker is not waiting for an answer and its journal holds this many events.
     [[nodiscard]] bool rests(qsizetype events) const;

@@ -3,13 +3,6 @@
 #include <QTimer>
 #include <QtTest>
 
-namespace {
-
-const QStringList badAddress{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
-                             told::problem()};
-
-} // namespace
-
 /// The change logs of a newer firmware and of a newer updater. They differ in the address and in the signal.
 class TestChangeLog : public QObject
 {
@@ -35,8 +28,6 @@ private slots:
 
 private:
     static void bothLogs();
-    [[nodiscard]] QString& addressOf(Request log);
-    void download(Request log);
     [[nodiscard]] static QString offer(Request log, const QString& text);
 
     Scene scene;
@@ -49,37 +40,21 @@ void TestChangeLog::bothLogs()
     QTest::newRow("updater") << Request::mainChangeLog;
 }
 
-QString& TestChangeLog::addressOf(Request log)
-{
-    return log == Request::changeLog ? scene.state().changeLogUrl : scene.state().mainChangeLogUrl;
-}
-
-void TestChangeLog::download(Request log)
-{
-    scene.state().newVersion = "27";
-    scene.state().mainVersion = "12";
-    if (log == Request::changeLog)
-        scene.checker->downloadChangeLog();
-    else
-        scene.checker->downloadMainChangeLog();
-}
-
 QString TestChangeLog::offer(Request log, const QString& text)
 {
     return log == Request::changeLog ? told::signal("findNewVersion", {"27", text})
-                                     : told::signal("findMainNewVersion", {"12", text});
+                                     : told::signal("findMainNewVersion", {updater::next, text});
 }
 
 void TestChangeLog::address_data()
 {
     QTest::addColumn<Request>("log");
     QTest::addColumn<QString>("before");
-    QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("requestLine");
     const QString host = "127.0.0.1:" + QString::number(scene.server.port());
     const auto row = [&host](const char* name, Request log, const QString& start, const QString& path,
                              const QByteArray& wire) {
-        QTest::newRow(name) << log << start + host + path << path << "GET " + wire + " HTTP/1.1\r";
+        QTest::newRow(name) << log << start + host + path << "GET " + wire + " HTTP/1.1\r";
     };
     row("http", Request::changeLog, "http://", "/a/b.txt", "/a/b.txt");
     row("https is asked for as http", Request::changeLog, "https://", "/a/b.txt", "/a/b.txt");
@@ -95,9 +70,7 @@ void TestChangeLog::address()
     QFETCH(Request, log);
     QFETCH(QString, before);
     QFETCH(QByteArray, requestLine);
-    addressOf(log) = before;
-    download(log);
-    QTEST(addressOf(log), "path"); // cut in place
+    scene.ask(log, before);
     QVERIFY(scene.clock().isActive());
     QTRY_COMPARE(scene.server.requests().size(), 1);
     QCOMPARE(scene.server.requests().first().split('\n').first(), requestLine);
@@ -108,10 +81,8 @@ void TestChangeLog::badAddressAsksNobody()
     QFETCH(Request, log);
     for (const QString bad : {"http://127.0.0.1", "127.0.0.1/a.txt", "http://127.0.0.1//a.txt", ""}) {
         scene.reset();
-        addressOf(log) = bad;
-        download(log);
-        QCOMPARE(scene.journal->all, badAddress);
-        QCOMPARE(addressOf(log), bad);
+        scene.ask(log, bad);
+        QCOMPARE(scene.journal->all, told::badAddress());
         QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
     }
 }
@@ -120,12 +91,14 @@ void TestChangeLog::secondUseOfAnAddressFails()
 {
     QFETCH(Request, log);
     scene.server.setAnswer("/a.txt", ok("better"));
-    addressOf(log) = scene.server.address("/a.txt");
-    download(log);
+    scene.ask(log, scene.server.address("/a.txt"));
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "better")});
     scene.journal->events.clear();
-    download(log);
-    QCOMPARE(scene.journal->events, badAddress);
+    if (log == Request::changeLog)
+        scene.checker->downloadChangeLog();
+    else
+        scene.checker->downloadMainChangeLog();
+    QCOMPARE(scene.journal->events, told::badAddress());
     QCOMPARE(scene.server.requests().size(), 1);
 }
 
@@ -152,8 +125,6 @@ void TestChangeLog::text()
     QFETCH(QByteArray, body);
     QFETCH(QString, shown);
     scene.server.setAnswer(Scene::path(log), ok(body));
-    scene.state().newVersion = "27";
-    scene.state().mainVersion = "12";
     scene.ask(log);
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, shown)});
 }
@@ -161,39 +132,33 @@ void TestChangeLog::text()
 void TestChangeLog::successLeavesNothing()
 {
     QFETCH(Request, log);
-    scene.state().infoData = "stale catalogue";
+    scene.leaveStaleCatalogue();
     scene.server.setAnswer(Scene::path(log), ok("first"));
-    addressOf(log) = scene.server.address(Scene::path(log));
-    download(log);
-    const QPointer<QNetworkReply> reply = scene.state().reply;
+    scene.ask(log);
+    const QPointer<QNetworkReply> reply = scene.reply();
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "first")});
-    QVERIFY(scene.state().changeLogText.isEmpty());
-    QVERIFY(scene.state().infoData.isEmpty());
-    QCOMPARE(scene.state().reply, nullptr);
+    QCOMPARE(scene.reply(), nullptr);
     QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
 
     scene.server.setAnswer(Scene::path(log), ok("second"));
-    addressOf(log) = scene.server.address(Scene::path(log));
-    download(log);
+    scene.ask(log);
     QTRY_COMPARE(scene.journal->events, (QStringList{offer(log, "first"), offer(log, "second")}));
+    QVERIFY(!scene.hasStaleCatalogue());
 }
 
 void TestChangeLog::errorKeepsThePartialText()
 {
     QFETCH(Request, log);
     scene.server.setAnswer(Scene::path(log), {{announced(9, "half")}});
-    addressOf(log) = scene.server.address(Scene::path(log));
-    download(log);
+    scene.ask(log);
     QTRY_VERIFY(scene.rests(4));
     QCOMPARE(scene.journal->events, scene.networkError(log));
-    QCOMPARE(scene.state().changeLogText, QString("half"));
     QVERIFY(!scene.clock().isActive());
 
     scene.journal->events.clear();
     scene.server.setAnswer(Scene::path(log), ok(", whole"));
-    addressOf(log) = scene.server.address(Scene::path(log));
-    download(log);
+    scene.ask(log);
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "half, whole")});
 }
 
@@ -204,9 +169,8 @@ void TestChangeLog::eachPieceEndsAtItsNul()
     scene.server.setAnswer(
         Scene::path(log),
         {{head + "one" + '\0' + 'x', QByteArray("two\0y", 5)}, RawServer::End::keepOpen, true});
-    addressOf(log) = scene.server.address(Scene::path(log));
-    download(log);
-    QTRY_COMPARE(scene.state().changeLogText, QString("one"));
+    scene.ask(log);
+    QTRY_COMPARE(scene.received(), 5); // the first piece
     scene.server.goOn();
     QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "onetwo")});
 }
@@ -214,9 +178,8 @@ void TestChangeLog::eachPieceEndsAtItsNul()
 void TestChangeLog::characterSplitBetweenPieces()
 {
     scene.server.setAnswer(changeLogPath, {{announced(4, "a\xC3"), "\xA4z"}, RawServer::End::keepOpen, true});
-    addressOf(Request::changeLog) = scene.server.address(changeLogPath);
-    download(Request::changeLog);
-    QTRY_VERIFY(scene.state().changeLogText.startsWith('a'));
+    scene.ask(Request::changeLog);
+    QTRY_COMPARE(scene.received(), 2); // the first piece
     scene.server.goOn();
     const QString shown = 'a' + QString(2, QChar(QChar::ReplacementCharacter)) + 'z'; // each half by itself
     QTRY_COMPARE(scene.journal->events, QStringList{offer(Request::changeLog, shown)});

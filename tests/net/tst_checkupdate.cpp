@@ -9,10 +9,8 @@ namespace {
 const QString upToDate = told::signal("youHaveLastVersion");
 const QString offer = told::signal("findNewVersion", {"27", "better"});
 const QString updaterOffer = told::signal("findMainNewVersion", {updater::next, "new look"});
-const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
+const QStringList incomplete = told::incomplete();
 const QStringList oversized{told::log("UpdateChecker::exitSlot"), told::problem()};
-const QStringList badAddress{told::log("UpdateChecker::downloadError"), told::log("UpdateChecker::exitSlot"),
-                             told::problem()};
 
 using Changes = QMap<QString, QString>;
 
@@ -112,8 +110,8 @@ void TestCheckUpdate::outcome_data()
         incomplete);
     row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate});
     row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", updater::next}}, "30",
-        badAddress);
-    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", badAddress);
+        told::badAddress());
+    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", told::badAddress());
 }
 
 void TestCheckUpdate::outcome()

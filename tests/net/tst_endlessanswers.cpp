@@ -72,9 +72,9 @@ void TestEndlessAnswers::expectGivenUp(Request request)
     QTRY_VERIFY(scene.rests(expected.size()));
     const QStringList last = scene.journal->events.mid(scene.journal->events.size() - expected.size());
     QCOMPARE(last, scene.networkError(request)); // before it, reports of the announced size
-    QCOMPARE(scene.state().reply->error(), QNetworkReply::OperationCanceledError);
+    QCOMPARE(scene.reply()->error(), QNetworkReply::OperationCanceledError);
     QVERIFY(!scene.clock().isActive());
-    QVERIFY(scene.state().received > limit);
+    QVERIFY(scene.received() > limit);
 }
 
 void TestEndlessAnswers::plain()
@@ -106,7 +106,6 @@ void TestEndlessAnswers::compressed()
 void TestEndlessAnswers::justWithinTheLimit()
 {
     const QByteArray log(limit, 'x');
-    scene.state().newVersion = "27";
     scene.server.setAnswer(changeLogPath, ok(log));
     scene.ask(Request::changeLog);
     const QString expected = told::signal("findNewVersion", {"27", QString::fromLatin1(log)});
@@ -118,7 +117,6 @@ void TestEndlessAnswers::justWithinTheLimit()
 void TestEndlessAnswers::eachAnswerCountsForItself()
 {
     const QString found = told::signal("findNewVersion", {"27", ""});
-    scene.state().newVersion = "27";
     scene.server.setAnswer(changeLogPath, ok(QByteArray(limit / 2 + 1, '\0'))); // which leaves no text
     for (int time = 1; time <= 2; ++time) {
         scene.ask(Request::changeLog);

@@ -10,7 +10,7 @@ namespace {
 
 const QString upToDate = told::signal("youHaveLastVersion");
 const QString offer = told::signal("findNewVersion", {"27", "better"});
-const QStringList incomplete{told::log("Can't find info about version and binary file"), told::problem()};
+const QStringList incomplete = told::incomplete();
 
 } // namespace
 
@@ -43,14 +43,15 @@ void TestOverlappingRequests::staleLines_data()
 {
     QTest::addColumn<QByteArray>("stale");
     QTest::addColumn<QStringList>("events");
-    QTest::addColumn<QString>("version");
+    QTest::addColumn<QStringList>("ofTheChangeLog"); // when it is asked for (once more)
     QTest::newRow("duplicate key takes the fresh value")
-        << QByteArray("HB4Ver=99\n") << QStringList{offer} << "27";
+        << QByteArray("HB4Ver=99\n") << QStringList{offer} << told::badAddress();
     QTest::newRow("other keys still count") << QByteArray("HB4Ver=99\nMainVer=99\n") << QStringList{offer}
-                                            << "27"; // the fresh MainVer is our own
+                                            << told::badAddress(); // the fresh MainVer is our own
     QTest::newRow("last line without its end runs into the first fresh line")
-        << QByteArray("HB4Ver=99\nremark ") << incomplete << "27";
-    QTest::newRow("NUL byte hides what is fresh") << QByteArray("HB4Ver=99\n\0\n", 12) << incomplete << "99";
+        << QByteArray("HB4Ver=99\nremark ") << incomplete << QStringList{offer};
+    QTest::newRow("NUL byte hides what is fresh")
+        << QByteArray("HB4Ver=99\n\0\n", 12) << incomplete << told::badAddress();
 }
 
 /// A first answer is cut short; what arrived of it stands before the second answer.
@@ -58,18 +59,18 @@ void TestOverlappingRequests::staleLines()
 {
     QFETCH(QByteArray, stale);
     QFETCH(QStringList, events);
+    QFETCH(QStringList, ofTheChangeLog);
     scene.server.setAnswer(cataloguePath, {{announced(1000, stale)}});
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
-    QCOMPARE(scene.state().infoData, stale);
-    QVERIFY(scene.state().newVersion.isEmpty());
 
     scene.journal->events.clear();
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
-    QTEST(scene.state().newVersion, "version");
+    scene.checker->downloadChangeLog();
+    QTRY_COMPARE(scene.journal->events, events + ofTheChangeLog);
 }
 
 void TestOverlappingRequests::secondCheckInFlight_data()
@@ -97,10 +98,10 @@ void TestOverlappingRequests::secondCheckInFlight()
     QTRY_VERIFY(scene.rests(1));
     QVERIFY(!scene.clock().isActive());
 
-    scene.state().infoData.clear();
     scene.journal->events.clear();
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
-    scene.checker->checkUpdate(); // and the checker still works
+    scene.server.setAnswer(cataloguePath,
+                           ok('\n' + scene.catalogue({{"HB4Ver", "23"}}))); // behind what is left
+    scene.checker->checkUpdate();                                           // and the checker still works
     QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
 }
 
@@ -137,8 +138,8 @@ void TestOverlappingRequests::checkDuringADownload()
                            {{image.chopped(500), image.right(500)}, RawServer::End::keepOpen, true});
     scene.server.setAnswer(cataloguePath, {{answer}, RawServer::End::keepOpen});
     scene.ask(Request::image);
-    QTRY_COMPARE(scene.state().firmwareData.size(), 500);
-    QNetworkReply* const download = scene.state().reply;
+    QTRY_COMPARE(scene.received(), 500);
+    QNetworkReply* const download = scene.reply();
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 2);
     QTRY_COMPARE(scene.server.bytesSent(), image.size() - 500 + answer.size());

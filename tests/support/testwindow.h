@@ -39,6 +39,12 @@ public:
     /// Clicks the button with the mouse.
     void press(const char* name) const { QTest::mouseClick(&button(name), Qt::LeftButton); }
 
+    /// Ctrl+Shift+L, which offers the log.
+    void pressLogKey() const
+    {
+        QTest::keyClick(&*window, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    }
+
     /// Presses Connect and checks that the search freed everything that it got from the HID library.
     void pressConnect() const
     {

@@ -20,6 +20,14 @@ public:
     /// Lets the unit accept the image and advances the window until the first packet has been written.
     void startStream(const QByteArray& image);
 
+    /// Begins where a test is about something later, which no user can reach directly: after so many packets
+    /// of a stream; in the installation; with a unit that has not been opened.
+    /// @{
+    void skipTo(int packets) { window.state().packetNumber = packets; }
+    void followInstallation() { window.state().applyingPhase = 1; }
+    void loseHandle() { window.state().device = nullptr; }
+    /// @}
+
     /// The writes to the unit, or to the second deck, so far: 65 bytes each.
     [[nodiscard]] std::vector<Bytes> writes() const { return virtualbus::writesTo(1); }
     [[nodiscard]] std::vector<Bytes> secondWrites() const { return virtualbus::writesTo(2); }

@@ -81,14 +81,14 @@ void TestFirmwareDownload::firstAndSecondDownload()
 
 void TestFirmwareDownload::leavesNothingInMemory()
 {
-    scene.state().infoData = "stale catalogue";
+    scene.leaveStaleCatalogue();
     scene.ask(Request::image);
-    const QPointer<QNetworkReply> reply = scene.state().reply;
+    const QPointer<QNetworkReply> reply = scene.reply();
     QTRY_COMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(scene.state().reply, nullptr);
-    QVERIFY(scene.state().infoData.isEmpty() && scene.state().firmwareData.isEmpty());
+    QCOMPARE(scene.reply(), nullptr);
     QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
+    QVERIFY(!scene.hasStaleCatalogue());
 }
 
 void TestFirmwareDownload::answer_data()
@@ -152,14 +152,13 @@ void TestFirmwareDownload::noImage()
 
 void TestFirmwareDownload::networkErrorWritesNothing()
 {
-    scene.state().infoData = "catalogue";
+    scene.leaveStaleCatalogue();
     scene.server.setAnswer(imagePath, {{announced(9, "half")}});
     download();
     QCOMPARE(scene.journal->events, scene.networkError(Request::image));
     QCOMPARE(ImageFiles::at(imageName()), ImageFiles{});
-    QCOMPARE(scene.state().firmwareData, QByteArray("half")); // the buffers are kept
-    QCOMPARE(scene.state().infoData, QByteArray("catalogue"));
     QVERIFY(!scene.clock().isActive());
+    QVERIFY(scene.hasStaleCatalogue()); // unlike after a whole image
 }
 
 void TestFirmwareDownload::nextDownloadBeginsAfresh()
@@ -185,21 +184,19 @@ void TestFirmwareDownload::badAddress_data()
 void TestFirmwareDownload::badAddress()
 {
     QFETCH(QString, address);
-    scene.state().binUrl = address;
-    scene.checker->onNeedDownloadNewFirmware();
-    QCOMPARE(scene.journal->all, (QStringList{told::log("UpdateChecker::downloadError"),
-                                              told::log("UpdateChecker::exitSlot"), told::problem()}));
-    QCOMPARE(scene.state().binUrl, address);
+    scene.ask(Request::image, address);
+    QCOMPARE(scene.journal->all, told::badAddress());
     QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
 }
 
 void TestFirmwareDownload::addressIsCutInPlace()
 {
-    scene.state().binUrl = scene.server.address(imagePath).replace("http:", "https:");
-    scene.checker->onNeedDownloadNewFirmware();
-    QCOMPARE(scene.state().binUrl, QString(imagePath));
+    scene.ask(Request::image, scene.server.address(imagePath).replace("http:", "https:"));
     QCOMPARE(scene.clock().interval(), 30000);
     QTRY_COMPARE(scene.journal->events, QStringList{done}); // by plain HTTP
+    scene.checker->onNeedDownloadNewFirmware();
+    QCOMPARE(scene.journal->events.last(), told::problem()); // only the path is left of the address
+    QCOMPARE(scene.server.requests().size(), 1);
 }
 
 void TestFirmwareDownload::progress()
@@ -214,7 +211,7 @@ void TestFirmwareDownload::progress()
     };
     QTRY_VERIFY(isTold());
     const int percent = scene.journal->progress.first();
-    const int arrived = scene.state().firmwareData.size();
+    const int arrived = static_cast<int>(scene.received());
     QVERIFY2(percent < 100 && percent <= arrived * 100 / size, qPrintable(QString::number(percent)));
     for (int i = 0; i < bytes.size(); ++i)
         scene.server.goOn();

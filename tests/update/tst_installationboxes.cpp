@@ -23,7 +23,7 @@ public:
     RunningInstallation() : TransferDesk(UNIT_HB4)
     {
         placeFile(filename::image, imageOf(10));
-        window.state().applyingPhase = 1;
+        followInstallation();
         window.boxes.leaveOpen();
         window->updateDevice();
     }

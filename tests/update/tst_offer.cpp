@@ -1,4 +1,5 @@
 #include "net/updatechecker.h"
+#include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
 #include "tests/support/texts.h"
 
@@ -79,20 +80,13 @@ void TestOffer::firmwareText_data()
     QTest::addColumn<int>("current");
     QTest::addColumn<QString>("latest");
     QTest::addColumn<QString>("text");
-    QTest::newRow("9 to 10") << 9 << "10"
-                             << "Your unit current version: 0.9\nLatest version: 1.0";
-    QTest::newRow("23 to 27") << 23 << "27"
-                              << "Your unit current version: 2.3\nLatest version: 2.7";
-    QTest::newRow("largest") << 255 << "255"
-                             << "Your unit current version: 25.5\nLatest version: 25.5";
-    QTest::newRow("unknown unit version") << 0 << "1"
-                                          << "Your unit current version: 0.0\nLatest version: 0.1";
-    QTest::newRow("leading zeros go") << 10 << "0012"
-                                      << "Your unit current version: 1.0\nLatest version: 1.2";
-    QTest::newRow("no whole number") << 10 << "1.5"
-                                     << "Your unit current version: 1.0\nLatest version: 0.0";
-    QTest::newRow("no number") << 10 << "new"
-                               << "Your unit current version: 1.0\nLatest version: 0.0";
+    QTest::newRow("9 to 10") << 9 << "10" << firmwareOffer("0.9", "1.0");
+    QTest::newRow("23 to 27") << 23 << "27" << firmwareOffer("2.3", "2.7");
+    QTest::newRow("largest") << 255 << "255" << firmwareOffer("25.5", "25.5");
+    QTest::newRow("unknown unit version") << 0 << "1" << firmwareOffer("0.0", "0.1");
+    QTest::newRow("leading zeros go") << 10 << "0012" << firmwareOffer("1.0", "1.2");
+    QTest::newRow("no whole number") << 10 << "1.5" << firmwareOffer("1.0", "0.0");
+    QTest::newRow("no number") << 10 << "new" << firmwareOffer("1.0", "0.0");
 }
 
 void TestOffer::firmwareText()
@@ -100,26 +94,25 @@ void TestOffer::firmwareText()
     QFETCH(int, current);
     QFETCH(QString, latest);
     QFETCH(QString, text);
+    placeServiceFile(); // so that connecting asks no server
     OfferDesk desk;
+    const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
+    unit->say(firstReport(0, static_cast<std::uint8_t>(current)));
+    desk.window.pressConnect();
     pressNo(desk.window.boxes);
-    desk.window.state().currentVersion = static_cast<std::uint8_t>(current);
     emit desk.window.checker().findNewVersion(latest, "what is new");
-    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
-    QCOMPARE(desk.window.boxes.seen().front().text, text);
+    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{2});
+    QCOMPARE(desk.window.boxes.seen().back().text, text);
 }
 
 void TestOffer::updaterText_data()
 {
     QTest::addColumn<QString>("latest");
     QTest::addColumn<QString>("text");
-    QTest::newRow("12") << "12"
-                        << "Your Talvex updater version: 0.11\nLatest version: 0.12";
-    QTest::newRow("leading zeros go") << "012"
-                                      << "Your Talvex updater version: 0.11\nLatest version: 0.12";
-    QTest::newRow("more digits") << "100"
-                                 << "Your Talvex updater version: 0.11\nLatest version: 0.100";
-    QTest::newRow("no number") << "new"
-                               << "Your Talvex updater version: 0.11\nLatest version: 0.0";
+    QTest::newRow("next") << updater::next << updaterOffer();
+    QTest::newRow("leading zeros go") << QString("0") + updater::next << updaterOffer();
+    QTest::newRow("more digits") << "100" << updaterOffer("0.100");
+    QTest::newRow("no number") << "new" << updaterOffer("0.0");
 }
 
 void TestOffer::updaterText()
@@ -189,8 +182,8 @@ void TestOffer::firmwareAnswer()
     QStringList expected = desk.window.controls();
     if (startsDownload)
         expected
-            .replaceInStrings("labelTransfer|disabled visible|Transfer:|",
-                              "labelTransfer|enabled visible|Transfer: download new version|")
+            .replaceInStrings(QString("labelTransfer|disabled visible|%1|").arg(text::transferIdle),
+                              QString("labelTransfer|enabled visible|%1|").arg(text::transferDownload))
             .replaceInStrings("progressBarTransfer|disabled", "progressBarTransfer|enabled");
     desk.window->onFindNewVersion("12", "log");
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});

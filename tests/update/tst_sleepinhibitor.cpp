@@ -1,6 +1,7 @@
 #include "tests/support/mocklogind.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
+#include "tests/support/texts.h"
 #include "update/sleepinhibitor.h"
 
 #include <QLocalServer>
@@ -82,11 +83,11 @@ private slots:
             QTRY_COMPARE(logind.inhibitors(), held); // while the answer to the request is awaited
             if (status != 0xA0 && status != 0xB0) {
                 unit->sayStatus(0x90);
-                QTRY_VERIFY(window.state().packetNumber > 1);
+                QTRY_VERIFY(virtualbus::writesTo(unit->number).size() > 2);
                 QCOMPARE(logind.inhibitors(), held); // in the stream
-                QTRY_COMPARE(window.state().applyingPhase, 1);
+                QTRY_COMPARE(virtualbus::callsOf("hid_read_timeout").back().timeout.value(), 100);
                 unit->sayStatus(0xE0);
-                QTRY_COMPARE(window.state().fakeProgressActive, 1);
+                QTRY_COMPARE(window.label("labelUpdate").text(), QString(text::updateInProgress));
                 QCOMPARE(logind.inhibitors(), held); // while the unit installs
             }
             unit->sayStatus(static_cast<std::uint8_t>(status));

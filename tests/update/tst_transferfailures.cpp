@@ -1,6 +1,7 @@
 #include "tests/support/boxlines.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
+#include "tests/support/wire.h"
 
 #include <QDir>
 #include <QtTest>
@@ -61,7 +62,7 @@ void TestTransferFailures::requestNotTaken()
 void TestTransferFailures::requestToNoUnit()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window.state().device = nullptr;
+    desk.loseHandle();
     desk.load(imageOf(200));
     desk.tick();
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noRequest});
@@ -135,7 +136,7 @@ void TestTransferFailures::behindTheEndOfTheImage()
     QFETCH(QByteArray, packet);
     TransferDesk desk(type);
     desk.startStream(imageOf(100));
-    desk.window.state().packetNumber = 3;
+    desk.skipTo(3);
     desk.tick();
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::behindTheEnd});
     QCOMPARE(hexOf(desk.writes().back()), packet);
@@ -147,7 +148,7 @@ void TestTransferFailures::stateChangeFirstThenThatBox()
 {
     TransferDesk desk(UNIT_HB4);
     desk.startStream(imageOf(100));
-    desk.window.state().packetNumber = 3;
+    desk.skipTo(3);
     QString underTheBox;
     std::size_t writesUnderTheBox = 0;
     desk.window.boxes.whileOpen = [&](QMessageBox&) {
@@ -178,10 +179,10 @@ void TestTransferFailures::noImage()
     desk.window->onChangeUpdateFileName(name);
     desk.load(imageOf(200)); // of an earlier update
     desk.window->updateDevice();
-    QVERIFY(!desk.window.state().updaterFile.isOpen());
-    QVERIFY(desk.window.state().firmwareData.isEmpty());
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noFile});
+    desk.tick();
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
+    QCOMPARE(desk.writes().size(), std::size_t{0});
 }
 
 void TestTransferFailures::largestImage()
@@ -191,7 +192,9 @@ void TestTransferFailures::largestImage()
     desk.window->onChangeUpdateFileName(programFile(filename::download));
     desk.window->updateDevice();
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
-    QCOMPARE(desk.window.state().firmwareData.size(), 64 * 1024 * 1024);
+    desk.tick();
+    const QByteArray digest = wire::digestOf(QByteArray(64 * 1024 * 1024, '\0'));
+    QVERIFY(desk.writes().front() == bytesOf(wire::request(models::hb4, digest)));
 }
 
 /// The timer starts all the same and goes straight to following the installation.

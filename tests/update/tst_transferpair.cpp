@@ -215,7 +215,7 @@ void TestTransferPair::packetNotTaken()
 void TestTransferPair::deckWithoutHandle()
 {
     Pair pair;
-    pair.window.state().device = nullptr;
+    pair.loseHandle();
     pair.load(imageOf(200));
     pair.tick();
     QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::noRequest});

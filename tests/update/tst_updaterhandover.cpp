@@ -62,6 +62,14 @@ void TestUpdaterHandover::openerGetsTheAddress()
 {
     QFETCH(QString, address);
     QFETCH(QString, handedOver);
+    scene.server.setAnswer(cataloguePath,
+                           ok(scene.catalogue({{"MainVer", updater::next}, {"MacMainBin", address}})));
+    scene.server.setAnswer(mainChangeLogPath, ok("new"));
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.journal->events,
+                 QStringList{told::signal("findMainNewVersion", {updater::next, "new"})});
+    scene.journal->events.clear();
+
     const QTemporaryDir folder;
     QFile opener(folder.filePath("xdg-open"));
     QVERIFY(opener.open(QIODevice::WriteOnly));
@@ -71,10 +79,9 @@ void TestUpdaterHandover::openerGetsTheAddress()
     QVERIFY(opener.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", folder.path().toUtf8() + ':' + path);
-    scene.state().mainBinUrl = address;
     scene.checker->onNeedDownloadNewMainFirmware();
     qputenv("PATH", path);
-    QCOMPARE(scene.journal->all, QStringList{told::signal("startDownloadMainUpdate")});
+    QCOMPARE(scene.journal->events, QStringList{told::signal("startDownloadMainUpdate")});
     QFile opened(folder.filePath("opened"));
     QTRY_VERIFY(opened.exists());
     QVERIFY(opened.open(QIODevice::ReadOnly));
