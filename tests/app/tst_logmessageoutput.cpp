@@ -36,8 +36,7 @@ void untilTheNextSecond()
 {
     const QDateTime start = QDateTime::currentDateTime();
     while (QDateTime::currentDateTime().toString("ss") == start.toString("ss"))
-        QThread::msleep(
-            5); // the file's name has a second of the clock in it: nothing but time brings the next one
+        QThread::msleep(5); // the second is part of the file's name: only time brings the next one
 }
 
 /// The sink keeps its file to the process's end, so each of these runs in a process and a folder of its own.
@@ -112,14 +111,10 @@ private slots:
     void lineStamp();
     void digits_data();
     void digits();
-    void everyTypeIsWrittenAndNoneEndsTheProcess();
-    void nullMessage();
-    void nullMessageFirst();
+    void fileAndEcho_data();
+    void fileAndEcho();
     void textStaysAsItIs();
-    void localEncodingBecomesUtf8();
-    void noFileThenAFile();
     void twoThreads();
-    void lineBeforeACrash();
 
 private:
     void speak(const QString& speech, const QByteArray& locale = "C");
@@ -235,27 +230,28 @@ void TestLogMessageOutput::digits()
         QVERIFY2(digitsOnly.match(text).hasMatch(), qPrintable(text));
 }
 
-void TestLogMessageOutput::everyTypeIsWrittenAndNoneEndsTheProcess()
+void TestLogMessageOutput::fileAndEcho_data()
 {
-    speak("every type");
-    QCOMPARE(texts(), (QStringList{"0", "4", "1", "2", "3"}));
-    QCOMPARE(echo, QByteArray("0\n4\n1\n2\n3\n"));
+    QTest::addColumn<QStringList>("told"); // in the file
+    QTest::addColumn<QByteArray>("echoed");
+    const auto row = [](const char* speech, const QStringList& told, const char* echoed) {
+        QTest::newRow(speech) << told << QByteArray(echoed);
+    };
+    row("every type", {"0", "4", "1", "2", "3"}, "0\n4\n1\n2\n3\n"); // none ends the process
+    row("null message", {"before", "behind"}, "before\n");           // spoils the echo for good, not the file
+    row("null message first", {}, "");
+    row("local encoding", {QString::fromUtf8("\xD0\x94\xD0\xB0")}, "\xC4\xE0\n");
+    row("folder is gone", {"kept"}, "lost\nkept\n");
+    row("crash", {"last words"}, "last words\n");
 }
 
-/// It spoils standard output for good; the file goes on.
-void TestLogMessageOutput::nullMessage()
+void TestLogMessageOutput::fileAndEcho()
 {
-    speak("null message");
-    QCOMPARE(texts(), (QStringList{"before", "behind"}));
-    QCOMPARE(echo, QByteArray("before\n"));
-}
-
-void TestLogMessageOutput::nullMessageFirst()
-{
-    speak("null message first");
+    QFETCH(QByteArray, echoed);
+    speak(QTest::currentDataTag());
+    QTEST(texts(), "told");
+    QCOMPARE(echo, echoed);
     QCOMPARE(files.size(), 1);
-    QCOMPARE(lines, QByteArrayList());
-    QCOMPARE(echo, QByteArray());
 }
 
 void TestLogMessageOutput::textStaysAsItIs()
@@ -266,21 +262,6 @@ void TestLogMessageOutput::textStaysAsItIs()
     QCOMPARE(lines[1], QByteArray("two"));
     QCOMPARE(lines[2], QByteArray());
     QCOMPARE(echo, QByteArray("one\ntwo\n\n"));
-}
-
-void TestLogMessageOutput::localEncodingBecomesUtf8()
-{
-    speak("local encoding");
-    QCOMPARE(texts(), QStringList{QString::fromUtf8("\xD0\x94\xD0\xB0")});
-    QCOMPARE(echo, QByteArray("\xC4\xE0\n"));
-}
-
-void TestLogMessageOutput::noFileThenAFile()
-{
-    speak("folder is gone");
-    QCOMPARE(files.size(), 1);
-    QCOMPARE(texts(), QStringList{"kept"});
-    QCOMPARE(echo, QByteArray("lost\nkept\n"));
 }
 
 /// No line is torn, none is lost, each thread's own stay in order.
@@ -297,13 +278,6 @@ void TestLogMessageOutput::twoThreads()
         QCOMPARE(match.captured(2).toInt(), next[text[0]]++);
     }
     QCOMPARE(QString(echo), written.join('\n') + '\n');
-}
-
-void TestLogMessageOutput::lineBeforeACrash()
-{
-    speak("crash");
-    QCOMPARE(texts(), QStringList{"last words"});
-    QCOMPARE(echo, QByteArray("last words\n"));
 }
 
 int main(int argc, char** argv)

@@ -21,7 +21,6 @@ using faultycalls::Call;
 namespace {
 
 const QByteArray none; ///< null: no such file
-
 const QByteArray older(70000, 'o');
 const QByteArray previous(50000, 'p');
 const QByteArray fresh = QByteArray(60000, 'f') + '\0' + QByteArray(1234, 'g');
@@ -45,11 +44,10 @@ private slots:
     void diskRefuses_data();
     void diskRefuses();
     void diskIsFullInMidFile();
-    void fileTooLarge();
     void nameTakenByAFolder();
     void folderIsGone();
+    void onlyImageSurvivesAFailure_data();
     void onlyImageSurvivesAFailure();
-    void onlyImageSurvivesAFolderInItsPlace();
     void imageCannotBecomeTheBackup();
     void downloadCannotBecomeTheImage();
     void replacingWithoutADownload();
@@ -137,7 +135,7 @@ void TestImageStore::linkIsNotFollowed()
 {
     const QString elsewhere = folder->filePath("elsewhere");
     QVERIFY((ImageFiles{previous, none, none}.placeAt(elsewhere)));
-    QVERIFY(QFile::link(elsewhere, name + ".upd"));
+    QVERIFY(QFile::link(elsewhere, downloadOf(name)));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     QVERIFY(store.replaceImage());
@@ -150,9 +148,12 @@ void TestImageStore::diskRefuses_data()
 {
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("error");
-    QTest::newRow("disk is full") << int(Call::write) << ENOSPC;
-    QTest::newRow("disk is broken") << int(Call::write) << EIO;
-    QTest::newRow("shows only when the bytes go to the disk") << int(Call::fsync) << EIO;
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("disk is full") << int(Call::write) << ENOSPC << fresh;
+    QTest::newRow("disk is broken") << int(Call::write) << EIO << fresh;
+    QTest::newRow("shows only when the buffer is flushed")
+        << int(Call::write) << EFBIG << QByteArray("small");
+    QTest::newRow("shows only when the bytes go to the disk") << int(Call::fsync) << EIO << fresh;
 }
 
 /// Nothing of the download is left, the image is untouched.
@@ -160,10 +161,11 @@ void TestImageStore::diskRefuses()
 {
     QFETCH(int, call);
     QFETCH(int, error);
+    QFETCH(QByteArray, bytes);
     place({previous, none, none});
     const ImageStore store(name);
     faultycalls::fail(static_cast<Call>(call), 1, error);
-    QVERIFY(!store.writeDownload(fresh));
+    QVERIFY(!store.writeDownload(bytes));
     QCOMPARE(found(), (ImageFiles{previous, none, none}));
 }
 
@@ -179,19 +181,10 @@ void TestImageStore::diskIsFullInMidFile()
     QCOMPARE(found(), (ImageFiles{}));
 }
 
-/// Small enough to wait in the buffer: the failure shows only when it is flushed.
-void TestImageStore::fileTooLarge()
-{
-    const ImageStore store(name);
-    faultycalls::fail(Call::write, 1, EFBIG);
-    QVERIFY(!store.writeDownload("small"));
-    QCOMPARE(found(), (ImageFiles{}));
-}
-
 void TestImageStore::nameTakenByAFolder()
 {
     place({previous, none, none});
-    QVERIFY(QDir().mkpath(name + ".upd/inside"));
+    QVERIFY(QDir().mkpath(downloadOf(name) + "/inside"));
     const ImageStore store(name);
     QVERIFY(!store.writeDownload(fresh));
     QCOMPARE(found(), (ImageFiles{previous, none, none}));
@@ -209,32 +202,30 @@ void TestImageStore::folderIsGone()
     QVERIFY(!store.hasImage());
 }
 
+void TestImageStore::onlyImageSurvivesAFailure_data()
+{
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("its name is free") << false;
+    QTest::newRow("a folder has its name") << true;
+}
+
 /// With no image, the backup is the only one there is; a failed download must not cost it.
 void TestImageStore::onlyImageSurvivesAFailure()
 {
+    QFETCH(bool, isTaken);
     place({none, older, previous});
+    QVERIFY(!isTaken || QDir().mkpath(name + "/taken"));
     const ImageStore store(name);
     faultycalls::fail(Call::write, 1, ENOSPC);
     QVERIFY(!store.writeDownload(fresh));
-    QVERIFY(store.replaceImage());
-    QCOMPARE(found(), (ImageFiles{none, none, previous}));
-}
-
-void TestImageStore::onlyImageSurvivesAFolderInItsPlace()
-{
-    place({none, none, previous});
-    QVERIFY(QDir().mkpath(name + "/taken"));
-    const ImageStore store(name);
-    faultycalls::fail(Call::write, 1, ENOSPC);
-    QVERIFY(!store.writeDownload(fresh));
-    QVERIFY(!store.replaceImage());
+    QCOMPARE(store.replaceImage(), !isTaken);
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
 }
 
 void TestImageStore::imageCannotBecomeTheBackup()
 {
     place({previous, none, none});
-    QVERIFY(QDir().mkpath(name + ".bkp/inside"));
+    QVERIFY(QDir().mkpath(backupOf(name) + "/inside"));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     QVERIFY(!store.replaceImage());

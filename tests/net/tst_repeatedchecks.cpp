@@ -1,0 +1,110 @@
+#include "net/catalogue.h"
+#include "tests/net/signedscene.h"
+#include "tests/support/imagefiles.h"
+#include "tests/support/texts.h"
+
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+using Answer = RawServer::Answer;
+using End = RawServer::End;
+
+} // namespace
+
+/// A program with a key checks again: nothing of an earlier check or download gets into the later one.
+class TestRepeatedChecks : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { scene.reset(); }
+    void failedCheckLeavesNothing_data();
+    void failedCheckLeavesNothing();
+    void onlyTheLatestCheckCounts();
+    void checkDuringADownload();
+
+private:
+    SignedScene scene;
+};
+
+void TestRepeatedChecks::failedCheckLeavesNothing_data()
+{
+    QTest::addColumn<Answer>("catalogueAnswer");
+    QTest::addColumn<Answer>("signatureAnswer");
+    const QByteArray tempting = "HB4Ver=99\n";
+    QTest::newRow("catalogue cut short") << Answer{{announced(999, tempting)}} << ok("");
+    QTest::newRow("no signature") << ok(tempting) << Answer{{httpAnswer("404 Not Found", "no")}};
+    QTest::newRow("bad signature") << ok(tempting) << ok(scene.stranger.sign(tempting));
+    QTest::newRow("signed, but incomplete") << ok(tempting) << ok(scene.signer.sign(tempting));
+}
+
+/// The next check judges and uses its own bytes alone.
+void TestRepeatedChecks::failedCheckLeavesNothing()
+{
+    QFETCH(Answer, catalogueAnswer);
+    QFETCH(Answer, signatureAnswer);
+    scene.server.setAnswer(cataloguePath, catalogueAnswer);
+    scene.server.setAnswer(signaturePath, signatureAnswer);
+    scene.check(2);
+    QVERIFY(!scene.journal->events.contains(signedOffer));
+    scene.publish(scene.signable());
+    scene.check(1);
+    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+}
+
+/// What is left of an earlier check neither ends the later one nor gets into its bytes.
+void TestRepeatedChecks::onlyTheLatestCheckCounts()
+{
+    const QByteArray old = httpAnswer("200 OK", "HB4Ver=99\n" + scene.signable());
+    scene.server.setAnswer(cataloguePath, {{old.chopped(20), old.right(20)}, End::keepOpen, true});
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(scene.received() > 0);
+    const QPointer<QNetworkReply> first = scene.reply();
+    const QByteArray plain = scene.signable();
+    const QByteArray answer = httpAnswer("200 OK", plain);
+    scene.server.setAnswer(cataloguePath, {{answer.chopped(20), answer.right(20)}, End::keepOpen, true});
+    scene.server.setAnswer(signaturePath, ok(scene.signer.sign(plain)));
+    scene.checker->checkUpdate();
+    QTRY_VERIFY(scene.received() > 0);
+    scene.server.goOn(); // with both, if the first is still there
+    QTRY_VERIFY(scene.rests(1));
+    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QTRY_VERIFY(first.isNull());
+    QVERIFY(!scene.clock().isActive());
+}
+
+/// It drops the image on its way; the next one is judged by the digest of its own catalogue, and no other may
+/// be sent.
+void TestRepeatedChecks::checkDuringADownload()
+{
+    const QString imageName = QCoreApplication::applicationDirPath() + '/' + filename::image;
+    QVERIFY(ImageFiles{}.placeAt(imageName));
+    const QByteArray first(40000, 'f');
+    const QByteArray second(40000, 's');
+    scene.publish(scene.signable({{"HB4Sha256", catalogue::digestOf(first)}}));
+    scene.check(1);
+    const QByteArray answer = httpAnswer("200 OK", first);
+    scene.server.setAnswer(imagePath, {{answer.left(1000), answer.mid(1000)}, End::keepOpen, true});
+    scene.checker->onNeedDownloadNewFirmware();
+    QTRY_VERIFY(scene.received() > 0);
+
+    scene.publish(scene.signable({{"HB4Sha256", catalogue::digestOf(second)}}));
+    scene.check(1);
+    scene.server.goOn();
+    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QVERIFY(!scene.checker->mayBeSent(first) && !scene.checker->mayBeSent(second));
+    QCOMPARE(ImageFiles::at(imageName), ImageFiles{});
+
+    scene.journal->events.clear();
+    scene.server.setAnswer(imagePath, ok(second));
+    scene.checker->onNeedDownloadNewFirmware();
+    QTRY_VERIFY(scene.rests(1));
+    QCOMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
+    QCOMPARE(ImageFiles::at(imageName).image, second);
+    QVERIFY(!scene.checker->mayBeSent(first) && scene.checker->mayBeSent(second));
+}
+
+QTEST_GUILESS_MAIN(TestRepeatedChecks)
+#include "tst_repeatedchecks.moc"
