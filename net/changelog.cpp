@@ -21,34 +21,34 @@ void UpdateChecker::httpReadyRead3()
     giveUpEndless();
 }
 
-/// Reports a change log that did not arrive. Intentional: the part received precedes the next one.
-bool UpdateChecker::changeLogFailed(const char* logLine)
+/// Ends the request. False, and reported as `logLine`, if the change log did not arrive. Intentional: the
+/// part received then precedes the next one.
+bool UpdateChecker::hasChangeLog(const char* logLine)
 {
     timeoutTimer->stop();
     if (reply == nullptr)
-        return true;
-    if (!replyFailed())
         return false;
-    reportFailedDownload(logLine);
+    if (replyFailed()) {
+        reportFailedDownload(logLine);
+        return false;
+    }
+    releaseReply();
+    infoData.clear();
     return true;
 }
 
 void UpdateChecker::downloadChangeLogDone()
 {
-    if (changeLogFailed("UpdateChecker::downloadChangeLogDone"))
+    if (!hasChangeLog("UpdateChecker::downloadChangeLogDone"))
         return;
-    releaseReply();
-    infoData.clear();
     emit findNewVersion(newVersion, changeLogText);
     changeLogText.clear();
 }
 
 void UpdateChecker::downloadMainChangeLogDone()
 {
-    if (changeLogFailed("UpdateChecker::downloadMainChangeLogDone"))
+    if (!hasChangeLog("UpdateChecker::downloadMainChangeLogDone"))
         return;
-    releaseReply();
-    infoData.clear();
     emit findMainNewVersion(mainVersion, changeLogText);
     changeLogText.clear();
 }

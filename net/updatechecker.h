@@ -59,7 +59,7 @@ signals:
 public slots:
     void onNeedDownloadNewFirmware();
     void onNeedDownloadNewMainFirmware();
-    void downloadChangeLog();
+    void downloadChangeLog(); // intentional: this slot and the next one are only called
     void downloadMainChangeLog();
     void exitSlot();
     void onDataReadProgress(qint64 done, qint64 total);
@@ -91,7 +91,7 @@ private:
     void act(const catalogue::Offer& offer);
     [[nodiscard]] const char* imageFault() const;
     void storeFirmware();
-    [[nodiscard]] bool changeLogFailed(const char* logLine);
+    [[nodiscard]] bool hasChangeLog(const char* logLine);
 
     // net/signedcatalogue.cpp: in a build with a catalogue key
     void forgetEarlierCheck();
