@@ -9,6 +9,7 @@
 
 #include <iostream>
 
+/// Intentional: no type ends the program.
 void logMessageOutput(QtMsgType /*type*/, const char* message)
 {
     static QMutex lock; // the log worker emits messages too

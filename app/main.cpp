@@ -24,6 +24,7 @@ int runWindow(int argc, char** argv)
     leftovers::giveBackAtExit();
     exitsignals::quitOnSignal(application);
     MainWindow window;
+    // Intentional: without the "0." of the offers, and not translated.
     window.setWindowTitle("Talvex updater v. " + QString::number(updaterVersion));
     window.show();
     const int result = QApplication::exec();

@@ -13,7 +13,7 @@ bool only_one_time = false; ///< the closing box has been shown; once per run
 
 } // namespace
 
-/// Ctrl+Shift+L offers the log to support staff.
+/// Intentional: only Ctrl+Shift+L offers the log, as it is meant for support staff.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() != Qt::Key_L || event->modifiers() != (Qt::ControlModifier | Qt::ShiftModifier)) {

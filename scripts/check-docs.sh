@@ -1,5 +1,6 @@
 #!/bin/bash
-# Checks that every file and every test that the documents name exists. Exit code 1: one does not; it is printed.
+# Checks that every file and every test that the documents name exists, and that the code which
+# docs/kept-on-purpose.md names says "intentional". Exit code 1: something is missing; it is printed.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -26,4 +27,9 @@ for document in "${documents[@]}"; do
         grep -qsE "void ([A-Za-z_]+::)?$function\(\)" tests/*/"$program.cpp" || complain "$document: there is no $program::$function"
     done < <(named "$document" 'tst_[a-z0-9]+::[A-Za-z0-9_]+')
 done
+
+# The second column of each table names the code.
+while read -r path; do
+    grep -qs '[Ii]ntentional' "$path" || complain "docs/kept-on-purpose.md: $path does not say \"intentional\""
+done < <(cut -d '|' -f 3 docs/kept-on-purpose.md | grep -oE '[a-z]+/[a-z_]+\.[a-z]+' | sort -u)
 exit "$failed"

@@ -104,6 +104,7 @@ void MainWindow::connectAll()
 
 // clang-format on
 
+/// Intentional: the labels' texts are not translated, unlike the buttons'.
 void MainWindow::setStartingState()
 {
     ui->updateDeviceButton->setEnabled(false);

@@ -99,7 +99,7 @@ private:
     [[nodiscard]] bool readVersion(hid_device* unit);
     void showConnected(const char* message);
 
-    // update/transfer.cpp
+    // update/transfer.cpp; intentional: the parameters without a name are not used
     [[nodiscard]] bool readImage();
     void startTransfer();
     void startTransferOfPair();

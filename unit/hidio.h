@@ -18,8 +18,8 @@ inline constexpr int failed = -1;
 /// Closes a unit returned by open(); does nothing if it is already closed.
 void close(hid_device* device);
 
-/// Asks the unit for its serial number, which nothing uses: being asked may be what makes a unit send its
-/// first report.
+/// Asks the unit for its serial number. Intentional: nothing uses it, but being asked may be what makes a
+/// unit send its first report.
 void askForSerialNumber(hid_device* device);
 
 /// Writes the 65 bytes at `report` (report ID included). Returns the bytes written, or -1.

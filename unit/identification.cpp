@@ -72,8 +72,9 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     startUpdateCheck(); // intentional: the log downloader gets no device of a pair
 }
 
-/// Takes the version from the first report, which a unit sends unasked. A unit that sends none in time has
-/// version 0. False if the read failed; the version then stays unchanged.
+/// Takes the version from the first report, which a unit sends unasked. Intentional: a unit that sends none
+/// in time has version 0. False if the read failed; the version then stays unchanged, and intentionally the
+/// unit is connected all the same.
 bool MainWindow::readVersion(hid_device* unit)
 {
     report::Input input{};

@@ -22,7 +22,8 @@ constexpr int complete = 100; ///< per cent
 } // namespace
 
 /// Reads one status and acts on it. Intentional: with two decks both must answer, and the second one's status
-/// counts. Waits indefinitely for a silent unit.
+/// counts; a silent unit is waited for indefinitely; after an error the polling goes on, and labels and bar
+/// stay as they are.
 void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
 {
     if (hidio::read(device, buffer, pollReadMs) <= 0)
@@ -88,7 +89,8 @@ void MainWindow::showInstallationFinished()
     });
 }
 
-/// Moves the installation's bar by one, on every second call, up to 99: the unit reports no percentage.
+/// Moves the installation's bar by one, on every second call, up to 99. Intentional: whatever the unit does,
+/// which reports no percentage; and nothing is connected to this slot.
 void MainWindow::updateFakeProgressSlot()
 {
     constexpr int highest = 99;

@@ -8,7 +8,8 @@
 #include <QMessageBox>
 #include <QTextEdit>
 
-/// Shows an offer and its change log. Neither: the program ended before the box was answered.
+/// Shows an offer and its change log. Neither: the program ended before the box was answered. Intentional:
+/// the texts of offers are not translated.
 MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)
 {
     QMessageBox box;

