@@ -93,13 +93,13 @@ private slots:
     void vanishesByItself_data();
     void vanishesByItself();
     void hangsInMidTransfer();
-    void closedInMidWork_data();
-    void closedInMidWork();
-    void endedBySignal_data();
-    void endedBySignal();
+    void endedInMidWork_data();
+    void endedInMidWork();
     void endedBySignalInABlockedWrite();
 
 private:
+    static void addWork();
+    Outcome reachRow(Program& program, PluggedUnits& units);
     Outcome begin(Program& program, PluggedUnits& units, const QString& more, int imageSize = shortImage);
 
     Desktop desktop;
@@ -118,11 +118,27 @@ Outcome tst_usbunplug::begin(Program& program, PluggedUnits& units, const QStrin
     return program.start();
 }
 
-void tst_usbunplug::unplugged_data()
+/// Adds the columns of reachRow().
+void tst_usbunplug::addWork()
 {
     QTest::addColumn<QString>("more"); // options of the unit
     QTest::addColumn<State>("reach");
     QTest::addColumn<int>("imageSize");
+}
+
+/// Starts the program and has it do what the row says.
+Outcome tst_usbunplug::reachRow(Program& program, PluggedUnits& units)
+{
+    QFETCH(QString, more);
+    QFETCH(State, reach);
+    QFETCH(int, imageSize);
+    STEP(begin(program, units, more, imageSize));
+    return reach(program);
+}
+
+void tst_usbunplug::unplugged_data()
+{
+    addWork();
     QTest::newRow("idle") << "" << State(connectOnly) << shortImage;
     QTest::newRow("while an answer is awaited") << ",fault=never-answers" << State(awaitAnswer) << shortImage;
     QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
@@ -133,13 +149,9 @@ void tst_usbunplug::unplugged_data()
 
 void tst_usbunplug::unplugged()
 {
-    QFETCH(QString, more);
-    QFETCH(State, reach);
-    QFETCH(int, imageSize);
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, more, imageSize));
-    MUST(reach(program));
+    MUST(reachRow(program, units));
     MUST(units.unplug());
     int load = 100;
     for (int looks = 0; looks < mostLooks && load >= highestLoad; ++looks) {
@@ -190,54 +202,30 @@ void tst_usbunplug::hangsInMidTransfer()
     MUST(program.waitForExit(0));
 }
 
-void tst_usbunplug::closedInMidWork_data()
+void tst_usbunplug::endedInMidWork_data()
 {
-    QTest::addColumn<QString>("more"); // options of the unit
-    QTest::addColumn<State>("reach");
-    QTest::addColumn<int>("imageSize");
-    QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
-    QTest::newRow("during the installation") << longInstallation << State(install) << shortImage;
-}
-
-/// The unit stays plugged in, and the system has it again.
-void tst_usbunplug::closedInMidWork()
-{
-    QFETCH(QString, more);
-    QFETCH(State, reach);
-    QFETCH(int, imageSize);
-    Program program(desktop);
-    PluggedUnits units;
-    MUST(begin(program, units, more, imageSize));
-    MUST(reach(program));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
-    MUST(units.seeGivenBack());
-}
-
-void tst_usbunplug::endedBySignal_data()
-{
-    QTest::addColumn<int>("signal");
-    QTest::addColumn<QString>("more"); // options of the unit
-    QTest::addColumn<State>("reach");
-    QTest::addColumn<int>("imageSize");
-    QTest::newRow("SIGTERM, idle") << SIGTERM << "" << State(connectOnly) << shortImage;
-    QTest::newRow("SIGINT, in the stream") << SIGINT << "" << State(streamImage) << longImage;
+    addWork();
+    QTest::addColumn<int>("signal"); // 0: the window is closed
+    QTest::newRow("window closed, in the stream") << "" << State(streamImage) << longImage << 0;
+    QTest::newRow("window closed, during the installation")
+        << longInstallation << State(install) << shortImage << 0;
+    QTest::newRow("SIGTERM, idle") << "" << State(connectOnly) << shortImage << SIGTERM;
+    QTest::newRow("SIGINT, in the stream") << "" << State(streamImage) << longImage << SIGINT;
     QTest::newRow("SIGHUP, during the installation")
-        << SIGHUP << longInstallation << State(install) << shortImage;
+        << longInstallation << State(install) << shortImage << SIGHUP;
 }
 
 /// The unit stays plugged in, and the system has it again.
-void tst_usbunplug::endedBySignal()
+void tst_usbunplug::endedInMidWork()
 {
     QFETCH(int, signal);
-    QFETCH(QString, more);
-    QFETCH(State, reach);
-    QFETCH(int, imageSize);
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, more, imageSize));
-    MUST(reach(program));
-    program.sendSignal(signal);
+    MUST(reachRow(program, units));
+    if (signal == 0)
+        MUST(program.closeWindow());
+    else
+        program.sendSignal(signal);
     MUST(program.waitForExit(0));
     MUST(units.seeGivenBack());
 }
