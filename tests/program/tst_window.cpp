@@ -8,19 +8,6 @@
 
 namespace {
 
-/// "signature parameters" of each method of a class, in order.
-QStringList methodsOf(Program& program, const QByteArray& className)
-{
-    QStringList lines;
-    const QJsonArray methods = program.ask("methods " + className).array();
-    for (const QJsonValue& value : methods) {
-        const QJsonObject method = value.toObject();
-        lines += method["kind"].toString() + ' ' + method["signature"].toString() + ' ' +
-                 method["parameters"].toString();
-    }
-    return lines;
-}
-
 QString connectionLine(const QJsonObject& row)
 {
     // A control by its name, anything else by its class: a control's class says nothing.
@@ -45,10 +32,7 @@ private slots:
     void titleAndSize();
     void controls_data();
     void controls();
-    void nothingElseIsShown();
-    void buttonRow();
     void onlyConnectResponds();
-    void methodsOfTheWindow();
     void connectionsInOrder();
     void logFileIsCreatedBesideTheProgram();
     void nothingIsWrittenToTheErrorOutput();
@@ -77,7 +61,7 @@ void tst_window::cleanupTestCase()
 void tst_window::titleAndSize()
 {
     const QJsonObject window = view.window();
-    QCOMPARE(window["title"].toString(), QString("Talvex updater v. 11"));
+    QCOMPARE(window["title"].toString(), QString(text::windowTitle));
     QCOMPARE(window["name"].toString(), QString("MainWindow"));
     QCOMPARE(window["class"].toString(), QString("MainWindow"));
     QCOMPARE(QSize(window["width"].toInt(), window["height"].toInt()), QSize(488, 440));
@@ -111,29 +95,6 @@ void tst_window::controls()
     QCOMPARE(control["whatsThis"].toString(), QString(expected.whatsThis));
 }
 
-void tst_window::nothingElseIsShown()
-{
-    QStringList names;
-    const QJsonArray widgets = view.window()["widgets"].toArray();
-    for (const QJsonValue& widget : widgets)
-        names += widget.toObject()["name"].toString();
-    names.sort();
-    QCOMPARE(names, windowtable::controlNames());
-    QCOMPARE(view.boxCount(), 0);
-}
-
-void tst_window::buttonRow()
-{
-    const QJsonArray layouts = view.window()["layouts"].toArray();
-    QCOMPARE(layouts.size(), 1);
-    const QJsonObject row = layouts.at(0).toObject();
-    QCOMPARE(row["name"].toString(), QString("horizontalLayout"));
-    QCOMPARE(row["class"].toString(), QString("QHBoxLayout"));
-    QCOMPARE(row["spacing"].toInt(), 6);
-    QCOMPARE(row["margins"].toArray(), (QJsonArray{0, 0, 0, 0}));
-    QCOMPARE(row["members"].toString(), QString("connect_button updateDeviceButton"));
-}
-
 void tst_window::onlyConnectResponds()
 {
     MUST(program->clickOn("updateDeviceButton"));
@@ -146,11 +107,6 @@ void tst_window::onlyConnectResponds()
     MUST(program->answer("Ok"));
     MUST(program->waitForNoBox());
     QVERIFY(program->look().enabled("connect_button"));
-}
-
-void tst_window::methodsOfTheWindow()
-{
-    QCOMPARE(methodsOf(*program, "MainWindow").join('\n'), windowtable::methods.join('\n'));
 }
 
 void tst_window::connectionsInOrder()

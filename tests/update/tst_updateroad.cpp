@@ -2,21 +2,18 @@
 #include "tests/support/testwindow.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
-#include "tests/support/transferfaults.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QtTest>
 
 namespace {
 
-int plugIn(UnitType type, const char* fault = nullptr)
+int plugIn(UnitType type)
 {
     virtualunit::Options options;
     options.type = type;
     options.periodMs =
         0; // it speaks when it has something to say, so a window that comes late misses nothing
-    if (fault != nullptr && options.faults.addByName(fault))
-        qFatal("no fault %s", fault);
     return virtualbus::attach(options);
 }
 
@@ -42,8 +39,6 @@ private slots:
     void everyModel();
     void everyLength_data();
     void everyLength();
-    void fault_data();
-    void fault();
 };
 
 void TestUpdateRoad::everyModel_data()
@@ -93,36 +88,6 @@ void TestUpdateRoad::everyLength()
     window.press("connect_button");
     QVERIFY(quits([&] { window.press("updateDeviceButton"); }));
     QVERIFY(hasInstalled(unit, image));
-}
-
-void TestUpdateRoad::fault_data()
-{
-    QTest::addColumn<QString>("transfer");
-    for (const TransferFault& fault : transferFaults())
-        QTest::newRow(fault.option) << (fault.transfer == nullptr ? text::transferIdle : fault.transfer);
-}
-
-/// Each trouble is told once, and the program stays open.
-void TestUpdateRoad::fault()
-{
-    QFETCH(QString, transfer);
-    const TransferFault& fault = transferFaultOfRow();
-    placeServiceFile(imageOf(1000));
-    TestWindow window;
-    plugIn(UNIT_HB4, fault.option);
-    window.press("connect_button");
-    QStringList expected{boxline::connected(UNIT_HB4)};
-    if (fault.box != nullptr)
-        expected += errorBox(fault.box, fault.title).line();
-    QVERIFY(runsOn([&] { window.press("updateDeviceButton"); },
-                   [&] {
-                       return window.boxes.lines().size() >= expected.size() &&
-                              window.boxes.openCount() == 0 &&
-                              window.label("labelTransfer").text() == transfer &&
-                              window.label("labelUpdate").text() == fault.update;
-                   }));
-    QCOMPARE(window.boxes.lines(), expected);
-    QVERIFY(!window.button("updateDeviceButton").isEnabled());
 }
 
 QTEST_MAIN(TestUpdateRoad)

@@ -2,13 +2,11 @@
 
 #include <QJsonObject>
 #include <QMetaObject>
-#include <QPointer>
 
 #include <dlfcn.h>
 #include <link.h>
 
 #include <mutex>
-#include <vector>
 
 namespace {
 
@@ -21,7 +19,6 @@ struct Kept
 {
     std::mutex guard; ///< connections may be made on any thread
     QJsonArray rows;
-    std::vector<QPointer<QObject>> objects;
 };
 
 /// Never destroyed: the program may still connect while its statics go.
@@ -71,8 +68,6 @@ void keep(const QObject* sender, const char* signal, const QObject* receiver, co
         {"connected", connected},
         {"self", sender == receiver},
     });
-    all.objects.emplace_back(const_cast<QObject*>(sender));
-    all.objects.emplace_back(const_cast<QObject*>(receiver));
 }
 
 } // namespace
@@ -94,16 +89,6 @@ QJsonArray made()
 {
     const std::lock_guard<std::mutex> lock(kept().guard);
     return kept().rows;
-}
-
-QObject* objectOfClass(const QByteArray& name)
-{
-    const std::lock_guard<std::mutex> lock(kept().guard);
-    for (const QPointer<QObject>& object : kept().objects) {
-        if (!object.isNull() && object->metaObject()->className() == name)
-            return object;
-    }
-    return nullptr;
 }
 
 } // namespace connections

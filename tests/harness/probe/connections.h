@@ -11,7 +11,4 @@ namespace connections {
 /// connected, and self (sender and receiver are one object).
 [[nodiscard]] QJsonArray made();
 
-/// A live object of this class that took part in a connection; nullptr if there is none.
-[[nodiscard]] QObject* objectOfClass(const QByteArray& className);
-
 } // namespace connections

@@ -15,17 +15,13 @@ constexpr const char* nameVariable = "TALVEX_PROBE";
 
 QLocalServer* server = nullptr; ///< GUI thread; lives from the application object's start to its end
 
-/// "snapshot", "connections" or "methods CLASS"; the answer to anything else is an empty object.
+/// "snapshot" or "connections"; the answer to anything else is an empty object.
 QJsonDocument answerTo(const QByteArray& request)
 {
     if (request == "snapshot")
         return QJsonDocument(snapshot::take());
     if (request == "connections")
         return QJsonDocument(connections::made());
-    if (request.startsWith("methods ")) {
-        if (const QObject* object = connections::objectOfClass(request.mid(8)))
-            return QJsonDocument(snapshot::methodsOf(*object));
-    }
     return QJsonDocument(QJsonObject());
 }
 

@@ -4,12 +4,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QBoxLayout>
-#include <QLabel>
+#include <QJsonArray>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QMetaEnum>
-#include <QMetaMethod>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVariant>
@@ -75,29 +73,6 @@ QJsonObject describe(const QMessageBox& box)
     return fields;
 }
 
-QJsonArray layoutsOf(const QMainWindow& window)
-{
-    QJsonArray all;
-    const auto found = window.findChildren<QBoxLayout*>();
-    for (const QBoxLayout* layout : found) {
-        if (layout->objectName().isEmpty() || layout->objectName().startsWith("_"))
-            continue;
-        QStringList members;
-        for (int i = 0; i < layout->count(); ++i)
-            members += layout->itemAt(i)->widget() == nullptr ? QString()
-                                                              : layout->itemAt(i)->widget()->objectName();
-        const QMargins margins = layout->contentsMargins();
-        all.append(QJsonObject{
-            {"name", layout->objectName()},
-            {"class", QString::fromLatin1(layout->metaObject()->className())},
-            {"spacing", layout->spacing()},
-            {"margins", QJsonArray{margins.left(), margins.top(), margins.right(), margins.bottom()}},
-            {"members", members.join(' ')},
-        });
-    }
-    return all;
-}
-
 QJsonObject describe(const QMainWindow& window)
 {
     QJsonArray widgets;
@@ -108,7 +83,6 @@ QJsonObject describe(const QMainWindow& window)
     }
     QJsonObject fields = describe(static_cast<const QWidget&>(window));
     fields["widgets"] = widgets;
-    fields["layouts"] = layoutsOf(window);
     return fields;
 }
 
@@ -130,21 +104,6 @@ QJsonObject take()
             windows.append(describe(*window));
     }
     return {{"windows", windows}, {"boxes", boxes}};
-}
-
-QJsonArray methodsOf(const QObject& object)
-{
-    QJsonArray methods;
-    const QMetaObject& meta = *object.metaObject();
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        const QMetaMethod method = meta.method(i);
-        methods.append(QJsonObject{
-            {"signature", QString::fromLatin1(method.methodSignature())},
-            {"parameters", QString::fromLatin1(method.parameterNames().join(','))},
-            {"kind", method.methodType() == QMetaMethod::Signal ? "signal" : "slot"},
-        });
-    }
-    return methods;
 }
 
 } // namespace snapshot

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonArray>
 #include <QJsonObject>
 
 /// What a user currently sees of this program, as JSON. GUI thread only; changes nothing.
@@ -9,8 +8,5 @@ namespace snapshot {
 /// windows: the visible main windows with their widgets by object name; boxes: the visible message boxes.
 /// Each carries winId (as text: it may exceed a double) and its position on the screen in pixels.
 [[nodiscard]] QJsonObject take();
-
-/// The meta-methods that an object's own class adds, in order: signature, parameters (names), kind.
-[[nodiscard]] QJsonArray methodsOf(const QObject& object);
 
 } // namespace snapshot
