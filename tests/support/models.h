@@ -7,6 +7,7 @@
 #include <QMetaType>
 
 #include <array>
+#include <string_view>
 
 Q_DECLARE_METATYPE(UnitType)
 
@@ -95,17 +96,35 @@ struct Connection
     }
 };
 
-/// All connections, single units first.
+inline constexpr std::string_view leftSide = "-left";
+
+/// A left deck's twin is the next model.
+[[nodiscard]] constexpr bool isLeftDeck(const Model& model)
+{
+    return model.isDeck() && std::string_view(model.option).ends_with(leftSide);
+}
+
+static_assert(
+    [] {
+        for (const Model& model : all)
+            if (model.isDeck() &&
+                isLeftDeck(model) == isLeftDeck(of(model.type + (isLeftDeck(model) ? 1 : -1))))
+                return false;
+        return true;
+    }(),
+    "every deck is in a connection");
+
+/// All connections, single units first: every model is in exactly one.
 [[nodiscard]] inline QList<Connection> connections()
 {
-    const QByteArray leftSide = "-left";
     QList<Connection> found;
     for (const Model& model : all)
         if (!model.isDeck())
             found += Connection{model.option, {model}};
     for (const Model& model : all)
-        if (const QByteArray option = model.option; option.endsWith(leftSide))
-            found += Connection{option.chopped(leftSide.size()), {model, of(model.type + 1)}};
+        if (isLeftDeck(model))
+            found += Connection{QByteArray(model.option).chopped(static_cast<int>(leftSide.size())),
+                                {model, of(model.type + 1)}};
     return found;
 }
 
