@@ -4,8 +4,5 @@
 /// from this line.
 inline constexpr int updaterVersion = 11;
 
-/// The threshold of an updater's offer: only a higher version than our own is newer.
-[[nodiscard]] constexpr bool isNewerUpdater(int version)
-{
-    return version > updaterVersion;
-}
+/// The lowest updater version in the catalogue that is newer than this updater.
+inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;

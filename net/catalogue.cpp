@@ -68,7 +68,7 @@ Decision decide(const Offer& offer, const QString& curVersion, bool digestRequir
         return Decision::incomplete;
     if (digestRequired && !isDigest(offer.imageDigest))
         return Decision::incomplete;
-    if (isNewerUpdater(offer.mainVersion.toInt()))
+    if (offer.mainVersion.toInt() >= UPDATER_VERSION_THRESHOLD)
         return Decision::newerUpdater;
     return leadingNumber(offer.newVersion) > leadingNumber(curVersion) ? Decision::newerFirmware
                                                                        : Decision::upToDate;

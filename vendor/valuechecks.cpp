@@ -43,7 +43,7 @@ Findings updaterVersion(const Line& line)
         return {{Severity::error, "misread-number", line.number, line.key,
                  QString("%1 is read as %2: write a whole number, 11 for 0.11")
                      .arg(line.value, QString::number(number))}};
-    if (!isNewerUpdater(number))
+    if (number < UPDATER_VERSION_THRESHOLD)
         return {};
     return {{Severity::note, "newer-updater", line.number, line.key,
              QString("updaters older than %1 offer the new updater and no firmware")
