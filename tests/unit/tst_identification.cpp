@@ -25,8 +25,8 @@ private slots:
     void init() { placeServiceFile(); }
 
     void callsInOrder();
-    void version_data();
-    void version();
+    void model_data();
+    void model();
     void anyReport_data();
     void anyReport();
     void oldestReportCounts();
@@ -35,8 +35,6 @@ private slots:
     void shortReport();
     void failedRead();
     void whatIsToldWhen();
-    void message_data();
-    void message();
     void typeWithoutModel();
     void noRecord();
     void failedOpening();
@@ -68,7 +66,8 @@ void TestIdentification::callsInOrder()
                                           "hid_read_timeout handle=1 length=64 timeout=1000 result=64"}));
 }
 
-void TestIdentification::version_data()
+/// Also a deck by itself.
+void TestIdentification::model_data()
 {
     QTest::addColumn<UnitType>("type");
     QTest::addColumn<int>("version");
@@ -76,7 +75,7 @@ void TestIdentification::version_data()
         QTest::newRow(model.option) << model.type << (model.versionByte == 62 ? 0x17 : 0x20);
 }
 
-void TestIdentification::version()
+void TestIdentification::model()
 {
     QFETCH(UnitType, type);
     QFETCH(int, version);
@@ -88,6 +87,7 @@ void TestIdentification::version()
     QCOMPARE(int{inside::of(window.checker()).curVersionByte}, version);
     QCOMPARE(inside::of(window.checker()).curVersion, QString::number(version));
     QCOMPARE(inside::of(window.checker()).unitType, type);
+    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
 }
 
 void TestIdentification::anyReport_data()
@@ -202,24 +202,6 @@ void TestIdentification::whatIsToldWhen()
     QCOMPARE(inside::of(downloader).device, window.state().device);
     QCOMPARE(inside::of(downloader).unitType, UNIT_PANEL4V);
     QCOMPARE(checked.count(), 1);
-}
-
-/// Also of a deck by itself.
-void TestIdentification::message_data()
-{
-    QTest::addColumn<UnitType>("type");
-    for (const models::Model& model : models::all)
-        QTest::newRow(model.option) << model.type;
-}
-
-void TestIdentification::message()
-{
-    QFETCH(UnitType, type);
-    TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(type);
-    unit->say(firstReport(1, 2));
-    QCOMPARE(find(window, type, unit->path()), 0);
-    QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
 }
 
 void TestIdentification::typeWithoutModel()

@@ -12,6 +12,10 @@
 
 namespace {
 
+constexpr int failing = -1; ///< instead of a version: the read fails
+constexpr int silent = -2;  ///< no report comes
+constexpr std::uint8_t earlier = 7;
+
 /// Of a model that keeps its version in the last byte.
 Bytes firstReport(std::uint8_t version)
 {
@@ -40,12 +44,9 @@ class TestIdentificationPair : public QObject
 
 private slots:
     void callsInOrder();
+    void versions_data();
     void versions();
     void whatIsTold();
-    void firstReadFails();
-    void secondReadFails();
-    void bothReadsFail();
-    void silentDecks();
     void deckThatDoesNotOpen();
     void noRecordOfTheSecondDeck();
     void noRecordOfTheFirstDeck();
@@ -67,15 +68,39 @@ void TestIdentificationPair::callsInOrder()
                              }));
 }
 
+void TestIdentificationPair::versions_data()
+{
+    QTest::addColumn<int>("left"); // what it reports
+    QTest::addColumn<int>("right");
+    QTest::addColumn<int>("shown");
+    QTest::addColumn<QString>("compared");
+    QTest::newRow("both are read") << 31 << 24 << 31 << "24";
+    QTest::newRow("first read fails") << 31 << failing << 31 << QString();
+    QTest::newRow("second read fails") << failing << 24 << 24 << "24";
+    QTest::newRow("both fail") << failing << failing << int{earlier} << QString();
+    QTest::newRow("both are silent") << silent << silent << 0 << "0";
+}
+
 void TestIdentificationPair::versions()
 {
+    QFETCH(int, left);
+    QFETCH(int, right);
     Pair pair;
-    pair.left->say(firstReport(31));
-    pair.right->say(firstReport(24));
+    pair.window.state().currentVersion = earlier;
+    for (const auto& [deck, version] : {std::pair(pair.left, left), std::pair(pair.right, right)}) {
+        if (version == failing) {
+            virtualbus::failReads(deck->number, true);
+            expectDiagnostic("Can't read current version\n");
+        } else if (version != silent) {
+            deck->say(firstReport(static_cast<std::uint8_t>(version)));
+        }
+    }
     pair.press();
-    QCOMPARE(int{pair.window.state().currentVersion}, 31);
-    QCOMPARE(int{inside::of(pair.window.checker()).curVersionByte}, 24);
-    QCOMPARE(inside::of(pair.window.checker()).curVersion, QString("24"));
+    QTEST(int{pair.window.state().currentVersion}, "shown");
+    QTEST(inside::of(pair.window.checker()).curVersion, "compared");
+    QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
+    QCOMPARE(pair.checked.count(), 1);
+    QVERIFY(!pair.window.button("connect_button").isEnabled());
 }
 
 void TestIdentificationPair::whatIsTold()
@@ -90,54 +115,6 @@ void TestIdentificationPair::whatIsTold()
     QCOMPARE(inside::of(pair.window.downloader()).device, static_cast<hid_device*>(nullptr));
     QCOMPARE(inside::of(pair.window.downloader()).unitType, UNIT_HB4);
     QVERIFY(!pair.window.button("connect_button").isEnabled());
-}
-
-void TestIdentificationPair::firstReadFails()
-{
-    Pair pair;
-    pair.left->say(firstReport(31));
-    virtualbus::failReads(pair.right->number, true);
-    expectDiagnostic("Can't read current version\n");
-    pair.press();
-    QCOMPARE(int{pair.window.state().currentVersion}, 31);
-    QVERIFY(inside::of(pair.window.checker()).curVersion.isNull());
-    QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
-    QCOMPARE(pair.checked.count(), 1);
-}
-
-void TestIdentificationPair::secondReadFails()
-{
-    Pair pair;
-    pair.right->say(firstReport(24));
-    virtualbus::failReads(pair.left->number, true);
-    expectDiagnostic("Can't read current version\n");
-    pair.press();
-    QCOMPARE(int{pair.window.state().currentVersion}, 24);
-    QCOMPARE(inside::of(pair.window.checker()).curVersion, QString("24"));
-    QCOMPARE(pair.checked.count(), 1);
-}
-
-void TestIdentificationPair::bothReadsFail()
-{
-    Pair pair;
-    pair.window.state().currentVersion = 7;
-    virtualbus::failReads(pair.left->number, true);
-    virtualbus::failReads(pair.right->number, true);
-    expectDiagnostic("Can't read current version\n");
-    expectDiagnostic("Can't read current version\n");
-    pair.press();
-    QCOMPARE(int{pair.window.state().currentVersion}, 7);
-    QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
-    QVERIFY(!pair.window.button("connect_button").isEnabled());
-}
-
-void TestIdentificationPair::silentDecks()
-{
-    Pair pair;
-    pair.window.state().currentVersion = 7;
-    pair.press();
-    QCOMPARE(int{pair.window.state().currentVersion}, 0);
-    QCOMPARE(inside::of(pair.window.checker()).curVersion, QString("0"));
 }
 
 /// The deck found second did not open: it has no handle, the pair goes on with the other one.
