@@ -5,12 +5,29 @@
 #include "ui/mainwindow.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QIcon>
 #include <QNetworkProxyFactory>
 #include <QTextCodec>
 
 #include <cstdlib>
 
 namespace {
+
+/// The program's icon in the sizes that title bars, task bars and window switchers show. From plain pixels:
+/// to read a PNG, Qt would first load all its plug-ins for pictures.
+QIcon programIcon()
+{
+    QIcon icon;
+    for (const int size : {16, 32, 48, 128}) {
+        QFile file(QString(":/icon/%1").arg(size));
+        QImage image(size, size, QImage::Format_RGBA8888);
+        if (file.open(QIODevice::ReadOnly) &&
+            file.read(reinterpret_cast<char*>(image.bits()), image.sizeInBytes()) == image.sizeInBytes())
+            icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
+}
 
 /// Runs the window. When this returns, the window and then the application have been destroyed.
 int runWindow(int argc, char** argv)
@@ -21,6 +38,7 @@ int runWindow(int argc, char** argv)
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 #endif
     QApplication application(argc, argv);
+    QApplication::setWindowIcon(programIcon());
     leftovers::giveBackAtExit();
     exitsignals::quitOnSignal(application);
     MainWindow window;

@@ -74,6 +74,35 @@ QSize XScreen::sizeOf(Window window)
     return {attributes.width, attributes.height};
 }
 
+QVector<QImage> XScreen::icons(Window window)
+{
+    constexpr long most = 1L << 20; // pixels and sizes, far above any icon
+    const Atom icon = XInternAtom(display, "_NET_WM_ICON", False);
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* value = nullptr;
+    XGetWindowProperty(display, window, icon, 0, most, False, XA_CARDINAL, &type, &format, &count, &rest,
+                       &value);
+    if (value == nullptr)
+        return {};
+    // Width, height, then a line after the other; Xlib gives each 32 bits in a long.
+    const auto* next = reinterpret_cast<const unsigned long*>(value);
+    const auto* const end = next + count;
+    QVector<QImage> icons;
+    while (end - next >= 2) {
+        QImage image(static_cast<int>(next[0]), static_cast<int>(next[1]), QImage::Format_ARGB32);
+        next += 2;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width() && next < end; ++x)
+                image.setPixel(x, y, static_cast<QRgb>(*next++));
+        icons += image;
+    }
+    XFree(value);
+    return icons;
+}
+
 bool XScreen::pointAt(QPoint position, Window window)
 {
     constexpr int deepest = 16; // frames of the window manager, the window, its native children

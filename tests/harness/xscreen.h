@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPoint>
 #include <QString>
+#include <QVector>
 
 #include <initializer_list>
 #include <optional>
@@ -38,6 +39,9 @@ public:
 
     /// The window's inner size in screen pixels; empty if there is no such window.
     [[nodiscard]] QSize sizeOf(Window window);
+
+    /// The icon that the window has given the window manager, in each of its sizes, in the window's order.
+    [[nodiscard]] QVector<QImage> icons(Window window);
 
     /// Presses and releases the left button where the pointer is.
     void click();

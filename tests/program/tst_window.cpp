@@ -30,18 +30,22 @@ private slots:
     void cleanupTestCase();
 
     void titleAndSize();
+    void icon_data();
+    void icon();
     void controls_data();
     void controls();
     void onlyConnectResponds();
     void connectionsInOrder();
     void logFileIsCreatedBesideTheProgram();
     void nothingIsWrittenToTheErrorOutput();
-    void noOpenGlIsLoaded();
+    void notLoaded_data();
+    void notLoaded();
 
 private:
     Desktop desktop;
     std::unique_ptr<Program> program;
-    View view; ///< as it stood right after the start
+    View view;         ///< as it stood right after the start
+    QByteArray loaded; ///< the libraries at that time
 };
 
 void tst_window::initTestCase()
@@ -50,6 +54,9 @@ void tst_window::initTestCase()
     program = std::make_unique<Program>(desktop);
     MUST(program->start());
     view = program->look();
+    QFile maps(QString("/proc/%1/maps").arg(program->processId()));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    loaded = maps.readAll();
 }
 
 void tst_window::cleanupTestCase()
@@ -65,6 +72,28 @@ void tst_window::titleAndSize()
     QCOMPARE(window["name"].toString(), QString("MainWindow"));
     QCOMPARE(window["class"].toString(), QString("MainWindow"));
     QCOMPARE(QSize(window["width"].toInt(), window["height"].toInt()), QSize(488, 440));
+}
+
+void tst_window::icon_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : {16, 32, 48, 128})
+        QTest::addRow("%d pixels", size) << size;
+}
+
+void tst_window::icon()
+{
+    QFETCH(int, size);
+    const QRgb arrow = qRgb(0xd9, 0x48, 0x0f);
+    for (const QImage& image : desktop.screen().icons(view.window()["winId"].toString().toULong())) {
+        if (image.width() != size)
+            continue;
+        QCOMPARE(image.height(), size);
+        QCOMPARE(QColor(image.pixel(size / 2, size / 2)), QColor(arrow));
+        QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
+        return;
+    }
+    QFAIL("the window has no icon of this size");
 }
 
 void tst_window::controls_data()
@@ -142,14 +171,20 @@ void tst_window::nothingIsWrittenToTheErrorOutput()
     QCOMPARE(program->errorOutput(), QString());
 }
 
-/// Qt loads its plugin for OpenGL, and with it the graphics driver, unless told that nobody needs it.
-void tst_window::noOpenGlIsLoaded()
+void tst_window::notLoaded_data()
 {
-    QFile maps(QString("/proc/%1/maps").arg(program->processId()));
-    QVERIFY(maps.open(QIODevice::ReadOnly));
-    const QByteArray loaded = maps.readAll();
+    QTest::addColumn<QByteArray>("folder");
+    // Qt loads its plugin for OpenGL, and with it the graphics driver, unless told that nobody needs it.
+    QTest::newRow("OpenGL") << QByteArray("/xcbglintegrations/");
+    // All of them, at the first picture that is read from a file.
+    QTest::newRow("picture formats") << QByteArray("/imageformats/");
+}
+
+void tst_window::notLoaded()
+{
+    QFETCH(QByteArray, folder);
     QVERIFY(loaded.contains("/platforms/libqxcb.so"));
-    QVERIFY(!loaded.contains("/xcbglintegrations/"));
+    QVERIFY(!loaded.contains(folder));
 }
 
 QTEST_GUILESS_MAIN(tst_window)
