@@ -59,7 +59,8 @@ step_format() {
 
 step_scripts() {
     sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh && scripts/mutate.sh --check &&
-        packaging/icon/make-icons.sh --check
+        packaging/icon/make-icons.sh --check &&
+        desktop-file-validate packaging/linux/*.desktop && appstreamcli validate --no-net packaging/linux/*.metainfo.xml
 }
 
 step_tests() {
