@@ -1,14 +1,21 @@
 #!/bin/bash
 # Takes pictures of every stage of the program as users see it: at 100 and 200 %, light and dark, with a large font. The
 # demo's driver operates the program; its pictures go to artifacts/pictures/LOOK/, with a contact sheet of each look
-# beside that folder. Given names of stages ("problem", "transfer-50-percent"), only their pictures are kept.
+# beside that folder. Given names of stages ("problem", "transfer-50-percent"), only their pictures are kept. With
+# --guide, takes only those that docs/user-guide.md shows, and puts them into docs/images/guide/.
 set -euo pipefail
 
-usage="usage: scripts/pictures.sh [NAME...]"
+usage="usage: scripts/pictures.sh [--guide | NAME...]"
+guide=no
 case ${1:-} in
     --help) echo "$usage" && exit 0 ;;
+    --guide) guide=yes && shift ;;
     -*) echo "$usage" >&2 && exit 2 ;;
 esac
+if [ "$guide" = yes ] && [ $# -gt 0 ]; then
+    echo "$usage" >&2
+    exit 2
+fi
 
 cd "$(dirname "$(realpath "$0")")/.."
 source scripts/lib/packages.sh
@@ -100,12 +107,36 @@ take() {
     echo "$output/$look.png"
 }
 
+# The stages whose pictures the guide shows, in its order.
+stagesOfGuide() {
+    grep -oE 'images/guide/[a-z0-9-]+\.png' docs/user-guide.md | sed 's|.*/\(.*\)\.png|\1|'
+}
+
+# illustrateGuide LOOK: takes the guide's pictures from those of this look, in few colours, so that they stay small.
+illustrateGuide() {
+    local target=docs/images/guide stage
+    rm -rf "$target"
+    mkdir "$target"
+    for stage in "${wanted[@]}"; do
+        convert "$output/$1"/[0-9][0-9]-"$stage".png -bordercolor black -border 1 -alpha set -fill none \
+            -floodfill +0+0 black -shave 1x1 -strip -dither None -colors 64 -define png:compression-level=9 \
+            "$target/$stage.png"
+    done
+    du -bc "$target"/*.png
+}
+
 # asDesktop FOLDER: the driver's options for a program that reads its settings from there.
 asDesktop() {
     printf '%s\n' --set XDG_CURRENT_DESKTOP=KDE --set KDE_SESSION_VERSION=5 --set "XDG_CONFIG_HOME=$1"
 }
 
 installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${picturePackages[@]}"
+if [ "$guide" = yes ]; then
+    mapfile -t wanted < <(stagesOfGuide)
+    take light-100 96
+    illustrateGuide light-100
+    exit
+fi
 writeSettings "$work/dark" 10 dark
 writeSettings "$work/large" 18
 mapfile -t dark < <(asDesktop "$work/dark")

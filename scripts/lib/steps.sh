@@ -46,7 +46,7 @@ sources() {
 }
 
 step_packages() {
-    installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}"
+    installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}" "${guidePackages[@]}"
 }
 
 step_shipped() {
@@ -59,7 +59,7 @@ step_format() {
 
 step_scripts() {
     sources '*.sh' .ci/run | xargs shellcheck -x && scripts/check-docs.sh && scripts/mutate.sh --check &&
-        packaging/icon/make-icons.sh --check &&
+        packaging/icon/make-icons.sh --check && scripts/check-guide.sh &&
         desktop-file-validate packaging/linux/*.desktop && appstreamcli validate --no-net packaging/linux/*.metainfo.xml
 }
 
