@@ -1,12 +1,9 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/selfsigned.h"
 #include "tests/support/texts.h"
 
 #include <QFile>
-#include <QProcess>
-#include <QSslCertificate>
-#include <QSslKey>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -16,27 +13,6 @@ const QByteArray elsewhere = "<html>moved</html>";
 RawServer::Answer redirect(const QByteArray& status, const QString& address)
 {
     return {{httpAnswer(status, elsewhere, {"Location: " + address.toUtf8(), "Content-Type: text/html"})}};
-}
-
-/// Made afresh, for a name that is not the server's; nothing if there is no openssl here.
-std::optional<QSslConfiguration> selfSigned()
-{
-    const QTemporaryDir folder;
-    const QString key = folder.filePath("key");
-    const QString certificate = folder.filePath("certificate");
-    const QStringList arguments{
-        "req",   "-x509", "-newkey", "rsa:2048", "-nodes", "-subj",    "/CN=nobody.example",
-        "-days", "1",     "-keyout", key,        "-out",   certificate};
-    QFile keyFile(key);
-    QProcess openssl;
-    openssl.start("openssl", arguments);
-    if (!openssl.waitForFinished(limits::hangMs()) || openssl.exitCode() != 0 ||
-        !keyFile.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));
-    tls.setLocalCertificateChain(QSslCertificate::fromPath(certificate));
-    return tls;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "base/sizelimit.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/selfsigned.h"
 #include "vendor/fetcher.h"
 
 #include <QtTest>
@@ -38,6 +39,8 @@ private slots:
     void image();
     void changeLogMayBeAnything();
     void certificate();
+    void untrustedServer_data();
+    void untrustedServer();
     void unreachable();
     void silence();
     void endless();
@@ -156,6 +159,29 @@ void TestFetcher::certificate()
     QVERIFY(found.first().severity == Severity::note);
     QCOMPARE(found.first().key, QString("HB4ChangeLog"));
     QCOMPARE(found.first().text, QString("http://h/l: certificate not valid: it has expired"));
+}
+
+void TestFetcher::untrustedServer_data()
+{
+    QTest::addColumn<bool>("isRedirected");
+    QTest::newRow("asked over https") << false;
+    QTest::newRow("asked over http, which leads to https") << true;
+}
+
+/// A real handshake with a certificate that nobody vouches for.
+void TestFetcher::untrustedServer()
+{
+    QFETCH(bool, isRedirected);
+    const auto tls = selfSigned();
+    QVERIFY2(tls.has_value(), "needs the package openssl");
+    RawServer secure(tls);
+    secure.setAnswer(path, ok("image"));
+    server.setAnswer(path, {{httpAnswer("302 Found", {}, {"Location: " + secure.address(path).toUtf8()})}});
+    const QString url = (isRedirected ? server : secure).address(path);
+    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", url, true}}).first();
+    QVERIFY2(fetched.isAnswer, qPrintable(fetched.failure));
+    QCOMPARE(QString(fetched.digest), sha256("image"));
+    QCOMPARE(kindsOf(fetched), QStringList("bad-certificate"));
 }
 
 void TestFetcher::unreachable()

@@ -1,4 +1,5 @@
 #include "tests/harness/childprocess.h"
+#include "tests/support/selfsigned.h"
 #include "tests/support/signer.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "tests/vendor/tool.h"
@@ -26,6 +27,7 @@ private slots:
     void colourOnATerminalOnly();
     void checksAnAddress();
     void checksAnAddressThatIsNotServed();
+    void checksAnAddressOfAnUntrustedServer();
     void fetches();
     void fetchesWhatIsMissing();
     void progressOnATerminalOnly();
@@ -144,6 +146,20 @@ void TestVendorTool::checksAnAddressThatIsNotServed()
     QCOMPARE(outcome.exitCode, 1);
     QVERIFY(outcome.output.isEmpty());
     QVERIFY(outcome.errors.startsWith("talvex-catalogue: http://updates.example.com/versions.txt: "));
+}
+
+void TestVendorTool::checksAnAddressOfAnUntrustedServer()
+{
+    const auto tls = selfSigned();
+    QVERIFY2(tls.has_value(), "needs the package openssl");
+    RawServer secure(tls);
+    secure.setAnswer("/versions.txt", ok(goodCatalogue()));
+    const QString address = secure.address("/versions.txt");
+    const Tool::Outcome outcome = tool->run({"check", address});
+    QCOMPARE(outcome.exitCode, 0);
+    QVERIFY2(outcome.output.endsWith("\n0 errors, 0 notes\n"), outcome.output.constData());
+    const QString note = "talvex-catalogue: " + address + ": note: certificate not valid: ";
+    QVERIFY2(QString::fromUtf8(outcome.errors).startsWith(note), outcome.errors.constData());
 }
 
 void TestVendorTool::fetches()
