@@ -1,6 +1,8 @@
 #include "tests/net/scene.h"
 
 #include <QFile>
+#include <QSignalSpy>
+#include <QThread>
 #include <QTimer>
 #include <QtTest>
 
@@ -58,6 +60,8 @@ private slots:
     void compressed();
     void justWithinTheLimit();
     void eachAnswerCountsForItself();
+    void noClockAfterGivingUp_data() { addRequests(); }
+    void noClockAfterGivingUp();
 
 private:
     void expectGivenUp(Request request);
@@ -123,6 +127,23 @@ void TestEndlessAnswers::eachAnswerCountsForItself()
         QTRY_VERIFY(!scene.checker->isBusy());
         QCOMPARE(scene.journal->events.count(found), time); // among reports of the announced size
     }
+}
+
+/// Qt tells of progress once more behind the piece that was too much, if the last time is 100 ms ago.
+void TestEndlessAnswers::noClockAfterGivingUp()
+{
+    constexpr unsigned long longAgoMs = 150;
+    QFETCH(Request, request);
+    scene.server.setAnswer(Scene::path(request), endless("x"));
+    scene.ask(request);
+    scene.state().received = limit; // as if so much had come
+    const QNetworkReply* const reply = scene.state().reply;
+    connect(reply, &QNetworkReply::readyRead, this, [] { QThread::msleep(longAgoMs); }); // behind the checker
+    QSignalSpy progress(reply, &QNetworkReply::downloadProgress);
+    QTRY_VERIFY(!scene.checker->isBusy());
+    QVERIFY(scene.rests(scene.networkError(request).size()));
+    QVERIFY(!progress.isEmpty());
+    QVERIFY(!scene.clock().isActive());
 }
 
 QTEST_GUILESS_MAIN(TestEndlessAnswers)

@@ -122,6 +122,7 @@ void TestSignedCheck::goodAnswers_data()
     row("Ed", ok(plain), ok(scene.signer.sign(plain, Signer::Kind::whole)));
     row("catalogue with CRLF", ok(withCrlf(plain)), ok(scene.signer.sign(withCrlf(plain))));
     row("signature with CRLF", ok(plain), ok(withCrlf(signature)));
+    row("signature file of 16384 bytes", ok(plain), ok(signature.leftJustified(16 * 1024, '\n')));
     row("drop by drop", {drops(httpAnswer("200 OK", plain)), End::keepOpen},
         {drops(httpAnswer("200 OK", signature)), End::keepOpen});
     row("in chunks", {{inChunks(plain, 11)}, End::keepOpen}, {{inChunks(signature, 11)}, End::keepOpen});

@@ -6,6 +6,9 @@
 
 namespace {
 
+/// As the program starts; a test's window sets both back.
+const std::pair atStart(transferstate::fakeProgressValue, transferstate::fakeProgressTick);
+
 /// The unit says that it installs, which starts the creeping without a step, and is gone then: reads fail at
 /// once instead of waiting.
 void startInstalling(TransferDesk& desk)
@@ -23,6 +26,7 @@ class TestCreepingProgress : public QObject
     Q_OBJECT
 
 private slots:
+    void startsAtNothing();
     void barAfterTicks_data();
     void barAfterTicks();
     void inactive();
@@ -32,6 +36,11 @@ private slots:
     void finishedStaysAtHundred();
     void slotOfItsOwn();
 };
+
+void TestCreepingProgress::startsAtNothing()
+{
+    QCOMPARE(atStart, std::pair(0, 0));
+}
 
 void TestCreepingProgress::barAfterTicks_data()
 {
