@@ -13,6 +13,8 @@ namespace {
 
 constexpr int mostPortsTried = 5;
 
+constexpr auto lastRequest = "GET /last HTTP/1.0"; ///< nobody publishes that
+
 /// A port that was free a moment ago; 0: there is none.
 quint16 freePort()
 {
@@ -20,12 +22,18 @@ quint16 freePort()
     return finder.listen(QHostAddress::LocalHost) ? finder.serverPort() : quint16(0);
 }
 
-bool listens(quint16 port)
+/// Makes a request of its own and waits for the end of its answer. The server handles one request after the
+/// other and notes each before it closes the connection, so by then all that came before are noted, too.
+void awaitNotes(quint16 port)
 {
     QTcpSocket caller;
     caller.setProxy(QNetworkProxy::NoProxy);
     caller.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    return caller.waitForConnected(limits::hangMs());
+    if (!caller.waitForConnected(limits::hangMs()))
+        return;
+    caller.write(QByteArray(lastRequest) + "\r\n\r\n");
+    while (caller.waitForReadyRead(limits::hangMs()))
+        caller.readAll();
 }
 
 } // namespace
@@ -47,7 +55,10 @@ Outcome UpdateServer::startOn(quint16 candidate)
 {
     process.start(TALVEX_SERVE_SCRIPT,
                   {base.filePath("root"), QString::number(candidate), base.filePath("run")});
-    const bool up = waitUntil([&] { return process.state() == QProcess::NotRunning || listens(candidate); });
+    // It writes its ID once the port is its own; that somebody listens there would not say who.
+    const bool up = waitUntil([&] {
+        return process.state() == QProcess::NotRunning || QFile::exists(base.filePath("run/nginx.pid"));
+    });
     if (!up || process.state() == QProcess::NotRunning)
         return Outcome("the update server did not start: " + process.errorString() +
                        process.readAllStandardError());
@@ -67,6 +78,7 @@ Outcome UpdateServer::publish(const QString& path, const QByteArray& bytes)
 
 QVector<UpdateServer::Request> UpdateServer::requests() const
 {
+    awaitNotes(port);
     QFile log(base.filePath("run/access.log"));
     QVector<Request> all;
     if (!log.open(QIODevice::ReadOnly))
@@ -74,7 +86,7 @@ QVector<UpdateServer::Request> UpdateServer::requests() const
     const QList<QByteArray> lines = log.readAll().split('\n');
     for (const QByteArray& line : lines) {
         const QList<QByteArray> fields = line.split('|');
-        if (fields.size() == 3)
+        if (fields.size() == 3 && fields[0] != lastRequest)
             all.append({QString::fromUtf8(fields[0]), QString::fromUtf8(fields[1]), fields[2].toInt()});
     }
     return all;
@@ -82,6 +94,7 @@ QVector<UpdateServer::Request> UpdateServer::requests() const
 
 void UpdateServer::forgetRequests()
 {
+    awaitNotes(port);
     QFile::resize(base.filePath("run/access.log"), 0);
 }
 

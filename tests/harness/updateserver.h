@@ -31,7 +31,7 @@ public:
     Outcome publish(const QString& path, const QByteArray& bytes);
     void withdraw(const QString& path) { QFile::remove(base.filePath("root") + path); }
 
-    /// All requests answered so far, in order.
+    /// All requests answered so far, in order. Waits until the server has noted them.
     [[nodiscard]] QVector<Request> requests() const;
     void forgetRequests();
 
