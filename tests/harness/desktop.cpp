@@ -1,5 +1,6 @@
 #include "tests/harness/desktop.h"
 
+#include "tests/harness/processtime.h"
 #include "tests/harness/waiting.h"
 
 Outcome Desktop::start(const QStringList& screens, const QByteArray& resources)
@@ -20,6 +21,14 @@ void Desktop::takeAway()
     xscreen.shut(); // or Xlib would end this process, too
     windowManager.end();
     server.end();
+}
+
+bool Desktop::isIdle() const
+{
+    const auto rests = [](const QProcess& process) {
+        return process.state() == QProcess::NotRunning || isAsleep(process.processId());
+    };
+    return rests(server) && rests(windowManager);
 }
 
 Outcome Desktop::startServer(const QStringList& screens)

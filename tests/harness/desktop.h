@@ -21,6 +21,10 @@ public:
     [[nodiscard]] const QString& name() const { return displayName; }
     [[nodiscard]] XScreen& screen() { return xscreen; }
 
+    /// Whether the X server and the window manager have nothing to do, or are not this object's own. False
+    /// also while they wait for a busy processor.
+    [[nodiscard]] bool isIdle() const;
+
     /// Saves a screenshot as a PNG file; false if it could not be saved.
     [[nodiscard]] bool savePicture(const QString& path) { return xscreen.picture().save(path, "PNG"); }
 

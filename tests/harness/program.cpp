@@ -212,7 +212,7 @@ Outcome Program::waitForPromptExit(int code)
     std::chrono::milliseconds slept{0};
     bool isLate = false;
     const auto isOver = [&] {
-        if (isAsleep(process.processId()))
+        if (isAsleep(process.processId()) && desktop.isIdle()) // neither held up, nor waiting for one who is
             slept += pauseBetweenLooks();
         isLate = slept + processorTime(process.processId()) - workedBefore > longest;
         return isLate || process.state() == QProcess::NotRunning;

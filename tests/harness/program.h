@@ -81,8 +81,8 @@ public:
     Outcome waitForNoBox();
     Outcome waitForText(const QString& name, const QString& text);
     Outcome waitForExit(int code);
-    /// Like waitForExit(), but within 3 s of the program's own time, asleep or running: time spent waiting
-    /// for a busy processor does not count.
+    /// Like waitForExit(), but within 3 s of the program's own time, asleep or running: time in which it, the
+    /// X server or the window manager waits for a busy processor does not count.
     Outcome waitForPromptExit(int code);
     /// Whether it ended normally by leaving its event loop, not by exit() or by being killed at a time
     /// limit.
