@@ -52,6 +52,12 @@ QString lastWord(const Program& program)
     return lines.isEmpty() ? QString("closed") : lines.last();
 }
 
+Outcome seeGivenBack(const Program& program)
+{
+    const QString last = lastWord(program);
+    return last == "closed" ? Outcome() : Outcome("the unit's last word: " + last);
+}
+
 QStringList faultlessJournal(const QByteArray& image)
 {
     const QString digest =

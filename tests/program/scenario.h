@@ -28,6 +28,9 @@ inline constexpr const char* changeLog = "- Tempo range kept over a restart.\n- 
 /// The journal's last line: "closed" once the unit is released, even if it was never opened.
 [[nodiscard]] QString lastWord(const Program& program);
 
+/// Whether the unit was given back, or never opened.
+[[nodiscard]] Outcome seeGivenBack(const Program& program);
+
 /// The journal of a unit that received this image correctly and was closed when the program ended.
 [[nodiscard]] QStringList faultlessJournal(const QByteArray& image);
 

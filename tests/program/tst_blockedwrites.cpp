@@ -1,5 +1,6 @@
 // The program's end while a write to the unit is blocked: by a signal, or by closing the window.
 
+#include "tests/harness/attempts.h"
 #include "tests/harness/program.h"
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
@@ -40,6 +41,17 @@ QStringList linesOf(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
                                           : QStringList();
+}
+
+/// One write was blocked, it failed, and the last thing done was to close the unit.
+Outcome seeNoOtherWrite(const Program& program)
+{
+    const QStringList journal = scenario::journal(program);
+    const QStringList calls = linesOf(program.scratchPath("trace"));
+    const bool isRight = journal.count("not-taken") == 1 && journal.endsWith("closed") &&
+                         calls.endsWith("hid_close handle=1") &&
+                         calls.filter(QRegularExpression("^hid_write .* result=-1$")).size() == 1;
+    return isRight ? Outcome() : Outcome((journal + calls).join('\n'));
 }
 
 Outcome terminate(Program& program)
@@ -115,15 +127,12 @@ void tst_blockedwrites::blockedForAWhile()
 {
     QFETCH(Deed, block);
     QFETCH(Deed, end);
-    Program program(desktop);
-    MUST(endInBlockedWrite(program, forAWhile, block, end));
-    MUST(program.waitForExit(0));
-    const QStringList journal = scenario::journal(program);
-    QCOMPARE(journal.count("not-taken"), 1);
-    QCOMPARE(journal.last(), QString("closed"));
-    const QStringList calls = linesOf(program.scratchPath("trace"));
-    QCOMPARE(calls.last(), QString("hid_close handle=1"));
-    QCOMPARE(calls.filter(QRegularExpression("^hid_write .* result=-1$")).size(), 1);
+    for (Attempts attempts; attempts.wantsAnother();) {
+        Program program(desktop);
+        MUST(endInBlockedWrite(program, forAWhile, block, end));
+        MUST(program.waitForExit(0));
+        MUST(attempts.judge(seeNoOtherWrite(program))); // the end may come too late for the write
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_blockedwrites)

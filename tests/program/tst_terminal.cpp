@@ -1,6 +1,7 @@
 // The window of the terminal that the program runs in is closed: the program ends, and the unit is given
 // back.
 
+#include "tests/harness/attempts.h"
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
@@ -36,6 +37,8 @@ private:
 
 void tst_terminal::initTestCase()
 {
+    (void)std::signal(SIGHUP,
+                      SIG_DFL); // or the program would inherit that it is ignored, under nohup for one
     MUST(desktop.start());
     MUST(server.start());
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
@@ -63,12 +66,14 @@ void tst_terminal::closed_data()
 void tst_terminal::closed()
 {
     QFETCH(State, reach);
-    MUST(begin());
-    MUST(reach(*program));
-    terminal->close();
-    MUST(program->waitForPromptExit(0));
-    QCOMPARE(scenario::lastWord(*program), QString("closed"));
-    QVERIFY(program->hasQuit());
+    for (Attempts attempts; attempts.wantsAnother();) {
+        MUST(begin());
+        MUST(reach(*program));
+        terminal->close();
+        MUST(program->waitForPromptExit(0));
+        MUST(attempts.judge(program->hasQuit() ? scenario::seeGivenBack(*program)
+                                               : Outcome("ended by its limit")));
+    }
 }
 
 /// The shell tells of it, and while the program is still on its way out, the system does. A write that is
