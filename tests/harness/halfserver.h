@@ -6,7 +6,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/// A proxy for an update server that stops sending in the middle of an image.
+/// A proxy for an update server that all but stops sending in the middle of an image.
 class HalfServer : public QTcpServer
 {
 public:
@@ -45,7 +45,8 @@ private:
         return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(size) + "\r\n\r\n";
     }
 
-    /// In pieces, because Qt reports no progress until an answer has been arriving for a while.
+    /// In pieces, because Qt reports no progress until an answer has been arriving for a while; and then byte
+    /// by byte, because it may have seen all of these at once.
     static void sendHalf(QTcpSocket& client)
     {
         constexpr int pieces = 20;
@@ -53,10 +54,8 @@ private:
         constexpr int pauseMs = 50;
         client.write(header(pieces * pieceSize));
         auto* const timer = new QTimer(&client);
-        connect(timer, &QTimer::timeout, &client, [&client, timer, sent = 0]() mutable {
-            client.write(QByteArray(pieceSize, 'i'));
-            if (++sent == pieces / 2)
-                timer->stop();
+        connect(timer, &QTimer::timeout, &client, [&client, sent = 0]() mutable {
+            client.write(QByteArray(++sent <= pieces / 2 ? pieceSize : 1, 'i'));
         });
         timer->start(pauseMs);
     }
