@@ -4,6 +4,7 @@
 // GROUP, NAME and PHASE as arguments make one journey; what is seen of it is printed (Journey).
 #include "tests/reliability/faults.h"
 #include "tests/support/httpthreads.h"
+#include "tests/support/limits.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -74,10 +75,10 @@ void moveInto(const char* hex, char** arguments)
 }
 
 /// True if the thread of Qt's HTTP client outlived the application, which calls through a null pointer then
-/// as soon as that thread is sent an event.
+/// as soon as that thread is sent an event. One that has ended is listed until it gets a processor once more.
 bool isNetworkLeft()
 {
-    for (int look = 0; look < 500; ++look) {
+    for (int look = 0; look < limits::hangMs(); ++look) {
         if (httpThreads() == 0)
             return false;
         usleep(1000);
