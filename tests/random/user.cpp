@@ -140,6 +140,8 @@ bool User::isBored()
     const QString due = plan.dueOutcome();
     if (due == "finished" || due == "handed over")
         return false; // it ends by itself
+    if (due == "up to date" && !lines.contains(boxline::upToDate))
+        return false; // the thread of the requests may get no processor for a while
     return turns > turnsIn(wholeMs) || turnsSinceChange > turnsIn(unchangedMs);
 }
 
@@ -205,9 +207,9 @@ void User::pressLogKey()
     if (isModal())
         return;
     seen.logKeyPressed = seen.logKeyPressed || seen.handleOpen;
-    QCoreApplication::postEvent(&window,
-                                new QKeyEvent(QEvent::KeyPress, Qt::Key_L,
-                                              Qt::ControlModifier | Qt::ShiftModifier)); // Qt's from here
+    // At once: posted, it could come under a box that opens meanwhile, where no window system delivers it.
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    QCoreApplication::sendEvent(&window, &press);
 }
 
 void User::answer(Plan::Act act)
