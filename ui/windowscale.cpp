@@ -50,6 +50,16 @@ QRect stretched(const QRect& laidOut, double factor)
             stretched(laidOut.size(), factor)};
 }
 
+QRect resized(const QRect& window, const QSize& size, const QRect& ownScreen, const QVector<QRect>& screens)
+{
+    QRect wanted(window.topLeft(), size);
+    const QPoint centre = wanted.center();
+    const auto holdsCentre = [&centre](const QRect& screen) { return screen.contains(centre); };
+    if (!holdsCentre(ownScreen) && std::any_of(screens.begin(), screens.end(), holdsCentre))
+        wanted.moveCenter(window.center());
+    return wanted;
+}
+
 } // namespace windowscale
 
 namespace {
@@ -193,19 +203,15 @@ void WindowScale::resizeWindow(const QSize& size)
     if (size == window.size() || window.isMaximized() || window.isFullScreen())
         return;
     settledSize = size;
+    QVector<QRect> screens;
+    for (const QScreen* screen : window.screen()->virtualSiblings())
+        screens.append(screen->geometry());
     const QRect now = window.geometry();
-    QRect wanted(now.topLeft(), size);
-    // A window belongs to the screen that contains its centre. If resizing would move the centre to another
-    // screen, the centre stays; otherwise two screens could pass the window back and forth.
-    QScreen* const screen = window.screen();
-    const bool leaves =
-        !screen->geometry().contains(wanted.center()) && screen->virtualSiblingAt(wanted.center()) != nullptr;
-    if (window.isVisible() && leaves) {
-        wanted.moveCenter(now.center());
+    const QRect wanted = windowscale::resized(now, size, window.screen()->geometry(), screens);
+    if (window.isVisible() && wanted.topLeft() != now.topLeft())
         window.setGeometry(wanted);
-    } else {
+    else
         window.resize(size);
-    }
 }
 
 QVector<Need> WindowScale::needs() const

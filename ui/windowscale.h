@@ -32,6 +32,12 @@ struct Need
 [[nodiscard]] QRect stretched(const QRect& laidOut, double factor);
 [[nodiscard]] QSize stretched(const QSize& laidOut, double factor);
 
+/// Where a window goes that gets this size. Its top left corner stays, unless that would move its centre from
+/// its own screen to another one, to which it would then belong: two screens of different factors could pass
+/// it back and forth. Then its centre stays.
+[[nodiscard]] QRect resized(const QRect& window, const QSize& size, const QRect& ownScreen,
+                            const QVector<QRect>& screens);
+
 } // namespace windowscale
 
 /// Keeps the main window's fixed layout as large as its screen and its fonts require, from the start.

@@ -6,11 +6,8 @@
 #include <QApplication>
 #include <QLayout>
 #include <QProxyStyle>
+#include <QWindow>
 #include <QtTest>
-
-using windowscale::Need;
-
-Q_DECLARE_METATYPE(windowscale::Need)
 
 namespace {
 
@@ -34,25 +31,37 @@ private:
     QFont before = QApplication::font();
 };
 
-/// A style that keeps so much room around a button's text.
+/// A style that keeps so much room on each side of a button's text.
 class RoomyButtons : public QProxyStyle
 {
 public:
-    RoomyButtons() : QProxyStyle("fusion") {}
+    RoomyButtons(int roomBeside, int roomAbove) : QProxyStyle("fusion"), beside(roomBeside), above(roomAbove)
+    {
+    }
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                            const QWidget* widget) const override
     {
         const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-        return type == CT_PushButton ? size + QSize(2 * room, 2 * room) : size;
+        return type == CT_PushButton ? size + QSize(2 * beside, 2 * above) : size;
     }
     QRect subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const override
     {
         const QRect rect = QProxyStyle::subElementRect(element, option, widget);
-        return element == SE_PushButtonContents ? rect.adjusted(room, room, -room, -room) : rect;
+        return element == SE_PushButtonContents ? rect.adjusted(beside, above, -beside, -above) : rect;
     }
 
 private:
-    static constexpr int room = 20;
+    int beside;
+    int above;
+};
+
+/// Makes the buttons roomy until this goes.
+class RoomyStyle
+{
+public:
+    RoomyStyle(int beside, int above) { QApplication::setStyle(new RoomyButtons(beside, above)); }
+    ~RoomyStyle() { QApplication::setStyle("fusion"); }
+    Q_DISABLE_COPY_MOVE(RoomyStyle)
 };
 
 constexpr std::array buttonNames{"connect_button", "updateDeviceButton", "downloadLogFile",
@@ -76,86 +85,25 @@ class TestWindowScale : public QObject
 
 private slots:
     void initTestCase();
-    void screen_data();
-    void screen();
-    void layout_data();
-    void layout();
-    void wholePixels();
     void largeFontCutsNothing_data();
     void largeFontCutsNothing();
     void noLargerThanNeeded();
     void longTextsOfTheRowFit();
+    void highTextsOfTheRowFit();
     void smallFontLeavesTheLayout();
     void fontChangesWhileShown();
     void sizeThatTheUserGaveKeepsItsShare();
     void styleChangesWhileShown();
+    void roomAroundATextIsNotForLetters();
     void windowThatFillsTheScreenStaysSo_data();
     void windowThatFillsTheScreenStaysSo();
+    void looksAgainOnAnotherScreen();
 };
 
 /// What desktops use; the screen that is none has a larger one.
 void TestWindowScale::initTestCase()
 {
     QApplication::setFont(QFont("Sans Serif", 9));
-}
-
-void TestWindowScale::screen_data()
-{
-    QTest::addColumn<double>("dotsPerInch");
-    QTest::addColumn<double>("factor");
-    QTest::newRow("macOS") << 72.0 << 1.0;
-    QTest::newRow("90 dpi") << 90.0 << 1.0;
-    QTest::newRow("96 dpi") << 96.0 << 1.0;
-    QTest::newRow("108 dpi, rounded up from millimetres") << 108.9 << 1.0;
-    QTest::newRow("125 %") << 120.0 << 1.25;
-    QTest::newRow("150 %") << 144.0 << 1.5;
-    QTest::newRow("175 %") << 168.0 << 1.75;
-    QTest::newRow("200 %") << 192.0 << 2.0;
-    QTest::newRow("300 %") << 288.0 << 3.0;
-}
-
-void TestWindowScale::screen()
-{
-    QFETCH(double, dotsPerInch);
-    QTEST(windowscale::screenFactor(dotsPerInch), "factor");
-}
-
-void TestWindowScale::layout_data()
-{
-    QTest::addColumn<double>("screenFactor");
-    QTest::addColumn<QVector<Need>>("needs");
-    QTest::addColumn<double>("factor");
-    const Need roomy{{100, 20}, {50, 10}, {60, 12}};
-    const Need tight{{100, 20}, {100, 20}, {110, 22}};
-    const Need tooWide{{100, 20}, {101, 10}, {120, 12}};
-    const Need tooHigh{{100, 20}, {50, 21}, {60, 30}};
-    QTest::newRow("nothing to show") << 1.0 << QVector<Need>{} << 1.0;
-    QTest::newRow("room enough") << 1.0 << QVector<Need>{roomy} << 1.0;
-    QTest::newRow("only air is missing") << 1.0 << QVector<Need>{roomy, tight} << 1.0;
-    QTest::newRow("too wide") << 1.0 << QVector<Need>{roomy, tooWide} << 1.2;
-    QTest::newRow("too high") << 1.0 << QVector<Need>{tooHigh, roomy} << 1.5;
-    QTest::newRow("the neediest decides") << 1.0 << QVector<Need>{tooWide, tooHigh, tight} << 1.5;
-    QTest::newRow("the screen gives enough") << 2.0 << QVector<Need>{tooWide, tooHigh} << 2.0;
-    QTest::newRow("the screen gives enough but for air")
-        << 1.25 << QVector<Need>{{{100, 20}, {110, 10}, {130, 12}}} << 1.25;
-    QTest::newRow("the screen gives too little")
-        << 1.04 << QVector<Need>{tooHigh, {{100, 20}, {105, 1}, {106, 1}}} << 1.5;
-    QTest::newRow("never less than the screen's")
-        << 1.04 << QVector<Need>{{{100, 20}, {105, 1}, {102, 1}}} << 1.04;
-}
-
-void TestWindowScale::layout()
-{
-    QFETCH(double, screenFactor);
-    QFETCH(QVector<Need>, needs);
-    QTEST(windowscale::layoutFactor(screenFactor, needs), "factor");
-}
-
-void TestWindowScale::wholePixels()
-{
-    QCOMPARE(windowscale::stretched(QRect(20, 160, 451, 21), 1), QRect(20, 160, 451, 21));
-    QCOMPARE(windowscale::stretched(QRect(20, 160, 451, 21), 1.25), QRect(25, 200, 564, 26));
-    QCOMPARE(windowscale::stretched(layoutSize, 3), QSize(1464, 1320));
 }
 
 void TestWindowScale::largeFontCutsNothing_data()
@@ -216,6 +164,17 @@ void TestWindowScale::longTextsOfTheRowFit()
     QTRY_COMPARE(window->size(), windowscale::stretched(layoutSize, needed));
 }
 
+void TestWindowScale::highTextsOfTheRowFit()
+{
+    TestWindow window;
+    QPushButton& update = window.button("updateDeviceButton");
+    update.setText(QString("Update\nDevice\n").repeated(4));
+    const LargerFont font(10); // has the scale look again
+    QTRY_VERIFY(factorOf(window) > 1);
+    const double needed = update.sizeHint().height() / 28.0; // twice as much as from its middle to the edge
+    QTRY_COMPARE(window->size(), windowscale::stretched(layoutSize, needed));
+}
+
 void TestWindowScale::smallFontLeavesTheLayout()
 {
     const LargerFont font(6);
@@ -253,11 +212,28 @@ void TestWindowScale::styleChangesWhileShown()
 {
     TestWindow window;
     QCOMPARE(window->size(), layoutSize);
-    QApplication::setStyle(new RoomyButtons);
-    const auto setBack = qScopeGuard([] { QApplication::setStyle("fusion"); });
+    const RoomyStyle style(20, 20);
     QTRY_VERIFY(factorOf(window) > 1);
     for (const char* name : buttonNames)
         QVERIFY2(fits(window.button(name).sizeHint(), window.button(name)), name);
+}
+
+void TestWindowScale::roomAroundATextIsNotForLetters()
+{
+    TestWindow window;
+    window.button("downloadLogFile").setText("Log");
+    window.button("stopDownloadingFile").setText("Stop");
+    const RoomyStyle style(40, 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(factorOf(window), 1.0);
+    QPushButton& button = window.button("downloadLogFile");
+    QString text;
+    while (button.fontMetrics().horizontalAdvance(text) < button.width() - 50)
+        text += 'i';
+    button.setText(text);
+    emit window->windowHandle()->screenChanged(window->screen()); // has the scale look again
+    QTRY_VERIFY(factorOf(window) > 1);
+    QVERIFY(fits(button.sizeHint(), button));
 }
 
 void TestWindowScale::windowThatFillsTheScreenStaysSo_data()
@@ -277,6 +253,17 @@ void TestWindowScale::windowThatFillsTheScreenStaysSo()
     const LargerFont font(24);
     QTRY_VERIFY(factorOf(window) > 2);
     QCOMPARE(window->size(), before);
+}
+
+/// Another screen may have another factor, though neither font nor style changes.
+void TestWindowScale::looksAgainOnAnotherScreen()
+{
+    TestWindow window;
+    window.button("updateDeviceButton").setText(QString(60, 'W'));
+    QCoreApplication::processEvents();
+    QCOMPARE(factorOf(window), 1.0); // a text alone changes nothing
+    emit window->windowHandle()->screenChanged(window->screen());
+    QTRY_VERIFY(factorOf(window) > 1);
 }
 
 QTEST_MAIN(TestWindowScale)
