@@ -66,11 +66,12 @@ namespace {
 
 using windowscale::Need;
 
-/// Qt's offscreen platform has a default font that no user chose, larger than any desktop's. It must not
-/// stretch the layout; only a font that has been set may.
+/// Qt's offscreen platform has a default font that no user chose, larger than any desktop's; only its family
+/// is set. It must not stretch the layout; only a font whose size has been set may.
 bool isFontChosen()
 {
-    return QGuiApplication::platformName() != "offscreen" || QApplication::font().resolve() != 0;
+    return QGuiApplication::platformName() != "offscreen" ||
+           (QApplication::font().resolve() & QFont::SizeResolved) != 0;
 }
 
 /// The height that a centred line needs: nothing is cut off while only the space above its highest and below

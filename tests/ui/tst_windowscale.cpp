@@ -98,11 +98,18 @@ private slots:
     void windowThatFillsTheScreenStaysSo_data();
     void windowThatFillsTheScreenStaysSo();
     void looksAgainOnAnotherScreen();
+    void fontThatNobodyChoseStretchesNothing();
+
+private:
+    QFont fontAtStart;
+    QSize sizeAtStart; ///< with that font
 };
 
 /// What desktops use; the screen that is none has a larger one.
 void TestWindowScale::initTestCase()
 {
+    fontAtStart = QApplication::font();
+    sizeAtStart = TestWindow()->size();
     QApplication::setFont(QFont("Sans Serif", 9));
 }
 
@@ -264,6 +271,13 @@ void TestWindowScale::looksAgainOnAnotherScreen()
     QCOMPARE(factorOf(window), 1.0); // a text alone changes nothing
     emit window->windowHandle()->screenChanged(window->screen());
     QTRY_VERIFY(factorOf(window) > 1);
+}
+
+void TestWindowScale::fontThatNobodyChoseStretchesNothing()
+{
+    QCOMPARE(sizeAtStart, layoutSize);
+    const LargerFont chosen(fontAtStart.pointSizeF());
+    QVERIFY(TestWindow()->size() != layoutSize);
 }
 
 QTEST_MAIN(TestWindowScale)
