@@ -55,6 +55,7 @@ private slots:
     void goodAnswers();
     void refused_data();
     void refused();
+    void signatureBeyondTheLimitInTwoPieces();
     void alteredCatalogue();
     void otherAnswersByTheServer_data();
     void otherAnswersByTheServer();
@@ -192,6 +193,22 @@ void TestSignedCheck::refused()
     QVERIFY(!scene.server.paths().contains(changeLogPath));
     QVERIFY2(scene.knowsNoImage(), "something is taken over");
     QVERIFY(!scene.clock().isActive());
+}
+
+/// It is good as far as the limit.
+void TestSignedCheck::signatureBeyondTheLimitInTwoPieces()
+{
+    const QByteArray plain = catalogue();
+    const QByteArray file = signer.sign(plain).leftJustified(16 * 1024 + 1, '\n');
+    scene.server.setAnswer(cataloguePath, ok(plain));
+    scene.server.setAnswer(signaturePath,
+                           {{announced(file.size(), file.chopped(1)), file.right(1)}, End::keepOpen, true});
+    scene.checker->checkUpdate();
+    QTRY_COMPARE(scene.state().received, qint64(file.size() - 1));
+    QVERIFY(scene.checker->isBusy());
+    scene.server.goOn();
+    QTRY_VERIFY(scene.rests(2));
+    QCOMPARE(scene.journal->events, notGenuine(tooLarge));
 }
 
 /// Whatever bit of a signed catalogue is another.
