@@ -198,8 +198,8 @@ void TestSignedCheck::refused()
 /// It is good as far as the limit.
 void TestSignedCheck::signatureBeyondTheLimitInTwoPieces()
 {
-    const QByteArray plain = catalogue();
-    const QByteArray file = signer.sign(plain).leftJustified(16 * 1024 + 1, '\n');
+    const QByteArray plain = scene.signable();
+    const QByteArray file = scene.signer.sign(plain).leftJustified(16 * 1024 + 1, '\n');
     scene.server.setAnswer(cataloguePath, ok(plain));
     scene.server.setAnswer(signaturePath,
                            {{announced(file.size(), file.chopped(1)), file.right(1)}, End::keepOpen, true});
