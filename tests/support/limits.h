@@ -1,4 +1,7 @@
-#pragma once
+// Guarded by a name, unlike other headers: "#pragma once" tells files apart by their time, too, and a
+// precompiled header that ccache has kept brings along the time of another checkout.
+#ifndef TALVEX_TESTS_SUPPORT_LIMITS_H
+#define TALVEX_TESTS_SUPPORT_LIMITS_H
 
 #include <QString>
 
@@ -35,3 +38,5 @@ namespace limits {
 }
 
 } // namespace limits
+
+#endif

@@ -1,4 +1,7 @@
-#pragma once
+// Guarded by a name, unlike other headers: "#pragma once" tells files apart by their time, too, and a
+// precompiled header that ccache has kept brings along the time of another checkout.
+#ifndef TALVEX_TESTS_SUPPORT_PATIENCE_H
+#define TALVEX_TESTS_SUPPORT_PATIENCE_H
 
 // The build includes this first in every QtTest program, because Qt's own macros wait only 5 s and its
 // watchdog kills a row after 5 min (patience.cpp).
@@ -20,3 +23,5 @@
         (void)QTest::qWaitFor([&] { return (actual) == (expected); }, limits::hangMs());                     \
         QCOMPARE(actual, expected);                                                                          \
     } while (false)
+
+#endif
