@@ -14,6 +14,24 @@ int ignoreError(Display*, XErrorEvent*)
     return 0;
 }
 
+/// Up to `most` items of a window's property, each of 32 bits; none if it has no such property.
+QVector<unsigned long> itemsOf(Display* display, Window window, const char* property, Atom type, long most)
+{
+    Atom actualType = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* value = nullptr;
+    XGetWindowProperty(display, window, XInternAtom(display, property, False), 0, most, False, type,
+                       &actualType, &format, &count, &rest, &value);
+    if (value == nullptr)
+        return {};
+    const auto* const items = reinterpret_cast<const unsigned long*>(value); // Xlib uses a long for each
+    const QVector<unsigned long> copy(items, items + count);
+    XFree(value);
+    return copy;
+}
+
 } // namespace
 
 XScreen::~XScreen()
@@ -40,17 +58,7 @@ bool XScreen::open(const QString& name)
 
 bool XScreen::hasWindowManager()
 {
-    const Atom check = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
-    Atom type = 0;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long rest = 0;
-    unsigned char* value = nullptr;
-    XGetWindowProperty(display, DefaultRootWindow(display), check, 0, 1, False, XA_WINDOW, &type, &format,
-                       &count, &rest, &value);
-    if (value != nullptr)
-        XFree(value);
-    return count == 1;
+    return itemsOf(display, DefaultRootWindow(display), "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, 1).size() == 1;
 }
 
 std::optional<QPoint> XScreen::originOf(Window window)
@@ -76,30 +84,18 @@ QSize XScreen::sizeOf(Window window)
 
 QVector<QImage> XScreen::icons(Window window)
 {
-    constexpr long most = 1L << 20; // pixels and sizes, far above any icon
-    const Atom icon = XInternAtom(display, "_NET_WM_ICON", False);
-    Atom type = 0;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long rest = 0;
-    unsigned char* value = nullptr;
-    XGetWindowProperty(display, window, icon, 0, most, False, XA_CARDINAL, &type, &format, &count, &rest,
-                       &value);
-    if (value == nullptr)
-        return {};
-    // Width, height, then a line after the other; Xlib gives each 32 bits in a long.
-    const auto* next = reinterpret_cast<const unsigned long*>(value);
-    const auto* const end = next + count;
+    constexpr long most = 1L << 20; // far above any icon
+    const QVector<unsigned long> items = itemsOf(display, window, "_NET_WM_ICON", XA_CARDINAL, most);
     QVector<QImage> icons;
-    while (end - next >= 2) {
-        QImage image(static_cast<int>(next[0]), static_cast<int>(next[1]), QImage::Format_ARGB32);
-        next += 2;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width() && next < end; ++x)
+    for (auto next = items.begin(); items.end() - next >= 2;) { // width, height, then line after line
+        const auto width = static_cast<int>(*next++);
+        const auto height = static_cast<int>(*next++);
+        QImage image(width, height, QImage::Format_ARGB32);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width && next != items.end(); ++x)
                 image.setPixel(x, y, static_cast<QRgb>(*next++));
         icons += image;
     }
-    XFree(value);
     return icons;
 }
 
