@@ -6,8 +6,8 @@ buildPackages=(build-essential ccache cmake libhidapi-dev libsodium-dev minisign
 # To run the program unattended: a screen, a window manager, fonts, input; and the update server.
 stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
 benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
-checkPackages=(appstream at-spi2-core binutils clang-format clang-tidy dbus dbus-daemon desktop-file-utils icoutils lld
-    openssl python3-dbusmock python3-pyatspi shellcheck valgrind xdotool)
+checkPackages=(appstream at-spi2-core binutils clang-format clang-tidy dbus dbus-daemon desktop-file-utils icoutils
+    libglib2.0-bin lld openssl python3-dbusmock python3-pyatspi shellcheck valgrind xdotool)
 guidePackages=(cmark-gfm)
 fuzzPackages=(clang libclang-rt-dev)
 picturePackages=(imagemagick x11-utils x11-xserver-utils)

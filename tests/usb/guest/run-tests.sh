@@ -17,6 +17,8 @@ here=$(dirname "$(realpath "$0")")
 source "$here/machine.sh"
 # shellcheck source-path=SCRIPTDIR
 source "$here/access.sh"
+# shellcheck source-path=SCRIPTDIR
+source "$here/installation.sh"
 
 results=/run/guest-out/results
 export TALVEX_TEST_PAUSE_MS=20
@@ -39,4 +41,8 @@ letIn "$build/bin" "$TALVEX_TEST_PROGRAM" "$here/../../../server"
 for name in "$@"; do
     runTest "$name"
 done
-testAccess "$here/../../../packaging/linux/70-talvex-updater.rules" runTest
+rule=$here/../../../packaging/linux/70-talvex-updater.rules
+if [ "$TALVEX_TEST_FLAVOUR" = libusb ]; then # it makes no difference to the scripts
+    testInstallation "$build" "$rule" runTest
+fi
+testAccess "$rule" runTest

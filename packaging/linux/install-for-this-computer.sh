@@ -1,0 +1,204 @@
+#!/bin/sh
+# Makes the updater at home on this computer: lets whoever sits at it use a unit, and puts the program, where it is, into
+# the menu. Run it again after moving the folder. With --remove it undoes both.
+# Exit code 0: all done, and this user may use every connected unit; 1: something is missing, and it said what.
+set -u
+export LC_ALL=C
+umask 022
+
+usage="usage: install-for-this-computer.sh [--remove]"
+id=example.talvex.updater
+here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd -P) || exit 1
+# shellcheck source=scripts/lib/unitaccess.sh
+. "$here/scripts/lib/unitaccess.sh"
+
+newline='
+'
+rule=/etc/udev/rules.d/$ruleName
+data=${XDG_DATA_HOME:-$HOME/.local/share}
+entry=$data/applications/$id.desktop
+smallestSpaceKb=204800 # two images of the largest size, and their backup
+failed=0
+
+# say TEXT: unlike with echo, a backslash in a folder's name is just that.
+say() {
+    printf '%s\n' "$1"
+}
+
+complain() {
+    say "  FAILED: $1"
+    failed=1
+    return 1
+}
+
+# asRoot SHELL-COMMANDS: as root, with this script's standard input.
+asRoot() {
+    if [ "$(id -u)" -eq 0 ]; then
+        sh -c "$1"
+    elif [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && command -v pkexec > /dev/null; then
+        say "  Your password is asked for in a window (pkexec)."
+        pkexec sh -c "$1"
+    elif command -v sudo > /dev/null; then
+        say "  Your password may be asked for here (sudo)."
+        sudo sh -c "$1"
+    else
+        say "  Neither pkexec nor sudo is there to become root with."
+        return 1
+    fi
+}
+
+reload='udevadm control --reload && udevadm trigger --subsystem-match=usb --attr-match=idVendor=3a5d &&
+    udevadm trigger --subsystem-match=hidraw && udevadm settle --timeout=30'
+
+installRule() {
+    say "Rule that lets whoever sits at this computer use a unit: $rule"
+    if cmp -s "$here/share/$ruleName" "$rule"; then
+        say "  It is there already."
+        return
+    fi
+    if asRoot "mkdir -p /etc/udev/rules.d && cat > $rule.new && mv -f $rule.new $rule ||
+            { rm -f $rule.new; exit 1; }
+        $reload" < "$here/share/$ruleName"; then
+        say "  Installed."
+    else
+        complain "the rule was not installed. An administrator can copy share/$ruleName to /etc/udev/rules.d."
+    fi
+}
+
+removeRule() {
+    say "Rule: $rule"
+    if [ ! -e "$rule" ]; then
+        say "  It is not there."
+    elif asRoot "rm -f $rule && udevadm control --reload"; then
+        say "  Removed. Units that are connected now can be used until they are unplugged."
+    else
+        complain "the rule was not removed."
+    fi
+}
+
+# copyTo SOURCE TARGET: whole or not at all; standard input if SOURCE is -. Returns 1 if that failed.
+copyTo() {
+    if ! mkdir -p "$(dirname "$2")" 2> /dev/null; then
+        complain "cannot create the folder of $2 (no permission, or the disk is full)."
+    elif { cat -- "$1" > "$2.new" && mv -f "$2.new" "$2"; } 2> /dev/null; then
+        say "  $2"
+    else
+        rm -f "$2.new"
+        complain "cannot write $2 (no permission, or the disk is full)."
+    fi
+}
+
+# quoted TEXT: as one argument of the menu entry's command; a % would start a code there, and the entry itself takes a
+# backslash for the start of something.
+quoted() {
+    # shellcheck disable=SC2016  # sed's own $
+    printf '%s' "$1" | sed -e 's/[\\"`$]/\\&/g' -e 's/\\/\\\\/g' -e 's/%/%%/g'
+}
+
+# Some menus look for a program whose name they have not unquoted, so this goes through the shell.
+writeEntry() {
+    sed -e '/^\(Exec\|TryExec\|Path\)=/d' "$here/share/$id.desktop"
+    # shellcheck disable=SC2016  # for the menu's shell
+    printf 'Exec=sh -c "exec \\\\"\\\\$0\\\\"" "%s"\n' "$(quoted "$here/talvex-updater")"
+    printf 'Path=%s\n' "$(printf '%s' "$here" | sed 's/\\/\\\\/g')"
+}
+
+# entryFolder: the folder of the copy that the menu starts; nothing if there is none.
+entryFolder() {
+    sed -n 's/^Path=//p' "$entry" 2> /dev/null | sed 's/\\\\/\\/g'
+}
+
+# Says what becomes of the copy that the menu starts now.
+describeOther() {
+    other=$(entryFolder)
+    if [ -z "$other" ] || [ "$other" = "$here" ]; then
+        return
+    elif [ -e "$other/talvex-updater" ]; then
+        say "  Another copy is in the menu, $other. From now on the menu starts this one; you may delete the other."
+    else
+        say "  The menu still names $other, where the program no longer is. This is put right."
+    fi
+}
+
+# ownFiles: what is copied to the user's data folder, by its path in share/. These names have no blanks.
+ownFiles() {
+    (cd "$here/share" && find metainfo icons -type f 2> /dev/null | sort)
+}
+
+installEntry() {
+    say "Menu entry, icon and description, for you alone, in $data"
+    describeOther
+    case $here in
+        *"$newline"*)
+            complain "the folder's name has a line break, which no menu entry can hold. Rename it."
+            return
+            ;;
+    esac
+    writeEntry | copyTo - "$entry" || failed=1 # what copyTo sets does not leave the pipe
+    for file in $(ownFiles); do
+        copyTo "$here/share/$file" "$data/$file"
+    done
+    touch "$data/icons/hicolor" 2> /dev/null || true # menus that remember icons look again
+}
+
+removeEntry() {
+    say "Menu entry, icon and description, in $data"
+    for file in "applications/$id.desktop" $(ownFiles); do
+        if [ ! -e "$data/$file" ]; then
+            continue
+        elif rm -f "$data/$file" 2> /dev/null; then
+            say "  removed: $data/$file"
+        else
+            complain "cannot remove $data/$file."
+        fi
+    done
+}
+
+# The program keeps its files beside itself.
+checkFolder() {
+    say "The program's own folder: $here"
+    if ! (: > "$here/.write-test") 2> /dev/null; then
+        complain "it cannot be written to. The program keeps the firmware there: move the folder into your home."
+        return
+    fi
+    rm -f "$here/.write-test"
+    free=$(df -Pk "$here" | awk 'NR == 2 { print $4 }')
+    if [ "$free" -lt "$smallestSpaceKb" ]; then
+        complain "only $free kB are free there, and an update may need $smallestSpaceKb kB."
+    fi
+}
+
+checkUnits() {
+    say "Units connected now, and whether you may use them:"
+    describeUnits || failed=1
+}
+
+if [ "$(id -u)" -eq 0 ] && [ -n "${SUDO_UID:-}" ]; then
+    say "Run this as the user who will use the program, without sudo: it asks for root where it needs it." >&2
+    exit 2
+fi
+case ${1:-} in
+    "")
+        checkFolder
+        installRule
+        installEntry
+        checkUnits
+        ;;
+    --remove)
+        other=$(entryFolder)
+        if [ -n "$other" ] && [ "$other" != "$here" ] && [ -e "$other/talvex-updater" ]; then
+            say "Nothing was removed: the menu starts another copy, $other. Run the script there."
+            exit 1
+        fi
+        removeEntry
+        removeRule
+        ;;
+    *)
+        say "$usage" >&2
+        exit 2
+        ;;
+esac
+if [ "$failed" -ne 0 ]; then
+    say "Not everything is as it should be; see above."
+fi
+exit "$failed"

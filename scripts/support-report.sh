@@ -1,0 +1,59 @@
+#!/bin/sh
+# Prints what support needs to know of this computer and of the program, whose folder this one is in. Plain text; nothing
+# is sent anywhere, and no content of a unit's log or of an image is shown.
+set -u
+export LC_ALL=C
+
+here=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd -P) || exit 1
+# shellcheck source=scripts/lib/unitaccess.sh
+. "$here/scripts/lib/unitaccess.sh"
+mostLines=200
+
+# orUnknown COMMAND...: its first line of output.
+orUnknown() {
+    "$@" 2> /dev/null | sed -n '1p;$!d' | grep . || echo unknown
+}
+
+# isSet NAME VALUE: a proxy's value may hold a password.
+isSet() {
+    echo "  $1: $([ -n "$2" ] && echo set || echo "not set")"
+}
+
+reportProgram() {
+    echo "Program"
+    echo "  version: $(orUnknown cat "$here/share/version")"
+    grep -E '^(libqt5core5a|libhidapi-[a-z]*0|libusb-1.0-0), ' "$here/licenses/THIRD-PARTY-NOTICES.txt" 2> /dev/null |
+        sed 's/^/  with /'
+}
+
+reportSystem() {
+    echo "System"
+    # shellcheck disable=SC1091  # the system's own
+    echo "  name: $(. /etc/os-release 2> /dev/null && echo "${PRETTY_NAME:-unknown}")"
+    echo "  kernel: $(uname -srm)"
+    echo "  C library: $(orUnknown getconf GNU_LIBC_VERSION)"
+    echo "  session: ${XDG_SESSION_TYPE:-unknown}, ${XDG_CURRENT_DESKTOP:-no desktop named}"
+    echo "  user: $(id -u); who sits at the computer: $(activeUser | grep . || echo unknown)"
+    echo "  rule: $(installedRule | grep . || echo "not installed")"
+    isSet http_proxy "${http_proxy:-}"
+}
+
+reportJournal() {
+    echo "Journal: the last $mostLines lines of the program, this user's"
+    journalctl --user --no-pager --quiet --lines="$mostLines" _COMM=talvex-updater 2>&1 | sed 's/^/  /'
+}
+
+reportFiles() {
+    echo "Files: size, SHA-256, name"
+    (cd "$here" && find . -type f | sort) | while read -r file; do
+        printf '  %10d %s %s\n' "$(stat -c %s "$here/$file")" "$(sha256sum < "$here/$file" | cut -d ' ' -f 1)" "${file#./}"
+    done
+}
+
+echo "Report on the Talvex updater, $(date -u '+%Y-%m-%d %H:%M:%S') UTC"
+reportProgram
+reportSystem
+echo "Units connected now, and whether this user may use them:"
+describeUnits || true
+reportJournal
+reportFiles
