@@ -2,6 +2,7 @@
 # scripts/bench.sh [GROUP]...
 # Builds the benchmarks and prints each figure beside its baseline from the same run and its limit; about 13 minutes for
 # all groups: stream growth start log memory rules. Exits with 1 if a limit is missed. The machine should be idle.
+# The group bundle, which is only measured when asked for, is about the archive that scripts/package.sh has made.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/lib/packages.sh
@@ -74,6 +75,27 @@ late() { run late "$work/run/bench-transfer" stream 15000000 247500 2299; }
 updater() { run updater "$build/bench/bench-start" "$work/run/talvex-updater"; }
 empty() { run empty "$build/bench/bench-start" "$build/bench/bench-emptywindow"; }
 
+# The bundle, beside the same program with the system's libraries.
+bundled() { run bundled "$build/bench/bench-start" "$work/bundle/talvex-updater"; }
+linked() { run linked "$build/bench/bench-start" "$PWD/build-bundle/bin/talvex-updater"; }
+
+# Unpacks the bundle and starts it for the first time.
+firstStart() {
+    local archives=("$PWD"/artifacts/package/*.tar.gz) began unpacked window
+    if [ ! -e "${archives[0]}" ]; then
+        echo "bench.sh: there is no archive; scripts/package.sh makes it" >&2
+        exit 1
+    fi
+    mkdir "$work/bundle"
+    began=$(date +%s%N)
+    tar -xzf "${archives[0]}" -C "$work/bundle" --strip-components=1
+    unpacked=$(date +%s%N)
+    "$build/bench/bench-start" "$work/bundle/talvex-updater" > /dev/null
+    window=$(date +%s%N)
+    echo "From the archive to the window: $(((window - began) / 1000000)) ms," \
+        "of which $(((unpacked - began) / 1000000)) ms for unpacking"
+}
+
 logOf() { run "$1" "$work/run/bench-log" "$1" "$2"; }
 program() { logOf program 250000; }
 bare() { logOf bare 250000; }
@@ -97,15 +119,20 @@ sizes() {
 
 installMissing "${buildPackages[@]}" "${benchPackages[@]}"
 CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset bench > "$work/configure" || { cat "$work/configure"; exit 1; }
-cmake --build --preset bench -j "$(nproc)"
 mkdir "$work/run"
-cp "$build/bin/talvex-updater" "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
+if [ "$groups" = bundle ]; then
+    cmake --build --preset bench -j "$(nproc)" --target bench-start
+else
+    cmake --build --preset bench -j "$(nproc)"
+    cp "$build/bin/talvex-updater" "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
+fi
 openScreen
 uptime
 
 if wanted stream; then alternate 10 stream ticks writes; fi
 if wanted growth; then alternate 5 small early late; fi
 if wanted start && [ -n "${DISPLAY:-}" ]; then alternate 20 updater empty; fi
+if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart && alternate 20 bundled linked; fi
 if wanted log; then alternate 5 program bare lean chain; fi
 if wanted memory; then sizes; fi
 echo
