@@ -30,12 +30,10 @@ install(RUNTIME_DEPENDENCY_SET bundle
 install(CODE "execute_process(
   COMMAND ${PROJECT_SOURCE_DIR}/packaging/linux/notices.sh \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\" COMMAND_ERROR_IS_FATAL ANY)")
 
-if(EXISTS ${PROJECT_SOURCE_DIR}/docs/user-guide.md)
-  install(CODE "execute_process(
-    COMMAND bash -c \". scripts/lib/guide.sh && guideAsHtml docs/user-guide.md\"
-    WORKING_DIRECTORY \"${PROJECT_SOURCE_DIR}\"
-    OUTPUT_FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/user-guide.html\" COMMAND_ERROR_IS_FATAL ANY)")
-endif()
+install(CODE "execute_process(
+  COMMAND bash -c \"source scripts/lib/guide.sh && guideAsHtml docs/user-guide.md\"
+  WORKING_DIRECTORY \"${PROJECT_SOURCE_DIR}\"
+  OUTPUT_FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/user-guide.html\" COMMAND_ERROR_IS_FATAL ANY)")
 
 set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_VERBATIM_VARIABLES ON)

@@ -132,7 +132,7 @@ uptime
 if wanted stream; then alternate 10 stream ticks writes; fi
 if wanted growth; then alternate 5 small early late; fi
 if wanted start && [ -n "${DISPLAY:-}" ]; then alternate 20 updater empty; fi
-if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart && alternate 20 bundled linked; fi
+if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart && alternate 60 bundled linked; fi
 if wanted log; then alternate 5 program bare lean chain; fi
 if wanted memory; then sizes; fi
 echo

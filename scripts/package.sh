@@ -89,7 +89,7 @@ for argument in "$@"; do
     esac
 done
 
-installMissing "${buildPackages[@]}" "${bundlePackages[@]}"
+installMissing "${buildPackages[@]}" "${guidePackages[@]}" "${bundlePackages[@]}"
 if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then
     SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
 fi

@@ -10,7 +10,7 @@ checkPackages=(appstream at-spi2-core binutils clang-format clang-tidy dbus dbus
     libglib2.0-bin lld openssl python3-dbusmock python3-pyatspi shellcheck valgrind xdotool)
 guidePackages=(cmark-gfm)
 fuzzPackages=(clang libclang-rt-dev)
-bundlePackages=(binutils "${guidePackages[@]}")
+bundlePackages=(binutils)
 bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap)
 picturePackages=(imagemagick x11-utils x11-xserver-utils)
 

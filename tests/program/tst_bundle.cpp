@@ -7,6 +7,19 @@
 
 #include <QtTest>
 
+namespace {
+
+/// What the program says beyond what its font library says of a system that has fonts and no settings for
+/// them.
+QString ownWords(Program& program)
+{
+    QStringList lines = program.errorOutput().split('\n');
+    lines.removeAll("Fontconfig error: Cannot load default config file: No such file: (null)");
+    return lines.join('\n');
+}
+
+} // namespace
+
 class tst_bundle : public QObject
 {
     Q_OBJECT
@@ -49,7 +62,7 @@ void tst_bundle::update()
     MUST(scenario::seeFinished(program));
     QCOMPARE(scenario::journal(program, "hb4"), scenario::faultlessJournal(image));
     QVERIFY(scenario::receivedImage(program, "hb4") == image);
-    QCOMPARE(program.errorOutput(), QString());
+    QCOMPARE(ownWords(program), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_bundle)
