@@ -24,6 +24,12 @@ constexpr const char* deniedSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\nexit 1\
 constexpr std::array tools{"awk",   "cat", "cmp", "cut", "df", "dirname", "find",  "grep", "ls",
                            "mkdir", "mv",  "rm",  "sed", "sh", "sort",    "touch", "tr",   "uname"};
 
+/// On such a computer nobody is asked for root; the guest is one that certainly has no rule.
+bool hasRule()
+{
+    return QFile::exists("/etc/udev/rules.d/70-talvex-updater.rules");
+}
+
 QByteArray contentOf(const QString& path)
 {
     QFile file(path);
@@ -148,6 +154,8 @@ void tst_installscript::menuStartsTheProgram()
 
 void tst_installscript::rootIsAskedForOnce()
 {
+    if (hasRule())
+        QSKIP("this computer has the rule");
     const ScriptRun installed = run(copyNamed("updater"));
     QVERIFY2(installed.says("/etc/udev/rules.d/70-talvex-updater.rules"), qPrintable(installed.output));
     QCOMPARE(contentOf(base->filePath("asked")), QByteArray("asked\n"));
@@ -220,6 +228,8 @@ void tst_installscript::lineBreakInTheName()
 
 void tst_installscript::rootIsDenied()
 {
+    if (hasRule())
+        QSKIP("this computer has the rule");
     QVERIFY(writeExecutable(base->filePath("bin/sudo"), deniedSudo));
     const ScriptRun installed = run(copyNamed("updater"));
     QCOMPARE(installed.code, 1);
@@ -229,6 +239,8 @@ void tst_installscript::rootIsDenied()
 
 void tst_installscript::nobodyToAskForRoot()
 {
+    if (hasRule())
+        QSKIP("this computer has the rule");
     QFile::remove(base->filePath("bin/sudo"));
     const ScriptRun installed = run(copyNamed("updater"));
     QCOMPARE(installed.code, 1);

@@ -214,6 +214,9 @@ void tst_usbinstall::removal()
     QVERIFY2(removed.code == 0, qPrintable(removed.output));
     QCOMPARE(asked(), QByteArray("asked\n"));
     QVERIFY(!QFile::exists(rule));
+    const ScriptRun again = run(installScript, {"--remove"});
+    QVERIFY2(again.code == 0 && again.says("It is not there."), qPrintable(again.output));
+    QCOMPARE(asked(), QByteArray("asked\n"));
 }
 
 void tst_usbinstall::ruleNotApplied()
