@@ -83,7 +83,7 @@ void UpdateChecker::storeFirmware()
     if (!written)
         problem(notSaved);
     // Intentional: also without a download, so that the old image is never taken for the new one.
-    const bool replaced = store.replaceImage();
+    const bool replaced = store.replaceImage(written);
     if (written && !replaced)
         problem(notSaved);
     if (!store.hasImage()) {

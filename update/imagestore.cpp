@@ -71,12 +71,12 @@ bool ImageStore::holds(const QByteArray& image) const
     return true;
 }
 
-bool ImageStore::replaceImage() const
+bool ImageStore::replaceImage(bool written) const
 {
     const bool hadImage = hasImage();
     if (hadImage && !QFile::rename(imageName, backupName))
         return false;
-    if (QFileInfo(downloadName).isFile() && !QFile::rename(downloadName, imageName))
+    if (written && QFileInfo(downloadName).isFile() && !QFile::rename(downloadName, imageName))
         return false;
     if (!hadImage && hasImage()) // the backup of an image that no longer exists
         QFile::remove(backupName);

@@ -20,12 +20,13 @@ public:
 
     /// Removes an earlier download and, unless it is the only image there is, the backup; writes `image` as
     /// the new download.
-    /// False if it could not be created or does not hold every byte; then no download remains.
+    /// False if it could not be created or does not hold every byte; then no download remains, save an
+    /// earlier one that another program holds open (Windows).
     [[nodiscard]] bool writeDownload(const QByteArray& image) const;
 
-    /// Makes the image the backup and the download the image. If there was no image, no backup remains.
-    /// False if an existing file could not be renamed.
-    [[nodiscard]] bool replaceImage() const;
+    /// Makes the image the backup and, if there is one that was `written`, the download the image. If there
+    /// was no image, no backup remains. False if an existing file could not be renamed.
+    [[nodiscard]] bool replaceImage(bool written = true) const;
 
     [[nodiscard]] bool hasImage() const;
 

@@ -51,6 +51,7 @@ private slots:
     void imageCannotBecomeTheBackup();
     void downloadCannotBecomeTheImage();
     void replacingWithoutADownload();
+    void replacingWithADownloadOfBefore();
     void killedAtAnyCall_data();
     void killedAtAnyCall();
 
@@ -251,6 +252,16 @@ void TestImageStore::replacingWithoutADownload()
     QVERIFY(store.replaceImage());
     QVERIFY2(!store.hasImage(), "the previous image is never taken for the new one");
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
+}
+
+/// One that could not be removed: it is not the new image.
+void TestImageStore::replacingWithADownloadOfBefore()
+{
+    place({previous, older, none});
+    const ImageStore store(name);
+    QVERIFY(store.replaceImage(false));
+    QVERIFY(!store.hasImage());
+    QCOMPARE(found(), (ImageFiles{none, older, previous}));
 }
 
 void TestImageStore::killedAtAnyCall_data()
