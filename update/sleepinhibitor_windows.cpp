@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-// Written after Microsoft's documentation of SetThreadExecutionState; not yet built or run on Windows.
+// Written after Microsoft's documentation of SetThreadExecutionState; tried under Wine, not yet on Windows.
 namespace sleepinhibitor {
 
 void prepare() {}
