@@ -12,6 +12,9 @@ guidePackages=(cmark-gfm)
 fuzzPackages=(clang libclang-rt-dev)
 bundlePackages=(binutils)
 bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap)
+# To build and pack for Windows, and to try that under Wine.
+windowsPackages=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix openssl patch perl unzip wine wine64 xauth
+    xvfb xz-utils zip)
 picturePackages=(imagemagick x11-utils x11-xserver-utils)
 
 isInstalled() {

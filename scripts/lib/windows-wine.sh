@@ -1,0 +1,27 @@
+# shellcheck shell=bash
+# Wine, as the tests want it. Sourced, not run, from the project's folder.
+# shellcheck disable=SC2154  # the folders are those of scripts/lib/windows.sh
+
+export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+
+# onScreen COMMAND...: runs it on a screen of its own; Wine wants one.
+onScreen() {
+    xvfb-run -a -s '-screen 0 1600x1200x24 -nolisten tcp' "$@"
+}
+
+# makePrefix FOLDER: a prefix to copy. A crash opens no box, and texts are drawn in a font that there is.
+makePrefix() {
+    local font
+    rm -rf "$1" "$1.partial" && mkdir -p "$1.partial" || return
+    export WINEPREFIX=$1.partial
+    {
+        onScreen timeout 300 wine wineboot --init &&
+            wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f &&
+            for font in 'MS Shell Dlg' 'MS Shell Dlg 2' 'Segoe UI' Tahoma; do
+                wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d 'DejaVu Sans' /f || return
+            done &&
+            wineserver -k && wineserver -w
+    } < /dev/null > "$work/wine.log" 2>&1 || { cat "$work/wine.log" && return 1; }
+    unset WINEPREFIX
+    mv "$1.partial" "$1"
+}
