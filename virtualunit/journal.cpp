@@ -5,7 +5,7 @@ namespace virtualunit {
 Journal::Journal(const std::string& path)
 {
     if (!path.empty())
-        file.open(path, std::ios::app);
+        file.open(path, std::ios::app | std::ios::binary);
 }
 
 void Journal::add(const std::string& line)

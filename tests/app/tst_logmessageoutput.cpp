@@ -142,7 +142,7 @@ void TestLogMessageOutput::speak(const QString& speech, const QByteArray& locale
     QVERIFY(process.waitForFinished(limits::hangMs()));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    echo = process.readAllStandardOutput();
+    echo = process.readAllStandardOutput().replace("\r\n", "\n"); // as Windows ends the lines of a text
     files = QDir(folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
     QFile file(folder->filePath(files.value(0)));
     if (files.isEmpty() || !file.open(QIODevice::ReadOnly))
@@ -241,7 +241,9 @@ void TestLogMessageOutput::fileAndEcho_data()
     row("null message", {"before", "behind"}, "before\n");           // spoils the echo for good, not the file
     row("null message first", {}, "");
     row("local encoding", {QString::fromUtf8("\xD0\x94\xD0\xB0")}, "\xC4\xE0\n");
+#ifndef Q_OS_WIN // which keeps the folder that a program runs in
     row("folder is gone", {"kept"}, "lost\nkept\n");
+#endif
     row("crash", {"last words"}, "last words\n");
 }
 

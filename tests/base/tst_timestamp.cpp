@@ -47,6 +47,8 @@ void TestTimestamp::digits_data()
 void TestTimestamp::digits()
 {
     QFETCH(QByteArray, locale);
+    const QByteArray expected = "2016-03-01_14_05_09 2016-03-01_14:05:09"; // as in any other
+#ifndef Q_OS_WIN // where it is a setting of the user's
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("LC_ALL", locale);
     QProcess process;
@@ -57,13 +59,14 @@ void TestTimestamp::digits()
     QCOMPARE(said.size(), 3);
     const QString year = QString::fromUtf8(said[0]);
     QVERIFY2(year != "2016", "the locale is not in force: this row would see nothing");
-    QCOMPARE(said[1], QByteArray("2016-03-01_14_05_09 2016-03-01_14:05:09"));
+    QCOMPARE(said[1], expected);
+#endif
 
     const QLocale before;
     QLocale::setDefault(QLocale(QString::fromLatin1(locale)));
     const QByteArray byDefault = inAllForms();
     QLocale::setDefault(before);
-    QCOMPARE(byDefault, said[1]);
+    QCOMPARE(byDefault, expected);
 }
 
 int main(int argc, char** argv)

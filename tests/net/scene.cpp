@@ -1,6 +1,7 @@
 #include "tests/net/scene.h"
 
 #include "tests/support/limits.h"
+#include "tests/support/systemproxy.h"
 
 #include <QNetworkProxyFactory>
 #include <QTest>
@@ -40,7 +41,7 @@ void addRequests()
 
 Scene::Scene()
 {
-    qputenv("http_proxy", server.address({}).toUtf8());
+    setSystemProxy(server.address({}));
     QNetworkProxyFactory::setUseSystemConfiguration(true);
 }
 

@@ -1,4 +1,5 @@
 #include "tests/net/scene.h"
+#include "tests/support/systemproxy.h"
 
 #include <QTimer>
 #include <QtTest>
@@ -88,13 +89,12 @@ void TestAnswers::bad()
 void TestAnswers::nobodyListens()
 {
     QFETCH(Request, request);
-    const QByteArray proxy = qgetenv("http_proxy");
     RawServer closed;
-    qputenv("http_proxy", closed.address({}).toUtf8());
+    setSystemProxy(closed.address({}));
     closed.stopListening();
     scene.ask(request, closed);
     const bool refused = QTest::qWaitFor([this] { return scene.rests(2); }, limits::hangMs());
-    qputenv("http_proxy", proxy);
+    setSystemProxy(scene.server.address({}));
     QVERIFY(refused);
     QCOMPARE(scene.journal->events, scene.networkError(request));
 }

@@ -1,5 +1,7 @@
 #include "tests/net/scene.h"
+#ifdef Q_OS_LINUX
 #include "tests/support/httpthreads.h"
+#endif
 #include "tests/support/texts.h"
 
 #include <QAuthenticator>
@@ -261,10 +263,14 @@ void TestUpdateChecker::endsItsThreadInMidRequest()
     scene.server.setAnswer(imagePath, {{announced(9, "half")}, RawServer::End::keepOpen});
     scene.ask(Request::image);
     QTRY_COMPARE(scene.state().firmwareData, QByteArray("half"));
+#ifdef Q_OS_LINUX // elsewhere threads have no names
     QCOMPARE(httpThreads(), 1);
+#endif
     scene.journal->events.clear();
     scene.checker->endNetwork();
+#ifdef Q_OS_LINUX
     QTRY_COMPARE(httpThreads(), 0);
+#endif
     QCoreApplication::processEvents();
     QCOMPARE(scene.journal->events, QStringList());
 }

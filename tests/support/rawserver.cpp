@@ -8,7 +8,11 @@
 #include <algorithm>
 #include <utility>
 
+#ifdef Q_OS_WIN
+#include <winsock2.h>
+#else
 #include <sys/socket.h>
+#endif
 
 namespace {
 
@@ -27,7 +31,12 @@ QString pathOf(const QByteArray& head)
 void closeHard(QTcpSocket& socket)
 {
     const linger atOnce{1, 0};
+#ifdef Q_OS_WIN
+    setsockopt(static_cast<SOCKET>(socket.socketDescriptor()), SOL_SOCKET, SO_LINGER,
+               reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
+#else
     setsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+#endif
     socket.abort();
 }
 
@@ -282,7 +291,7 @@ RawServer::Answer endless(const QByteArray& piece)
 QByteArrayList drops(const QByteArray& bytes)
 {
     QByteArrayList all;
-    for (const char byte : bytes)
-        all.append(QByteArray(1, byte));
+    for (const char one : bytes)
+        all.append(QByteArray(1, one));
     return all;
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#ifdef Q_OS_LINUX
 #include <array>
 #include <cstdint>
 
@@ -46,3 +47,4 @@ private:
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     const Sets before = capabilities(&header);
 };
+#endif

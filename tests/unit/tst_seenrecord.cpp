@@ -94,7 +94,11 @@ void TestSeenRecord::record()
     if (!line)
         return;
     QVERIFY2(line->startsWith(row.line), qPrintable(*line));
-    QCOMPARE(line->contains(".rules"), row.kind == seenrecord::Kind::nameless); // on Linux, where this runs
+#ifdef Q_OS_LINUX
+    QCOMPARE(line->contains(".rules"), row.kind == seenrecord::Kind::nameless);
+#else
+    QVERIFY(!line->contains(".rules"));
+#endif
 }
 
 void TestSeenRecord::choice_data()
@@ -142,6 +146,9 @@ void TestSeenRecord::unopened()
 
 void TestSeenRecord::ruleIsTheOneThatComesAlong()
 {
+#ifndef Q_OS_LINUX
+    QSKIP("only Linux has such rules");
+#endif
     const QRegularExpression rule("[^ ]+\\.rules");
     for (const QString& line :
          {seenrecord::lineForSkipped(hb4, nullptr, "path").value_or(""), seenrecord::lineForUnopened(hb4)}) {

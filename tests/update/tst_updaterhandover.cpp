@@ -60,6 +60,9 @@ void TestUpdaterHandover::openerGetsTheAddress_data()
 
 void TestUpdaterHandover::openerGetsTheAddress()
 {
+#ifdef Q_OS_WIN
+    QSKIP("Explorer is found in Windows' own folder; tst_windows looks at what it gets");
+#endif
     QFETCH(QString, address);
     QFETCH(QString, handedOver);
     scene.server.setAnswer(cataloguePath,
@@ -91,6 +94,9 @@ void TestUpdaterHandover::openerGetsTheAddress()
 
 void TestUpdaterHandover::openerIsMissing()
 {
+#ifdef Q_OS_WIN
+    QSKIP("Explorer is always there");
+#endif
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");
     scene.checker->onNeedDownloadNewMainFirmware();

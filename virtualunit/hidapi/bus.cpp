@@ -46,7 +46,7 @@ Bus& Bus::instance()
 Bus::Bus()
 {
     if (const char* path = std::getenv("TALVEX_VIRTUAL_HID_TRACE"))
-        trace.open(path, std::ios::app);
+        trace.open(path, std::ios::app | std::ios::binary);
     if (const char* units = std::getenv("TALVEX_VIRTUAL_UNITS")) {
         keepsCalls = false; // a whole program runs long, and nobody could ask
         attachFromEnvironment(units);

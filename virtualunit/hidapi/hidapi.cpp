@@ -3,7 +3,11 @@
 #include "virtualunit/hidapi/bus.h"
 #include "virtualunit/hidapi/inforecord.h"
 
+#ifdef _WIN32
+#include <hidapi.h>
+#else
 #include <hidapi_libusb.h>
+#endif
 
 #include <cwchar>
 
@@ -130,10 +134,12 @@ HID_API_EXPORT hid_device* hid_open_path(const char* path)
     return device;
 }
 
+#ifndef _WIN32
 HID_API_EXPORT hid_device* hid_libusb_wrap_sys_device(intptr_t, int)
 {
     return nullptr; // there is no device of the system behind this library
 }
+#endif
 
 HID_API_EXPORT int hid_write(hid_device* device, const unsigned char* data, size_t length)
 {
