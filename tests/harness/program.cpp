@@ -1,7 +1,9 @@
 #include "tests/harness/program.h"
 
 #include "tests/harness/processtime.h"
+#include "tests/harness/surroundings.h"
 #include "tests/harness/waiting.h"
+#include "tests/harness/wine.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,31 +17,6 @@ namespace {
 QString executable()
 {
     return qEnvironmentVariable("TALVEX_TEST_PROGRAM", TALVEX_PROGRAM);
-}
-
-/// Nothing of the caller's session reaches the program, save what it needs to run at all.
-QProcessEnvironment bareEnvironment()
-{
-    const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
-    QProcessEnvironment bare;
-    for (const char* name :
-         {"PATH", "LD_LIBRARY_PATH", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
-        if (own.contains(name))
-            bare.insert(name, own.value(name));
-    }
-    bare.insert("LANG", "C.UTF-8");
-    bare.insert("QT_QPA_PLATFORM", "xcb");
-    bare.insert("NO_AT_BRIDGE", "1");
-    bare.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // this computer may sleep as it likes
-    return bare;
-}
-
-/// Qt's own remark when a box's window went before the X server answered a question about it, and the
-/// program's that it found no system bus, which is kept from it.
-bool isAboutSurroundings(const QString& line)
-{
-    return line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
-           line.startsWith("The computer may go to sleep: ");
 }
 
 /// Where a failed step leaves its picture; "": nowhere.
@@ -66,6 +43,12 @@ Program::Program(Desktop& shownOn)
     QFile::setPermissions(base.filePath("home"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
+void Program::setFolder(const QString& name)
+{
+    appFolder = name;
+    QDir(base.path()).mkpath(name);
+}
+
 void Program::putFirstInPath(const QString& directory)
 {
     setVariable("PATH", directory + ":" + environment.value("PATH"));
@@ -90,18 +73,32 @@ void Program::useSystemsHid()
     libraries.removeAll(TALVEX_VIRTUAL_HID);
 }
 
-Outcome Program::start()
+/// Puts the program into its directory, and sets up what it runs in.
+Outcome Program::place()
 {
-    if (!QFile::copy(executable(), ownPath("talvex-updater")))
-        return Outcome("cannot copy the program from " + executable());
     environment.insert("DISPLAY", desktop.name() + startScreen);
     environment.insert("HOME", base.filePath("home"));
     environment.insert("XDG_RUNTIME_DIR", base.filePath("home"));
-    environment.insert("LD_PRELOAD", libraries.join(':'));
     environment.insert("TALVEX_PROBE", base.filePath("probe"));
+    if (wine::isUsed()) {
+        STEP(wine::unpack(ownPath(".")));
+        return wine::prepare(environment, registry);
+    }
+    environment.insert("LD_PRELOAD", libraries.join(':'));
+    return QFile::copy(executable(), ownPath(wine::programName()))
+               ? Outcome()
+               : Outcome("cannot copy the program from " + executable());
+}
+
+Outcome Program::start()
+{
+    STEP(place());
+    const QString own = ownPath(wine::programName());
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(base.filePath("work"));
-    process.start(ownPath("talvex-updater"), QStringList());
+    QStringList command = launcher + (wine::isUsed() ? QStringList{"wine", own} : QStringList{own});
+    const QString first = command.takeFirst();
+    process.start(first, command);
     // On a busy machine the probe may answer before Qt has been told that the process runs.
     const bool listens = waitUntil([&] {
         return process.state() == QProcess::NotRunning || (isRunning() && probe.open(base.filePath("probe")));
@@ -114,7 +111,7 @@ Outcome Program::start()
 QString Program::errorOutput()
 {
     QCoreApplication::processEvents();
-    written += process.readAllStandardError();
+    written += process.readAllStandardError().replace("\r\n", "\n");
     QStringList lines = QString::fromUtf8(written).split('\n', Qt::SkipEmptyParts);
     lines.erase(std::remove_if(lines.begin(), lines.end(), isAboutSurroundings), lines.end());
     return lines.join('\n');
@@ -272,8 +269,9 @@ Outcome Program::answer(const QString& button)
 
 Outcome Program::pressKeys(std::initializer_list<unsigned long> symbols)
 {
-    STEP(waitFor("the main window's focus",
-                 [](const View& view) { return view.window()["active"].toBool(); }));
+    STEP(waitFor("the main window's focus", [&](const View& view) {
+        return view.window()["active"].toBool() && desktop.screen().hasFocus(view.mainWindow());
+    }));
     desktop.screen().pressKeys(symbols);
     return {};
 }
@@ -281,7 +279,7 @@ Outcome Program::pressKeys(std::initializer_list<unsigned long> symbols)
 Outcome Program::closeWindow()
 {
     STEP(waitFor("the main window", [](const View& view) { return !view.window().isEmpty(); }));
-    desktop.screen().close(last.window()["winId"].toString().toULong());
+    desktop.screen().close(last.mainWindow());
     return {};
 }
 

@@ -23,7 +23,7 @@ public:
     explicit Program(Desktop& desktop);
 
     /// A path in the program's own directory, or in the scratch directory next to it.
-    [[nodiscard]] QString ownPath(const QString& file) const { return base.filePath("app/" + file); }
+    [[nodiscard]] QString ownPath(const QString& file) const { return base.filePath(appFolder + '/' + file); }
     [[nodiscard]] QString scratchPath(const QString& file) const { return base.filePath("scratch/" + file); }
 
     /// Creates a file in the program's own directory.
@@ -35,6 +35,12 @@ public:
     void setVariable(const QString& name, const QString& value) { environment.insert(name, value); }
     /// Plugs in units, each given in the virtual HID library's option format.
     void plugIn(const QStringList& units) { setVariable("TALVEX_VIRTUAL_UNITS", units.join(';')); }
+    /// Starts the program in a directory of this name instead of "app".
+    void setFolder(const QString& name);
+    /// Sets a value in the registry of Windows, given as to its command "reg add".
+    void setInRegistry(const QStringList& value) { registry.append(value); }
+    /// Starts the program through this command, which is given the program and its own arguments.
+    void setLauncher(const QStringList& command) { launcher = command; }
     /// Uses the system's HID library instead of the virtual one.
     void useSystemsHid();
     /// Preloads another library, before the others.
@@ -95,6 +101,7 @@ public:
     Outcome staysAway(const QString& what, const std::function<bool(const View&)>& unwanted, int looks = 50);
 
 private:
+    Outcome place();
     /// Looks the signal up in one of the signal sets of /proc/PID/status.
     [[nodiscard]] bool isInSet(const QByteArray& set, int signal) const;
     [[nodiscard]] Outcome failed(const QString& what);
@@ -103,7 +110,10 @@ private:
     Desktop& desktop;
     QString startScreen; ///< ".1"; empty: the desktop's first
     QTemporaryDir base;
+    QString appFolder = "app";
     QProcessEnvironment environment;
+    QVector<QStringList> registry;
+    QStringList launcher;
     QStringList libraries;
     QByteArray written;
     ChildProcess process;

@@ -38,8 +38,8 @@ std::optional<Target> targetIn(const QJsonObject& window, const QJsonObject& thi
 {
     if (window.isEmpty() || thing.isEmpty() || !window["exposed"].toBool())
         return std::nullopt;
-    const QPoint half(thing["width"].toInt() / 2, thing["height"].toInt() / 2);
-    return Target{windowIdOf(window), globalOf(window), globalOf(thing) + half};
+    return Target{windowIdOf(window), globalOf(window),
+                  QPoint(thing["middleX"].toInt(), thing["middleY"].toInt())};
 }
 
 } // namespace
@@ -73,6 +73,11 @@ std::optional<BoxText> View::box() const
 {
     const QJsonObject top = topBox();
     return top.isEmpty() ? std::nullopt : std::optional(boxTextOf(top));
+}
+
+unsigned long View::mainWindow() const
+{
+    return windowIdOf(window());
 }
 
 unsigned long View::boxWindow() const

@@ -37,6 +37,8 @@ public:
     [[nodiscard]] int boxCount() const;
     /// The box that receives input; nullopt if no box is open.
     [[nodiscard]] std::optional<BoxText> box() const;
+    /// The X window of the main window; 0 if it is not shown.
+    [[nodiscard]] unsigned long mainWindow() const;
     /// The X window of that box; 0 if no box is open.
     [[nodiscard]] unsigned long boxWindow() const;
 

@@ -120,6 +120,13 @@ bool XScreen::pointAt(QPoint position, Window window)
     return false;
 }
 
+bool XScreen::hasFocus(Window window)
+{
+    ::Window focus = 0;
+    int unused = 0;
+    return XGetInputFocus(display, &focus, &unused) != 0 && focus == window;
+}
+
 void XScreen::click()
 {
     XTestFakeButtonEvent(display, Button1, True, CurrentTime);

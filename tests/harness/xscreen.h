@@ -43,6 +43,9 @@ public:
     /// The icon that the window has given the window manager, in each of its sizes, in the window's order.
     [[nodiscard]] QVector<QImage> icons(Window window);
 
+    /// Whether the server sends keys to this window.
+    [[nodiscard]] bool hasFocus(Window window);
+
     /// Presses and releases the left button where the pointer is.
     void click();
 

@@ -1,4 +1,5 @@
-// Preloaded into the program under test: tells, on request, what a user sees of it, and changes nothing.
+// Within the program under test (preloaded; on Windows, a part of the virtual HID library): tells, on
+// request, what a user sees of it, and changes nothing.
 
 #include "tests/harness/probe/connections.h"
 #include "tests/harness/probe/snapshot.h"
@@ -6,14 +7,29 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QJsonDocument>
+
+#ifdef Q_OS_WIN
+#include <QNetworkProxy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#else
 #include <QLocalServer>
 #include <QLocalSocket>
+#endif
 
 namespace {
 
 constexpr const char* nameVariable = "TALVEX_PROBE";
 
-QLocalServer* server = nullptr; ///< GUI thread; lives from the application object's start to its end
+#ifdef Q_OS_WIN
+using Server = QTcpServer; // a named pipe of Wine's cannot be reached from outside
+using Socket = QTcpSocket;
+#else
+using Server = QLocalServer;
+using Socket = QLocalSocket;
+#endif
+
+Server* server = nullptr; ///< GUI thread; lives from the application object's start to its end
 
 /// "snapshot" or "connections"; the answer to anything else is an empty object.
 QJsonDocument answerTo(const QByteArray& request)
@@ -26,7 +42,7 @@ QJsonDocument answerTo(const QByteArray& request)
 }
 
 /// One request a line, one answer a line. A socket notifier serves it, so nested event loops answer too.
-void answer(QLocalSocket* socket)
+void answer(Socket* socket)
 {
     while (socket->canReadLine()) {
         socket->write(answerTo(socket->readLine().trimmed()).toJson(QJsonDocument::Compact) + '\n');
@@ -42,6 +58,22 @@ void noteQuit()
         qWarning("probe: cannot write %s", qPrintable(file.fileName()));
 }
 
+#ifdef Q_OS_WIN
+/// On a port of loopback, whose number is written to the file of this name.
+bool listen(const QString& name)
+{
+    server->setProxy(QNetworkProxy::NoProxy);
+    QFile file(name);
+    return server->listen(QHostAddress::LocalHost) && file.open(QIODevice::WriteOnly) &&
+           file.write(QByteArray::number(server->serverPort()) + '\n') > 0;
+}
+#else
+bool listen(const QString& name)
+{
+    return server->listen(name);
+}
+#endif
+
 void stop()
 {
     delete server;
@@ -53,15 +85,15 @@ void start()
     const QString name = qEnvironmentVariable(nameVariable);
     if (name.isEmpty())
         return;
-    server = new QLocalServer;
+    server = new Server;
     qAddPostRoutine(stop);
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, server, noteQuit);
-    QObject::connect(server, &QLocalServer::newConnection, server, [] {
-        QLocalSocket* const socket = server->nextPendingConnection();
-        QObject::connect(socket, &QLocalSocket::readyRead, socket, [socket] { answer(socket); });
-        QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    QObject::connect(server, &Server::newConnection, server, [] {
+        Socket* const socket = server->nextPendingConnection();
+        QObject::connect(socket, &Socket::readyRead, socket, [socket] { answer(socket); });
+        QObject::connect(socket, &Socket::disconnected, socket, &QObject::deleteLater);
     });
-    if (!server->listen(name))
+    if (!listen(name))
         qWarning("probe: cannot listen at %s", qPrintable(name));
 }
 

@@ -13,20 +13,49 @@
 #include <QVariant>
 #include <QWindow>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 namespace {
 
-/// Global position and size in pixels; winId and exposed only of a window that has them already.
+#ifdef Q_OS_WIN
+/// The X window that Wine shows this one in.
+WId idOnScreen(const QWindow& window)
+{
+    const HANDLE id = GetPropA(reinterpret_cast<HWND>(window.winId()), "__wine_x11_whole_window");
+    return reinterpret_cast<WId>(id);
+}
+
+/// There, Qt counts in points of its own; the screen's first pixel is that of both.
+QPoint onScreen(const QWidget& widget, QPoint position)
+{
+    return position * widget.devicePixelRatioF();
+}
+#else
+WId idOnScreen(const QWindow& window)
+{
+    return window.winId();
+}
+
+QPoint onScreen(const QWidget&, QPoint position)
+{
+    return position;
+}
+#endif
+
+/// Global position in pixels of the screen, and size; winId and exposed only of a window that has them
+/// already.
 QJsonObject place(const QWidget& widget)
 {
-    const QPoint global = widget.mapToGlobal(QPoint(0, 0));
+    const QPoint global = onScreen(widget, widget.mapToGlobal(QPoint(0, 0)));
+    const QPoint middle = onScreen(widget, widget.mapToGlobal(widget.rect().center()));
     QJsonObject fields{
-        {"globalX", global.x()},
-        {"globalY", global.y()},
-        {"width", widget.width()},
-        {"height", widget.height()},
+        {"globalX", global.x()}, {"globalY", global.y()},   {"middleX", middle.x()},
+        {"middleY", middle.y()}, {"width", widget.width()}, {"height", widget.height()},
     };
     if (widget.isWindow() && widget.windowHandle() != nullptr) {
-        fields["winId"] = QString::number(widget.windowHandle()->winId());
+        fields["winId"] = QString::number(idOnScreen(*widget.windowHandle()));
         fields["exposed"] = widget.windowHandle()->isExposed();
         fields["active"] = widget.isActiveWindow();
         fields["title"] = widget.windowTitle();

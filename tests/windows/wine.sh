@@ -1,0 +1,27 @@
+#!/bin/bash
+# wine.sh PROGRAM [ARGUMENT]...: runs a test for Windows under Wine, in a copy of the prefix that TALVEX_WINE_PREFIX
+# names (scripts/windows.sh prefix). The libraries are found in the folders of TALVEX_WINE_PATH, parted by colons.
+set -euo pipefail
+
+prefix=$(mktemp -d)
+cleanUp() {
+    WINEPREFIX=$prefix wineserver -k || true
+    rm -rf "$prefix"
+}
+trap cleanUp EXIT
+# Nothing writes to the files of the system: links will do. The registry is this run's own.
+cp -al "${TALVEX_WINE_PREFIX:?}/." "$prefix"
+for registry in system.reg user.reg userdef.reg; do
+    cp --remove-destination "$TALVEX_WINE_PREFIX/$registry" "$prefix/$registry"
+done
+
+windowsPath=
+IFS=: read -ra folders <<< "$TALVEX_WINE_PATH"
+for folder in "${folders[@]}"; do
+    windowsPath+="Z:${folder//\//\\};"
+done
+export WINEPREFIX=$prefix WINEPATH=$windowsPath WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+# Wine keeps QT_* from the program.
+export WINEQT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} WINEQT_QPA_FONTDIR='Z:\usr\share\fonts\truetype\dejavu'
+export WINEQT_FORCE_STDERR_LOGGING=1
+wine "$@"
