@@ -2,7 +2,8 @@
 # scripts/bench.sh [GROUP]...
 # Builds the benchmarks and prints each figure beside its baseline from the same run and its limit; about 13 minutes for
 # all groups: stream growth start log memory rules. Exits with 1 if a limit is missed. The machine should be idle.
-# The group bundle, which is only measured when asked for, is about the archive that scripts/package.sh has made.
+# Two groups are only measured when asked for: bundle, about the archive that scripts/package.sh has made, and windows,
+# about the program for Windows under Wine (scripts/windows.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/lib/packages.sh
@@ -117,12 +118,34 @@ sizes() {
     fi
 }
 
+# The same two for Windows, where packets need not be as many: a tick is longer there.
+windowsRun() {
+    WINEPREFIX=$work/prefix WINEPATH="Z:${work//\//\\}\\windows" WINEDEBUG=-all WINEQT_QPA_PLATFORM=windows \
+        run "$1" wine "$work/windows/bench-transfer.exe" "$2" 6000000 $(($3 * 10000 + 1)) 5000
+}
+wstream() { windowsRun wstream stream "$1"; }
+wticks() { windowsRun wticks ticks "$1"; }
+
+# Builds the measured program for Windows and puts it beside the libraries it needs.
+prepareWindows() {
+    scripts/windows.sh qt hidapi prefix &&
+        cmake --preset windows-bench > "$work/configure" && cmake --build --preset windows-bench -j "$(nproc)" || return
+    mkdir "$work/windows" "$work/prefix"
+    cp build-windows-bench/bench/bench-transfer.exe build-windows-bench/bin/hidapi.dll "$work/windows"
+    windowsLibraries=$PWD/build-windows-libraries
+    # shellcheck source=scripts/lib/windows-zip.sh
+    . scripts/lib/windows-zip.sh
+    addImports "$work/windows/bench-transfer.exe" "$work/windows"
+    cp -r "$windowsLibraries/qt/plugins/platforms" "$windowsLibraries/qt/plugins/styles" "$work/windows"
+    cp -a "$windowsLibraries/prefix/." "$work/prefix"
+}
+
 installMissing "${buildPackages[@]}" "${benchPackages[@]}"
 CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake --preset bench > "$work/configure" || { cat "$work/configure"; exit 1; }
 mkdir "$work/run"
 if [ "$groups" = bundle ]; then
     cmake --build --preset bench -j "$(nproc)" --target bench-start
-else
+elif [ "$groups" != windows ]; then
     cmake --build --preset bench -j "$(nproc)"
     cp "$build/bin/talvex-updater" "$build/bench/bench-transfer" "$build/bench/bench-log" "$work/run"
 fi
@@ -130,6 +153,7 @@ openScreen
 uptime
 
 if wanted stream; then alternate 10 stream ticks writes; fi
+if wanted windows; then prepareWindows && alternate 5 wstream wticks; fi
 if wanted growth; then alternate 5 small early late; fi
 if wanted start && [ -n "${DISPLAY:-}" ]; then alternate 20 updater empty; fi
 if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart && alternate 60 bundled linked; fi
