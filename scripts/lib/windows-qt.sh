@@ -34,7 +34,9 @@ qtKey() {
     {
         qtSourceVersion
         dpkg-query -W -f='${Package} ${Version}\n' binutils-mingw-w64-x86-64 g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev
-        cat packaging/windows/qt/* scripts/lib/windows-qt.sh
+        cat packaging/windows/qt/*
+        declare -p qtOptions qtToolsThere qtInstalled
+        declare -f configureQt compileQt installQt
     } | sha256sum | cut -c 1-20
 }
 
@@ -49,26 +51,19 @@ qtIsKept() {
     return 1
 }
 
-# fetchQt WORK: puts the patched source into WORK/source.
+# fetchQt WORK: puts the patched source into WORK/source, from where this system's packages come from.
 fetchQt() {
-    local work=$1 codename patch
-    codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+    local work=$1 list patch
     local apt=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$work/sources" -o "Dir::State::Lists=$work/lists"
         -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache= -o APT::Sandbox::User=)
     mkdir -p "$work/sources" "$work/lists/partial"
-    cat > "$work/sources/source.sources" << END
-Types: deb-src
-URIs: http://deb.debian.org/debian
-Suites: $codename $codename-updates
-Components: main
-Signed-By: /usr/share/keyrings/debian-archive-keyring.gpg
-
-Types: deb-src
-URIs: http://deb.debian.org/debian-security
-Suites: $codename-security
-Components: main
-Signed-By: /usr/share/keyrings/debian-archive-keyring.gpg
-END
+    for list in /etc/apt/sources.list /etc/apt/sources.list.d/*; do
+        [ -f "$list" ] || continue
+        case $list in # apt's two forms
+            *.sources) sed 's/^Types:.*/Types: deb-src/' "$list" > "$work/sources/${list##*/}" ;;
+            *.list) sed -n 's/^deb /deb-src /p' "$list" > "$work/sources/${list##*/}" ;;
+        esac
+    done
     apt-get "${apt[@]}" update > "$work/log" &&
         (cd "$work" && apt-get "${apt[@]}" source --download-only "qtbase-opensource-src=$(qtSourceVersion)") >> "$work/log" &&
         # apt has compared the archive's signed digests
