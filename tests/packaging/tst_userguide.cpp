@@ -121,7 +121,7 @@ void tst_userguide::everyText_data()
     QVERIFY(boxes.contains("notFound"));
     const QString table = matches(guide(), "## What the messages mean(.*?)\n## ").value(0);
     addTexts(boxes, quotationsIn(matches(table, "\n(\\|[^|\n]*)\\|").join('\n')));
-    const QMap<QString, QString> others = programTexts("// the labels", "// boxes");
+    const QMap<QString, QString> others = programTexts("// the labels above the bars", "// boxes");
     QVERIFY(others.contains("updateFinished"));
     addTexts(others, quotationsIn(guide()));
 }
