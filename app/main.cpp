@@ -1,7 +1,7 @@
 #include "app/exitsignals.h"
 #include "app/leftovers.h"
 #include "app/logmessageoutput.h"
-#include "base/version.h"
+#include "base/updaterversion.h"
 #include "ui/mainwindow.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 // Input: the unit type, its version, then the catalogue as the server sends it.
 
-#include "base/version.h"
+#include "base/updaterversion.h"
 #include "fuzz/input.h"
 #include "net/catalogue.h"
 #include "tests/support/models.h"

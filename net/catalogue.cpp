@@ -1,6 +1,6 @@
 #include "net/catalogue.h"
 
-#include "base/version.h"
+#include "base/updaterversion.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>

@@ -1,5 +1,5 @@
 #include "base/shownversion.h"
-#include "base/version.h"
+#include "base/updaterversion.h"
 #include "ui/mainwindow.h"
 #include "ui_mainwindow.h"
 #include "update/labeltexts.h"

@@ -1,5 +1,5 @@
 #include "base/shownversion.h"
-#include "base/version.h"
+#include "base/updaterversion.h"
 #include "vendor/commands.h"
 #include "vendor/terminal.h"
 

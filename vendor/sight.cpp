@@ -1,7 +1,7 @@
 #include "vendor/sight.h"
 
 #include "base/shownversion.h"
-#include "base/version.h"
+#include "base/updaterversion.h"
 #include "net/plainaddress.h"
 
 namespace {

@@ -56,8 +56,8 @@ inline constexpr auto logComplete = "Download log file is complete.\nYou can fin
 
 } // namespace text
 
-/// The updater's own version and the next one, as in the catalogue. Raised together with base/version.h, like
-/// the title above.
+/// The updater's own version and the next one, as in the catalogue. Raised together with
+/// base/updaterversion.h, like the title above.
 namespace updater {
 
 inline constexpr auto own = "11";
