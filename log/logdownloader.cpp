@@ -102,13 +102,14 @@ bool LogDownloader::readHeader()
     return false;
 }
 
+/// Intentional: nothing asks to wait for a header.
 void LogDownloader::dataCompleted(int type)
 {
     if (!write(logprotocol::buildAcknowledge()))
         return;
     if (type == readPart)
         QTimer::singleShot(nextPartMs, this, SLOT(needreadLogPart2()));
-    else if (type == waitForHeader) // intentional: nothing asks for it
+    else if (type == waitForHeader)
         emit needwaitLogFileMd5();
 }
 
@@ -117,8 +118,9 @@ void LogDownloader::needreadLogPart2()
     emit needreadLogPart();
 }
 
-/// Reads one part, asking again while the replies are something else: in a loop, as nested calls would end in
-/// a stack overflow. Intentional: without a limit, while a read without a reply leaves the download standing.
+/// Reads one part. Any other reply is answered with a request to resend, in a loop: nested calls would
+/// overflow the stack. Intentional: there is no limit to the requests. Intentional: a read that brings
+/// nothing leaves the download standing, without a message.
 void LogDownloader::readLogPart()
 {
     while (!stopRequested && !isProgramEnding()) {

@@ -64,7 +64,7 @@ private:
 
     hid_device* device;
     std::array<unsigned char, report::outputLength> report{}; ///< every write; reads fill its first 64 bytes
-    int lastResult = 0;    ///< intentional: a member, though a local variable would do
+    int lastResult = 0;    ///< of the latest read or write; intentional: a member, though only used at once
     QByteArray spareBytes; ///< intentional: cleared with logMd5, never filled
     QByteArray logMd5;     ///< intentional: kept, never compared
     int partsTotal = 0;

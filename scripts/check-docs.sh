@@ -1,6 +1,6 @@
 #!/bin/bash
-# Checks that every file and every test that the documents name exists, and that the code which
-# docs/kept-on-purpose.md names says "intentional". Exit code 1: something is missing; it is printed.
+# Checks that every file and every test that the documents name exists, and that the code which a row of
+# docs/kept-on-purpose.md names says "intentional" close by. Exit code 1: something is missing; it is printed.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -28,8 +28,17 @@ for document in "${documents[@]}"; do
     done < <(named "$document" 'tst_[a-z0-9]+::[A-Za-z0-9_]+')
 done
 
-# The second column of each table names the code.
-while read -r path; do
-    grep -qs '[Ii]ntentional' "$path" || complain "docs/kept-on-purpose.md: $path does not say \"intentional\""
-done < <(cut -d '|' -f 3 docs/kept-on-purpose.md | grep -oE '[a-z]+/[a-z_]+\.[a-z]+' | sort -u)
+# The second column of each table names the code; the first one, in backticks, what stands near the word there.
+kept=docs/kept-on-purpose.md
+while IFS='|' read -r _ what where _; do
+    mapfile -t paths < <(grep -oE '[a-z]+/[a-z_]+\.[a-z]+' <<< "$where")
+    [ ${#paths[@]} -gt 0 ] || continue
+    for path in "${paths[@]}"; do
+        grep -qsi intentional "$path" || complain "$kept: $path does not say \"intentional\""
+    done
+    while read -r name; do
+        grep -hsiC 5 intentional "${paths[@]}" | grep -wF -- "$name" > /dev/null ||
+            complain "$kept: ${paths[*]}: no \"intentional\" within five lines of $name"
+    done < <({ grep -oE "\`[^\`]+\`" <<< "$what" || true; } | tr -d '`' | sed -E 's/^([A-Za-z]+::)+//; s/\(.*//')
+done < "$kept"
 exit "$failed"

@@ -99,14 +99,14 @@ private:
     [[nodiscard]] bool readVersion(hid_device* unit);
     void showConnected(const char* message);
 
-    // update/transfer.cpp; intentional: the parameters without a name are not used
+    // update/transfer.cpp
     [[nodiscard]] bool readImage();
     void startTransfer();
     void startTransferOfPair();
     void refuseTransfer(std::initializer_list<unsigned char> statuses);
     void abandonTransfer(const QString& text);
     void endTransferPhase();
-    void transferRequest(int, unsigned char* buffer);
+    void transferRequest(int, unsigned char* buffer); // intentional: int is not used, nor in the next two
     void writeRequest(hid_device* unit, const unsigned char* request);
     void transfer(unsigned char* buffer, int);
 
@@ -136,9 +136,10 @@ private:
     int updateSize = 1;         ///< bytes of the image being sent
     int packetNumber = 0;       ///< data packets sent so far
     int fakeProgressActive = 0; ///< 1: the installation's bar is creeping
+    // Of a pair, device is the deck completing it, and secondDevice the one seen first.
     hid_device* device = nullptr;
     hid_device* secondDevice = nullptr;
-    std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the first deck seen: product ID and path
+    std::unique_ptr<hid_device_info> pendingDeckInfo; ///< the deck seen first: product ID and path
     std::uint8_t deckCount = 1;
     bool firstDeckSeen = false;
     std::array<unsigned char, 25> reserveBlock{}; ///< intentional: zeroed, not used

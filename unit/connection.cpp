@@ -58,7 +58,7 @@ bool MainWindow::searchModel(const UnitModel& model, int& result)
     if (choice.firstDeck != nullptr)
         rememberFirstDeck(*choice.firstDeck);
     if (isDeck(model) && choice.chosen != nullptr)
-        deckCount = 2; // intentional: any two decks make a pair; its model is that of the second
+        deckCount = 2; // intentional: any two decks make a pair; its model is that of the one completing it
 
     // A deck without its twin waits for the next model, unless a pair was already open when the search began.
     // Intentional: while one waits, no single unit of a later model is opened.

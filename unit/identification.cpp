@@ -50,7 +50,7 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     hid_device* const opened = record != nullptr ? openUnit(*record) : nullptr;
     if (record != nullptr)
         device = opened;
-    // Intentional: a second deck that opens makes up for a first one that did not.
+    // Intentional: only the deck seen first must open; the one completing the pair need not.
     secondDevice = pendingDeckInfo->path != nullptr ? openUnit(*pendingDeckInfo) : nullptr;
     if (secondDevice == nullptr) {
         result = 1;
@@ -65,7 +65,8 @@ void MainWindow::findPair(hid_device_info* record, int& result)
     hidio::askForSerialNumber(secondDevice);
     if (readVersion(device))
         tellVersion();
-    // Intentional: the second deck's version is kept here, while the checker goes by the first deck's.
+    // Intentional: the version of the deck seen first is kept here, while the checker goes by that of the one
+    // completing the pair.
     (void)readVersion(secondDevice);
     if (const UnitModel* model = findUnitModel(unitType); model != nullptr && model->pairMessage != nullptr)
         showConnected(model->pairMessage);

@@ -16,11 +16,11 @@ namespace seenrecord {
 struct Choice
 {
     hid_device_info* chosen = nullptr; ///< a single unit, or the deck that completes a pair; ends the search
-    hid_device_info* firstDeck = nullptr; ///< a deck that must wait for its twin
+    hid_device_info* firstDeck = nullptr; ///< the deck seen first, which must wait for its twin
 };
 
-/// Goes through the records from `first`, in order. `isDeck`: they are decks; `firstDeckSeen`: one of the two
-/// was seen before. The list keeps its records.
+/// Goes through the records from `first`, in order. `isDeck`: they are decks; `firstDeckSeen`: another
+/// deck was seen before. The list keeps its records.
 [[nodiscard]] Choice choose(hid_device_info* first, bool isDeck, bool firstDeckSeen);
 
 /// What a record is, as far as can be told before anything is opened.

@@ -21,9 +21,9 @@ constexpr int complete = 100; ///< per cent
 
 } // namespace
 
-/// Reads one status and acts on it. Intentional: with two decks both must answer, and the second one's status
-/// counts; a silent unit is waited for indefinitely; after an error the polling goes on, and labels and bar
-/// stay as they are.
+/// Reads one status and acts on it. Intentional: of a pair both decks must answer, and the status of the one
+/// seen first counts; a silent unit is waited for indefinitely; after an error the polling goes on, and
+/// labels and bar stay as they are.
 void MainWindow::waitingApplyingUpdate(int /*unused*/, unsigned char* buffer)
 {
     if (hidio::read(device, buffer, pollReadMs) <= 0)
@@ -89,8 +89,9 @@ void MainWindow::showInstallationFinished()
     });
 }
 
-/// Moves the installation's bar by one, on every second call, up to 99. Intentional: whatever the unit does,
-/// which reports no percentage; and nothing is connected to this slot.
+/// Moves the installation's bar on by one at every second call, up to 99. Intentional: the bar creeps at its
+/// own pace, because the unit reports no percentage. Intentional: the slot is called directly; nothing is
+/// connected to it.
 void MainWindow::updateFakeProgressSlot()
 {
     constexpr int highest = 99;

@@ -49,7 +49,7 @@ private slots:
     void pairCannotBeOpened();
     void pressAfterAPairThatCouldNotBeOpened_data();
     void pressAfterAPairThatCouldNotBeOpened();
-    void secondDeckAlone();
+    void deckSeenFirstAlone();
 };
 
 void TestConnectionPair::pair_data()
@@ -157,7 +157,7 @@ void TestConnectionPair::loneDeckHidesAHigherModel()
     QCOMPARE(virtualbus::openHandles(), 0);
 }
 
-/// The deck that was seen first is opened second; without it there is no pair.
+/// The deck seen first is opened last; without it there is no pair.
 void TestConnectionPair::firstDeckCannotBeOpened()
 {
     TestWindow window;
@@ -213,8 +213,8 @@ void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
     QVERIFY(!window.button("connect_button").isEnabled());
 }
 
-/// Only the second deck's opening decides, so the pair counts as connected.
-void TestConnectionPair::secondDeckAlone()
+/// The deck completing the pair does not open; only the one seen first decides, so the pair is connected.
+void TestConnectionPair::deckSeenFirstAlone()
 {
     TestWindow window;
     plugInDeck(UNIT_TRK300_LEFT);
