@@ -4,5 +4,6 @@
 /// from this line.
 inline constexpr int updaterVersion = 11;
 
-/// The lowest updater version in the catalogue that is newer than this updater.
+/// The lowest updater version in the catalogue that is newer than this updater. The name is kept as it is,
+/// unlike those of other constants.
 inline constexpr int UPDATER_VERSION_THRESHOLD = updaterVersion + 1;

@@ -21,8 +21,9 @@ void UpdateChecker::httpReadyRead3()
     giveUpEndless();
 }
 
-/// Ends the request. False, and reported as `logLine`, if the change log did not arrive. Intentional: the
-/// part received then precedes the next one.
+/// Ends the request. True if the change log arrived. A request that failed is reported as `logLine`; without
+/// a reply there is nothing to report. Intentional: what a failed request received precedes the next change
+/// log.
 bool UpdateChecker::hasChangeLog(const char* logLine)
 {
     timeoutTimer->stop();

@@ -20,7 +20,7 @@ bool isEncoded(const QNetworkReply& answer)
 QNetworkRequest requestFor(const QString& address)
 {
     QNetworkRequest request(QUrl(address, QUrl::TolerantMode));
-    request.setRawHeader("User-Agent", "MyOwnBrowser 1.0"); // intentional name
+    request.setRawHeader("User-Agent", "MyOwnBrowser 1.0"); // intentional: not the program's name
     return request;
 }
 

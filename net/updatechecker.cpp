@@ -20,8 +20,8 @@ using exchange::silenceLimitMs;
 UpdateChecker::UpdateChecker(QObject* parent)
     : QObject(parent), timeoutTimer(new QTimer(this)), mainBinUrl(QStringLiteral("http://upd.test"))
 {
-    // Intentional: mainBinUrl's placeholder, which the first catalogue replaces; and this type, although the
-    // connection that carries it is direct.
+    // Intentional: mainBinUrl holds a placeholder until the first catalogue replaces it.
+    // Intentional: the type is registered, although its only connection is direct and does not need that.
     qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
     networkManager.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
     // clang-format off

@@ -32,9 +32,9 @@ struct Need
 [[nodiscard]] QRect stretched(const QRect& laidOut, double factor);
 [[nodiscard]] QSize stretched(const QSize& laidOut, double factor);
 
-/// Where a window goes that gets this size. Its top left corner stays, unless that would move its centre from
-/// its own screen to another one, to which it would then belong: two screens of different factors could pass
-/// it back and forth. Then its centre stays.
+/// The new place and size of a window that is resized to `size`. Normally its top left corner stays. If that
+/// moved its centre onto another screen, it would belong to that screen, and two screens of different factors
+/// could pass it back and forth; in that case its centre stays instead.
 [[nodiscard]] QRect resized(const QRect& window, const QSize& size, const QRect& ownScreen,
                             const QVector<QRect>& screens);
 

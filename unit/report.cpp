@@ -26,7 +26,8 @@ unsigned char statusCode(const unsigned char* input, ReportLayout layout)
 std::uint8_t firmwareVersion(const Input& input, UnitType type)
 {
     const UnitModel* model = findUnitModel(type);
-    return model != nullptr ? input[model->versionByte] : input.back(); // intentional: any type has one
+    // Intentional: for a type without a model, the last byte.
+    return model != nullptr ? input[model->versionByte] : input.back();
 }
 
 } // namespace report

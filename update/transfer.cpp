@@ -117,8 +117,8 @@ void MainWindow::startTransferOfPair()
     refuseTransfer({firstStatus, secondStatus});
 }
 
-/// Reports a status that refuses the transfer, and leaves the transfer phase. Intentional: the texts'
-/// spelling.
+/// Reports a status that refuses the transfer, and leaves the transfer phase. Intentional: the texts
+/// keep their odd "and to try".
 void MainWindow::refuseTransfer(std::initializer_list<unsigned char> statuses)
 {
     const auto anyIs = [statuses](unsigned char code) {
