@@ -10,7 +10,7 @@
 /// The version catalogue: lines "key=value" with the newest versions and their addresses.
 ///
 ///     key                                   value
-///     MainVer                               the newest updater, 11 for 0.11
+///     MainVer                               the newest updater, 9 for 0.9
 ///     MainChangeLog, MacMainBin             the addresses of its change log and of the updater itself
 ///     HB4Ver                                the newest firmware of this stem's models, 27 for 2.7
 ///     HB4Bin, HB4ChangeLog                  the addresses of its image and change log

@@ -41,7 +41,7 @@ Findings updaterVersion(const Line& line)
     const int number = line.value.toInt(&isWhole);
     if (!isWhole || number < 0)
         return {{Severity::error, "misread-number", line.number, line.key,
-                 QString("%1 is read as %2: write a whole number, 11 for 0.11")
+                 QString("%1 is read as %2: write a whole number, 9 for 0.9")
                      .arg(line.value, QString::number(number))}};
     if (number < UPDATER_VERSION_THRESHOLD)
         return {};

@@ -170,9 +170,9 @@ void TestCatalogueChecks::numbers_data()
              "99999999999 is compared as 1e+11 and shown as 0.0: write a whole number, 27 for 2.7");
     firmware("%2", "%2 is compared as 0 and shown as 0.0: write a whole number, 27 for 2.7");
     mainVersion("0", "");
-    mainVersion("11x", "11x is read as 0: write a whole number, 11 for 0.11");
-    mainVersion("0.11", "0.11 is read as 0: write a whole number, 11 for 0.11");
-    mainVersion("-1", "-1 is read as -1: write a whole number, 11 for 0.11");
+    mainVersion("11x", "11x is read as 0: write a whole number, 9 for 0.9");
+    mainVersion("0.11", "0.11 is read as 0: write a whole number, 9 for 0.9");
+    mainVersion("-1", "-1 is read as -1: write a whole number, 9 for 0.9");
     mainVersion(updater::own, "");
     mainVersion(updater::next,
                 QString("updaters older than 0.%1 offer the new updater and no firmware").arg(updater::next));
