@@ -14,10 +14,11 @@
 
 namespace {
 
-/// The program's icon in the sizes that title bars, task bars and window switchers show. From plain pixels:
-/// to read a PNG, Qt would first load all its plug-ins for pictures.
-QIcon programIcon()
+/// Gives windows the program's icon, in the sizes that title bars, task bars and window switchers show. From
+/// plain pixels: to read a PNG, Qt would first load all its plug-ins for pictures.
+void setIcon()
 {
+#ifndef Q_OS_MACOS // there the Dock would show it in place of the bundle's own
     QIcon icon;
     for (const int size : {16, 32, 48, 128}) {
         QFile file(QString(":/icon/%1").arg(size));
@@ -26,7 +27,8 @@ QIcon programIcon()
             file.read(reinterpret_cast<char*>(image.bits()), image.sizeInBytes()) == image.sizeInBytes())
             icon.addPixmap(QPixmap::fromImage(image));
     }
-    return icon;
+    QApplication::setWindowIcon(icon);
+#endif
 }
 
 /// Runs the window. When this returns, the window and then the application have been destroyed.
@@ -38,7 +40,7 @@ int runWindow(int argc, char** argv)
     QApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 #endif
     QApplication application(argc, argv);
-    QApplication::setWindowIcon(programIcon());
+    setIcon();
     leftovers::giveBackAtExit();
     exitsignals::quitOnSignal(application);
     MainWindow window;
