@@ -52,6 +52,8 @@ public:
     [[nodiscard]] inside::Checker state() const { return inside::of(*checker); }
     /// How many bytes of the answer in flight the checker has taken: no signal or file tells it.
     [[nodiscard]] qint64 received() const { return state().received; }
+    /// As if the checker had taken so much of the answer in flight already.
+    void pretendReceived(qint64 bytes) { state().received = bytes; }
     /// The reply that the checker holds; null if it holds none.
     [[nodiscard]] QNetworkReply* reply() const { return state().reply; }
     /// The checker's timeout timer.

@@ -136,8 +136,8 @@ void TestEndlessAnswers::noClockAfterGivingUp()
     QFETCH(Request, request);
     scene.server.setAnswer(Scene::path(request), endless("x"));
     scene.ask(request);
-    scene.state().received = limit; // as if so much had come
-    const QNetworkReply* const reply = scene.state().reply;
+    scene.pretendReceived(limit);
+    const QNetworkReply* const reply = scene.reply();
     connect(reply, &QNetworkReply::readyRead, this, [] { QThread::msleep(longAgoMs); }); // behind the checker
     QSignalSpy progress(reply, &QNetworkReply::downloadProgress);
     QTRY_VERIFY(!scene.checker->isBusy());

@@ -204,7 +204,7 @@ void TestSignedCheck::signatureBeyondTheLimitInTwoPieces()
     scene.server.setAnswer(signaturePath,
                            {{announced(file.size(), file.chopped(1)), file.right(1)}, End::keepOpen, true});
     scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.state().received, qint64(file.size() - 1));
+    QTRY_COMPARE(scene.received(), qint64(file.size() - 1));
     QVERIFY(scene.checker->isBusy());
     scene.server.goOn();
     QTRY_VERIFY(scene.rests(2));

@@ -21,16 +21,21 @@ class UpdateChecker;
 /// The private state of the program's objects, for tests that start in the middle of an operation or check
 /// what no control, signal, file or report shows. Only inside.cpp is compiled with access to it.
 ///
-/// Most tests have it from TestWindow, TransferDesk and Scene alone. The others, and what for:
+/// Most tests use it only through functions of TestWindow, TransferDesk and Scene that have names of their
+/// own. These go to it directly:
 ///
-///     tst_mainwindow, tst_updatechecker      first values, and members that nothing reads
-///     tst_checkupdate                        what a check takes over and no signal tells
-///     tst_identification, ...pair            what each object knows while a box is open
-///     tst_logcontrols                        the flag that nothing sets
-///     tst_logfile                            a start at a given moment
-///     tst_installationboxes                  when a dismissed box has really ended
-///     tst_signedimage                        what this run has downloaded
-///     reliability/journey, fuzz/, bench/     in which phase the program is; back to the start after an input
+///     tst_mainwindow           first values, and members that nothing reads
+///     tst_updatechecker        likewise; part of an image received; a reply of the test's own
+///     tst_checkupdate          what a check takes over and no signal tells
+///     tst_identification,      what each object knows while a box is open; searches that Connect does not
+///     tst_identificationpair   begin
+///     tst_logcontrols          the flag that nothing sets; a unit, a pair, an update or a request in flight
+///                              without the steps that lead there
+///     tst_logfile              a start at a given moment, and the file that it claims
+///     tst_installationboxes    when a dismissed box has really ended
+///     tst_signedimage          what this run has downloaded
+///     reliability/journey      in which phase the program is
+///     fuzz/, bench/            likewise; back to the start after an input
 namespace inside {
 
 struct Window
