@@ -1,4 +1,5 @@
 #include "tests/program/scenario.h"
+#include "tests/support/silentserver.h"
 #include "tests/support/texts.h"
 
 #include <X11/keysym.h>
@@ -88,6 +89,21 @@ Outcome connectUnit(Program& program, const QString& message)
     STEP(program.press("connect_button"));
     STEP(program.waitForBox(infoBox(message)));
     return program.answer("Ok");
+}
+
+Outcome connectInVain(Program& program)
+{
+    STEP(program.press("connect_button"));
+    STEP(program.waitForBox(errorBox(text::notFound)));
+    STEP(program.answer("Ok"));
+    return program.waitForNoBox();
+}
+
+Outcome askSilentServer(Program& program, const SilentServer& server)
+{
+    STEP(startWithUnit(program, server.address()));
+    STEP(connectUnit(program));
+    return program.waitFor("a request", [&](const View&) { return server.hasPendingConnections(); });
 }
 
 Outcome acceptOffer(Program& program, const QString& version)

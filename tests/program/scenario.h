@@ -6,6 +6,8 @@
 #include "tests/support/testimage.h"
 #include "tests/support/texts.h"
 
+class SilentServer;
+
 /// Update steps shared by several tests. The unit is at version 2.3, the server offers 2.8.
 namespace scenario {
 
@@ -44,6 +46,10 @@ Outcome startWithUnit(Program& program, const QString& proxy, const QString& mor
 /// Presses Connect, waits for the box with this message and presses Ok. The default message is that of an
 /// HB4.
 Outcome connectUnit(Program& program, const QString& message = models::hb4.connected);
+/// Presses Connect, waits for the box that says that no unit was found, and closes it with Ok.
+Outcome connectInVain(Program& program);
+/// Starts the program with a unit HB4 plugged in, connects it, and waits until the server has been asked.
+Outcome askSilentServer(Program& program, const SilentServer& server);
 /// Waits for the offer of 2.8 to a unit shown as `version`, presses Yes, and waits for the download until
 /// Update Device is enabled.
 Outcome acceptOffer(Program& program, const QString& version = "2.3");

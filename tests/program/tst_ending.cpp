@@ -83,9 +83,7 @@ void tst_ending::closedWhileTheServerIsSilent()
 {
     SilentServer silent;
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, silent.address()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
+    MUST(scenario::askSilentServer(program, silent));
     MUST(scenario::leave(program));
 }
 

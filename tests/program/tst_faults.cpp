@@ -157,12 +157,8 @@ void tst_faults::unitThatCannotBeUsed()
     Program program(desktop);
     MUST(startWithUnit(program, {unit}));
     const View before = program.look();
-    for (int press = 1; press <= 2; ++press) {
-        MUST(program.press("connect_button"));
-        MUST(program.waitForBox(errorBox(text::notFound)));
-        MUST(program.answer("Ok"));
-        MUST(program.waitForNoBox());
-    }
+    for (int press = 1; press <= 2; ++press)
+        MUST(scenario::connectInVain(program));
     QCOMPARE(program.look().describe(), before.describe());
     MUST(scenario::leave(program));
     const QStringList said = program.errorOutput().split('\n');
@@ -175,10 +171,7 @@ void tst_faults::loneDeckBlocksConnect()
 {
     Program program(desktop);
     MUST(startWithUnit(program, {"trk300-left", "plt65"}));
-    MUST(program.press("connect_button"));
-    MUST(program.waitForBox(errorBox(text::notFound)));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForNoBox());
+    MUST(scenario::connectInVain(program));
 
     MUST(program.press("connect_button"));
     const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };

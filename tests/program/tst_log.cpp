@@ -231,9 +231,7 @@ void tst_log::keysOfferNothingWhileTheServerIsAsked()
 {
     SilentServer silent;
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, silent.address()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("a request", [&](const View&) { return silent.hasPendingConnections(); }));
+    MUST(scenario::askSilentServer(program, silent));
     MUST(pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog));
     MUST(scenario::leave(program));
