@@ -55,11 +55,9 @@ runAll() {
         IFS=+ read -ra beside <<< "$step"
         if [ ${#beside[@]} -gt 1 ]; then
             runBeside "${beside[@]}"
-        else
-            run "$step" || failed=1
-        fi
-        if [ "$failed" -ne 0 ] && [ "$step" = tests ]; then
-            break
+        elif ! run "$step"; then
+            failed=1
+            [ "$step" != tests ] || break
         fi
     done
 }
