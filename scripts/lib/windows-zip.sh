@@ -1,6 +1,8 @@
 # shellcheck shell=bash
-# Packs what users of Windows get. Sourced, not run, from the project's folder.
+# Packs what users of Windows get. Sourced, not run, from the project's folder. It needs guidePackages.
 # shellcheck disable=SC2154  # the folders and versions are those of scripts/lib/windows.sh
+# shellcheck source=scripts/lib/guide.sh
+source scripts/lib/guide.sh
 
 zipLimit=12000000 # bytes
 
@@ -74,7 +76,7 @@ packZip() {
     name=talvex-updater-$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$1/CMakeCache.txt")-windows-x86_64
     epoch=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
     rm -rf "${2:?}/$name" && mkdir -p "$2/$name" && fillProgram "$1" "$2/$name" && notices "$2/$name" &&
-        cp README.md "$2/$name/README.txt" || return
+        guideAsHtml docs/user-guide.md > "$2/$name/user-guide.html" || return
     # Notepad of older Windows knows no other line ends.
     sed -i 's/\r*$/\r/' "$2/$name"/*.txt
     find "$2/$name" -type f ! -name '*.dll' ! -name '*.exe' -exec chmod 644 {} +

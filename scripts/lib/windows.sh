@@ -34,7 +34,7 @@ hidapiDigest=Br7EO3bJARAJBdtcsGzF/Vs5TjfbkaMdglqLQ+Rk9GOGgVqv5DxYUVH5znLerJU+OfB
 hidapiVersion=0.15.0
 
 step_packages() {
-    installMissing "${buildPackages[@]}" "${windowsPackages[@]}" || return
+    installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${guidePackages[@]}" "${windowsPackages[@]}" || return
     command -v npm > /dev/null || installMissing npm
 }
 
