@@ -8,10 +8,14 @@ here=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd -P) || exit 1
 # shellcheck source=scripts/lib/unitaccess.sh
 . "$here/scripts/lib/unitaccess.sh"
 mostLines=200
+if [ ! -e "$here/share/version" ]; then
+    echo "support-report.sh: the program's folder is not around me; run the copy in the unpacked archive" >&2
+    exit 2
+fi
 
 # orUnknown COMMAND...: its first line of output.
 orUnknown() {
-    "$@" 2> /dev/null | sed -n '1p;$!d' | grep . || echo unknown
+    "$@" 2> /dev/null | head -n 1 | grep . || echo unknown
 }
 
 # isSet NAME VALUE: a proxy's value may hold a password.
@@ -22,14 +26,13 @@ isSet() {
 reportProgram() {
     echo "Program"
     echo "  version: $(orUnknown cat "$here/share/version")"
-    grep -E '^(libqt5core5a|libhidapi-[a-z]*0|libusb-1.0-0), ' "$here/licenses/THIRD-PARTY-NOTICES.txt" 2> /dev/null |
+    grep -E '^(libqt5core5a|libqt5core5t64|libhidapi-[a-z]*0|libusb-1.0-0), ' "$here/licenses/THIRD-PARTY-NOTICES.txt" 2> /dev/null |
         sed 's/^/  with /'
 }
 
 reportSystem() {
     echo "System"
-    # shellcheck disable=SC1091  # the system's own
-    echo "  name: $(. /etc/os-release 2> /dev/null && echo "${PRETTY_NAME:-unknown}")"
+    echo "  name: $(sed -n 's/^PRETTY_NAME="*\([^"]*\)"*$/\1/p' /etc/os-release 2> /dev/null | grep . || echo unknown)"
     echo "  kernel: $(uname -srm)"
     echo "  C library: $(orUnknown getconf GNU_LIBC_VERSION)"
     echo "  session: ${XDG_SESSION_TYPE:-unknown}, ${XDG_CURRENT_DESKTOP:-no desktop named}"
@@ -45,7 +48,7 @@ reportJournal() {
 
 reportFiles() {
     echo "Files: size, SHA-256, name"
-    (cd "$here" && find . -type f | sort) | while read -r file; do
+    (cd "$here" && find . -type f | sort) | while IFS= read -r file; do
         printf '  %10d %s %s\n' "$(stat -c %s "$here/$file")" "$(sha256sum < "$here/$file" | cut -d ' ' -f 1)" "${file#./}"
     done
 }
