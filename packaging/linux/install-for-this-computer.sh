@@ -1,5 +1,5 @@
 #!/bin/sh
-# Makes the updater at home on this computer: lets whoever sits at it use a unit, and puts the program, where it is, into
+# Sets up the updater on this computer: lets whoever sits at it use a unit, and puts the program, where it is, into
 # the menu. Run it again after moving the folder. With --remove it undoes both.
 # Exit code 0: all done, and this user may use every connected unit; 1: something is missing, and it said what.
 set -u
@@ -50,18 +50,38 @@ asRoot() {
 reload='udevadm control --reload && udevadm trigger --subsystem-match=usb --attr-match=idVendor=3a5d &&
     udevadm trigger --subsystem-match=hidraw && udevadm settle --timeout=30'
 
-installRule() {
-    say "Rule that lets whoever sits at this computer use a unit: $rule"
-    if cmp -s "$here/share/$ruleName" "$rule"; then
-        say "  It is there already."
-        return
-    fi
-    if asRoot "mkdir -p /etc/udev/rules.d && cat > $rule.new && mv -f $rule.new $rule ||
-            { rm -f $rule.new; exit 1; }
-        $reload" < "$here/share/$ruleName"; then
-        say "  Installed."
+hasRule() {
+    cmp -s "$here/share/$ruleName" "$rule"
+}
+
+# complainOfRule: after what was done as root has failed. The rule may be there all the same.
+complainOfRule() {
+    if hasRule; then
+        complain "the rule is installed, but not applied yet: unplug the unit and plug it in again."
     else
         complain "the rule was not installed. An administrator can copy share/$ruleName to /etc/udev/rules.d."
+    fi
+}
+
+installRule() {
+    say "Rule that lets whoever sits at this computer use a unit: $rule"
+    if ! hasRule; then
+        commands="mkdir -p /etc/udev/rules.d && cat > $rule.new && chmod 644 $rule.new && mv -f $rule.new $rule ||
+                { rm -f $rule.new; exit 1; }
+            $reload"
+        success="Installed."
+    elif isAppliedToAll; then
+        say "  It is there already."
+        return
+    else
+        say "  It is there already, but not yet applied to a unit that is connected."
+        commands=$reload
+        success="Applied."
+    fi
+    if asRoot "$commands" < "$here/share/$ruleName"; then
+        say "  $success"
+    else
+        complainOfRule
     fi
 }
 
@@ -116,7 +136,7 @@ describeOther() {
     elif [ -e "$other/talvex-updater" ]; then
         say "  Another copy is in the menu, $other. From now on the menu starts this one; you may delete the other."
     else
-        say "  The menu still names $other, where the program no longer is. This is put right."
+        say "  The menu still names $other, where the program no longer is. This will be corrected."
     fi
 }
 
@@ -162,8 +182,10 @@ checkFolder() {
         return
     fi
     rm -f "$here/.write-test"
-    free=$(df -Pk "$here" | awk 'NR == 2 { print $4 }')
-    if [ "$free" -lt "$smallestSpaceKb" ]; then
+    free=$(df --output=avail -k "$here" 2> /dev/null | tr -dc 0-9) # its heading has no digit
+    if [ -z "$free" ]; then
+        complain "the system does not say how much space is free there; an update may need $smallestSpaceKb kB."
+    elif [ "$free" -lt "$smallestSpaceKb" ]; then
         complain "only $free kB are free there, and an update may need $smallestSpaceKb kB."
     fi
 }
@@ -173,8 +195,8 @@ checkUnits() {
     describeUnits || failed=1
 }
 
-if [ "$(id -u)" -eq 0 ] && [ -n "${SUDO_UID:-}" ]; then
-    say "Run this as the user who will use the program, without sudo: it asks for root where it needs it." >&2
+if [ "$(id -u)" -eq 0 ] && [ -n "${SUDO_UID:-}${PKEXEC_UID:-}" ]; then
+    say "Run this as the user who will use the program, without sudo or pkexec: it asks for root where it needs it." >&2
     exit 2
 fi
 case ${1:-} in

@@ -44,14 +44,13 @@ isUsedDirectly() {
     return 1
 }
 
-# usersOf NODE: the names of the programs that have it open, as far as this user may know.
+# usersOf NODE...: the names of the programs that have one of them open, as far as this user may know.
 usersOf() {
-    for opened in /proc/[0-9]*/fd/*; do
-        if [ "$(readlink "$opened" 2> /dev/null)" = "$1" ]; then
-            holder=${opened#/proc/}
-            cat "/proc/${holder%%/*}/comm" 2> /dev/null
-        fi
-    done | sort -u | tr '\n' ' ' | sed 's/ $//'
+    # shellcheck disable=SC2046  # the names of device files have no blanks
+    find /proc/[0-9]*/fd -maxdepth 1 -false $(printf ' -o -lname %s' "$@") 2> /dev/null |
+        while IFS=/ read -r _ _ holder _; do
+            cat "/proc/$holder/comm" 2> /dev/null
+        done | sort -u | tr '\n' ' ' | sed 's/ $//'
 }
 
 # installedRule: where the rule is; nothing if it is not installed.
@@ -69,12 +68,28 @@ activeUser() {
     sed -n 's/^ACTIVE_UID=//p' /run/systemd/seats/seat0 2> /dev/null
 }
 
+# isApplied NODE: whether the device manager has handled the unit by the rule.
+isApplied() {
+    udevadm info --query=property --name="$1" 2> /dev/null | grep -q '^TAGS=.*:uaccess:'
+}
+
+# isAppliedToAll: the same of every unit that is connected.
+isAppliedToAll() {
+    for unit in $(unitFolders); do
+        for node in $(busNode "$unit") $(hidNodes "$unit"); do
+            isApplied "$node" || return
+        done
+    done
+}
+
 # whyNot NODE: says why this user may not open it.
 whyNot() {
     if [ -z "$(installedRule)" ]; then
         echo "the rule $ruleName is not installed"
-    elif ! udevadm info --query=property --name="$1" 2> /dev/null | grep -q '^TAGS=.*:uaccess:'; then
+    elif ! isApplied "$1"; then
         echo "the rule is installed, but was not yet applied to this unit: unplug it and plug it in again"
+    elif [ -z "$(activeUser)" ]; then
+        echo "the system does not say who sits at this computer; the rule gives access to that user alone"
     elif [ "$(activeUser)" != "$(id -u)" ]; then
         echo "you are not the one who sits at this computer (logged in from elsewhere, or somebody else has the screen)"
     else
@@ -94,7 +109,8 @@ describeNode() {
 
 # describeUse UNIT: says if another program uses it.
 describeUse() {
-    users=$(usersOf "$(busNode "$1")")
+    # shellcheck disable=SC2046  # likewise
+    users=$(usersOf "$(busNode "$1")" $(hidNodes "$1"))
     if isUsedDirectly "$1" || [ -n "$users" ]; then
         echo "    in use by a program${users:+: $users}: close it before you press Connect"
         return 1

@@ -23,6 +23,12 @@ bool writeExecutable(const QString& path, const QByteArray& content)
            file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
 }
 
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 ScriptRun runScript(const QString& command, const QStringList& arguments,
                     const QProcessEnvironment& environment)
 {

@@ -21,19 +21,13 @@ constexpr const char* willingSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\n";
 constexpr const char* deniedSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\nexit 1\n";
 
 /// What the script needs of the system; not what it becomes root with.
-constexpr std::array tools{"awk",   "cat", "cmp", "cut", "df", "dirname", "find",  "grep", "ls",
-                           "mkdir", "mv",  "rm",  "sed", "sh", "sort",    "touch", "tr",   "uname"};
+constexpr std::array tools{"cat", "cmp", "cut", "df", "dirname", "find",  "grep", "ls",   "mkdir",
+                           "mv",  "rm",  "sed", "sh", "sort",    "touch", "tr",   "uname"};
 
 /// On such a computer nobody is asked for root; the guest is one that certainly has no rule.
 bool hasRule()
 {
     return QFile::exists("/etc/udev/rules.d/70-talvex-updater.rules");
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// Every file below a folder, with its content.
@@ -66,10 +60,13 @@ private slots:
     void movedFolderIsPutRight();
     void anotherCopyIsNamed();
     void removal();
+    void removalThatFails();
     void removalSparesAnotherCopy();
     void lineBreakInTheName();
     void rootIsDenied();
     void nobodyToAskForRoot();
+    void spaceUnknown();
+    void startedAsRoot_data();
     void startedAsRoot();
     void unknownOption();
 
@@ -145,6 +142,8 @@ void tst_installscript::menuStartsTheProgram()
     QVERIFY2(installed.says(data() + entryName), qPrintable(installed.output));
 
     environment.insert("PATH", qEnvironmentVariable("PATH"));
+    const ScriptRun valid = runScript("desktop-file-validate", {data() + entryName}, environment);
+    QVERIFY2(valid.code == 0 && valid.output.isEmpty(), qPrintable(valid.output));
     const ScriptRun launched = runScript("gio", {"launch", data() + entryName}, environment);
     QVERIFY2(launched.code == 0, qPrintable(launched.output));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(base->filePath("started")), limits::hangMs());
@@ -206,6 +205,17 @@ void tst_installscript::removal()
     QVERIFY2(again.code == 0 && !again.says("removed:"), qPrintable(again.output));
 }
 
+void tst_installscript::removalThatFails()
+{
+    const QString folder = copyNamed("updater");
+    QVERIFY(!run(folder).says("FAILED"));
+    QVERIFY(QFile::remove(base->filePath("bin/rm")));
+    QVERIFY(writeExecutable(base->filePath("bin/rm"), "#!/bin/sh\nexit 1\n"));
+    const ScriptRun removed = run(folder, {"--remove"});
+    QCOMPARE(removed.code, 1);
+    QVERIFY2(removed.says("FAILED: cannot remove " + data() + entryName + ".\n"), qPrintable(removed.output));
+}
+
 void tst_installscript::removalSparesAnotherCopy()
 {
     const QString first = copyNamed("first");
@@ -248,10 +258,27 @@ void tst_installscript::nobodyToAskForRoot()
     QVERIFY(installed.says("FAILED: the rule was not installed."));
 }
 
+void tst_installscript::spaceUnknown()
+{
+    QVERIFY(QFile::remove(base->filePath("bin/df")));
+    const ScriptRun installed = run(copyNamed("updater"));
+    QCOMPARE(installed.code, 1);
+    QVERIFY2(installed.says("FAILED: the system does not say how much space is free"),
+             qPrintable(installed.output));
+}
+
+void tst_installscript::startedAsRoot_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::newRow("by sudo") << "SUDO_UID";
+    QTest::newRow("by pkexec") << "PKEXEC_UID";
+}
+
 void tst_installscript::startedAsRoot()
 {
+    QFETCH(QString, variable);
     QVERIFY(writeExecutable(base->filePath("bin/id"), "#!/bin/sh\necho 0\n"));
-    environment.insert("SUDO_UID", "1000");
+    environment.insert(variable, "1000");
     const ScriptRun installed = run(copyNamed("updater"));
     QCOMPARE(installed.code, 2);
     QVERIFY2(installed.says("without sudo"), qPrintable(installed.output));

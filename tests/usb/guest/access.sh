@@ -19,9 +19,9 @@ sitDown() {
     printf 'ACTIVE=c1\nACTIVE_UID=%d\n' "$1" > /run/systemd/seats/seat0
 }
 
-# plugInFor DIRECTORY: a unit HB4; its files come into DIRECTORY. Sets gadgetPid.
+# plugInFor DIRECTORY [,OPTION...]: a unit HB4; its files come into DIRECTORY. Sets gadgetPid.
 plugInFor() {
-    talvex-gadget "hb4,version=23,period-ms=100,journal=$1/unit.journal,image=$1/unit.image" > "$1/plugged" &
+    talvex-gadget "hb4,version=23,period-ms=100,journal=$1/unit.journal,image=$1/unit.image${2:-}" > "$1/plugged" &
     gadgetPid=$!
     await compgen -G '/sys/bus/hid/devices/0003:3A5D:*/hidraw/hidraw*' || return 1
     settle

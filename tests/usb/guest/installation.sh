@@ -6,7 +6,7 @@
 prepareInstallation() {
     local build=$1 user=$2 place
     getent passwd "$user" > /dev/null || useradd --uid "$user" --no-create-home musician
-    # The device manager is not to mind that this is no whole system, for sudo either.
+    # Under sudo, too, the device manager must put up with a system that is not whole.
     printf "%s\n" 'Defaults env_keep += "SYSTEMD_IGNORE_CHROOT"' "#$user ALL=(ALL) NOPASSWD: ALL" > /etc/sudoers.d/talvex-test
     chmod 440 /etc/sudoers.d/talvex-test
     cmake --install "$build" --component surroundings --prefix "$TMPDIR/surroundings" > /dev/null
@@ -22,9 +22,18 @@ prepareInstallation() {
     head -c 4096 /dev/zero > "$TMPDIR/full/filling"
 }
 
-# testInstallation BUILD RULE RUNNER: RUNNER as for testAccess.
+# releaseUnits: the kernel's driver lets go of the units that are plugged in.
+releaseUnits() {
+    local interface
+    for interface in /sys/bus/usb/drivers/usbhid/*:*; do
+        echo "${interface##*/}" > /sys/bus/usb/drivers/usbhid/unbind
+    done
+    settle
+}
+
+# testInstallation BUILD RUNNER: RUNNER as for testAccess.
 testInstallation() {
-    local build=$1 rule=$2 runner=$3 user=1000 folder=$TMPDIR/installation function
+    local build=$1 runner=$2 user=1000 folder=$TMPDIR/installation function
     local asUser=(setpriv --reuid "$user" --regid "$user" --clear-groups)
     install -d -m 777 "$folder"
     prepareInstallation "$build" "$user"
@@ -32,22 +41,40 @@ testInstallation() {
     udevadm control --reload
 
     sitDown "$user"
+    # What most computers that run the tests cannot show, because they have the rule. These need no ordinary user.
+    for function in rootIsAskedForOnce rootIsDenied nobodyToAskForRoot; do
+        "$runner" tst_installscript "$function"
+    done
     plugInFor "$folder"
     for function in withoutRule installation inUse supportReport readOnlyMenu fullMenu readOnlyFolder smallFolder; do
         "$runner" tst_usbinstall "$function" "${asUser[@]}"
     done
+    chmod 600 "$(unitNodes | grep /bus/)" # which also masks what the device manager has granted
+    "$runner" tst_usbinstall "reason:rights taken away" "${asUser[@]}"
     pullOut
-    "$runner" tst_usbinstall noUnit "${asUser[@]}"
+    "$runner" tst_usbinstall "reason:no unit" "${asUser[@]}"
+
+    plugInFor "$folder" ,no-product=yes
+    "$runner" tst_usbinstall "reason:no name" "${asUser[@]}"
+    releaseUnits
+    "$runner" tst_usbinstall "reason:no driver" "${asUser[@]}"
+    pullOut
 
     sitDown 4711
     plugInFor "$folder"
-    "$runner" tst_usbinstall somebodyElseSits "${asUser[@]}"
+    "$runner" tst_usbinstall "reason:somebody else sits" "${asUser[@]}"
+    pullOut
+
+    rm /run/systemd/seats/seat0
+    plugInFor "$folder"
+    "$runner" tst_usbinstall "reason:nobody sits" "${asUser[@]}"
     pullOut
 
     sitDown "$user"
+    "$runner" tst_usbinstall removalDenied "${asUser[@]}"
     "$runner" tst_usbinstall removal "${asUser[@]}"
     plugInFor "$folder"
-    cp "$rule" /etc/udev/rules.d/ # which nobody is told
-    "$runner" tst_usbinstall ruleNotApplied "${asUser[@]}"
+    "$runner" tst_usbinstall deviceManagerDeaf "${asUser[@]}"
+    "$runner" tst_usbinstall ruleNotApplied "${asUser[@]}" # by what the one before has installed
     pullOut
 }

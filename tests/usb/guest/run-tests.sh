@@ -27,7 +27,7 @@ export TALVEX_TEST_RATES=$results/rates TALVEX_TEST_ARTIFACTS=$results/pictures
 # runTest NAME [FUNCTION [COMMAND...]]: one test, or one function of it, by COMMAND.
 runTest() {
     local name=$1 function=${2:-} started=$SECONDS
-    "${@:3}" "$build/bin/$name" ${function:+"$function"} -o -,txt > "$results/$name$function.txt" || true
+    "${@:3}" "$name" ${function:+"$function"} -o -,txt > "$results/$name$function.txt" || true
     echo "$name $function: $((SECONDS - started)) s"
 }
 
@@ -35,7 +35,7 @@ cd /run
 rm -rf "$results"
 mkdir "$results"
 prepareMachine
-PATH=$build/bin:$PATH
+PATH=$build/bin:$build/tests/packaging/tst_installscript.dir:$PATH
 startScreen
 letIn "$build/bin" "$TALVEX_TEST_PROGRAM" "$here/../../../server"
 for name in "$@"; do
@@ -43,6 +43,6 @@ for name in "$@"; do
 done
 rule=$here/../../../packaging/linux/70-talvex-updater.rules
 if [ "$TALVEX_TEST_FLAVOUR" = libusb ]; then # it makes no difference to the scripts
-    testInstallation "$build" "$rule" runTest
+    testInstallation "$build" runTest
 fi
 testAccess "$rule" runTest
