@@ -28,7 +28,7 @@ install(RUNTIME_DEPENDENCY_SET bundle
   LIBRARY DESTINATION lib)
 
 install(CODE "execute_process(
-  COMMAND ${PROJECT_SOURCE_DIR}/packaging/linux/notices.sh \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\" COMMAND_ERROR_IS_FATAL ANY)")
+  COMMAND \"${PROJECT_SOURCE_DIR}/packaging/linux/notices.sh\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\" COMMAND_ERROR_IS_FATAL ANY)")
 
 install(CODE "execute_process(
   COMMAND bash -c \"source scripts/lib/guide.sh && guideAsHtml docs/user-guide.md\"

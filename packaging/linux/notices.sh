@@ -3,6 +3,7 @@
 # Writes BUNDLE/licenses: who made the libraries in BUNDLE, in which version, under which terms, and where their sources
 # are. Each must be, byte for byte, a file of an installed Debian package.
 set -euo pipefail
+shopt -s inherit_errexit # or a failure within $(...) is only the end of what is printed
 export LC_ALL=C
 
 bundle=${1:?usage: notices.sh BUNDLE}
@@ -35,8 +36,8 @@ packageOf() {
 listPackages() {
     local file path package
     while read -r file; do
-        path=$(original "$file")
-        package=$(packageOf "$path")
+        path=$(original "$file") || return
+        package=$(packageOf "$path") || package=
         if [ -z "$package" ]; then
             echo "notices.sh: no package has $path" >&2
             return 1
@@ -72,6 +73,10 @@ copyCommonLicenses() {
 rm -rf "$licenses"
 mkdir "$licenses"
 files=$(listPackages)
+if [ -z "$files" ]; then
+    echo "notices.sh: no library is in $bundle" >&2
+    exit 1
+fi
 mapfile -t packages < <(cut -d ' ' -f 1 <<< "$files" | sort -u)
 for package in "${packages[@]}"; do
     cp -L "/usr/share/doc/${package%:*}/copyright" "$licenses/${package%:*}.txt"
