@@ -112,16 +112,19 @@ stagesOfGuide() {
     grep -oE 'images/guide/[a-z0-9-]+\.png' docs/user-guide.md | sed 's|.*/\(.*\)\.png|\1|'
 }
 
-# illustrateGuide LOOK: takes the guide's pictures from those of this look, in few colours, so that they stay small.
+# illustrateGuide LOOK: takes the guide's pictures from those of this look, in few colours, so that they stay small. The
+# earlier ones stay until all of them are made.
 illustrateGuide() {
-    local target=docs/images/guide stage
-    rm -rf "$target"
-    mkdir "$target"
+    local target=docs/images/guide made=$output/guide stage
+    rm -rf "$made"
+    mkdir "$made"
     for stage in "${wanted[@]}"; do
         convert "$output/$1"/[0-9][0-9]-"$stage".png -bordercolor black -border 1 -alpha set -fill none \
             -floodfill +0+0 black -shave 1x1 -strip -dither None -colors 64 -define png:compression-level=9 \
-            "$target/$stage.png"
+            "$made/$stage.png"
     done
+    rm -rf "$target"
+    mv "$made" "$target"
     du -bc "$target"/*.png
 }
 
