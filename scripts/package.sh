@@ -18,6 +18,10 @@ source scripts/lib/packages.sh
 output=$PWD/artifacts/package
 mostBytes=45000000
 newestGlibc=2.36
+wantedFiles=(talvex-updater user-guide.html licenses/THIRD-PARTY-NOTICES.txt install-for-this-computer.sh
+    share/{70-talvex-updater.rules,example.talvex.updater.desktop,metainfo/example.talvex.updater.metainfo.xml}
+    share/icons/hicolor/{{16x16,24x24,32x32,48x48,64x64,128x128,256x256}/apps/talvex-updater.png,scalable/apps/talvex-updater.svg}
+    scripts/{support-report,lib/unitaccess}.sh)
 
 # What was built is all there is: the archive of an earlier version must not pass for this one's.
 pack() {
@@ -50,6 +54,14 @@ librariesMissing() {
     done
 }
 
+# filesMissing FOLDER: which of the files are not there that people read, run or install.
+filesMissing() {
+    local name
+    for name in "${wantedFiles[@]}"; do
+        [ -s "$(echo "$1"/*)/$name" ] || echo "$name"
+    done
+}
+
 # inspect: prints what a user has to know of the archive; returns 1 if it is not what was promised.
 inspect() {
     local bytes glibc missing work failed=0
@@ -57,7 +69,7 @@ inspect() {
     tar -xzf "$archive" -C "$work"
     bytes=$(stat -c %s "$archive")
     glibc=$(glibcNeeded "$work")
-    missing=$(librariesMissing "$work")
+    missing=$(librariesMissing "$work"; filesMissing "$work")
     rm -rf "$work"
     echo "$archive"
     echo "  SHA-256  $(sha256sum < "$archive" | cut -d ' ' -f 1)"
@@ -89,6 +101,11 @@ for argument in "$@"; do
     esac
 done
 
+if [ "$check" = yes ]; then
+    # shellcheck source=scripts/lib/packagecheck.sh
+    source scripts/lib/packagecheck.sh
+    demandCheckable
+fi
 installMissing "${buildPackages[@]}" "${guidePackages[@]}" "${bundlePackages[@]}"
 if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then
     SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
@@ -97,7 +114,5 @@ export SOURCE_DATE_EPOCH CMAKE_CXX_COMPILER_LAUNCHER=ccache
 pack
 inspect
 if [ "$check" = yes ]; then
-    # shellcheck source=scripts/lib/packagecheck.sh
-    source scripts/lib/packagecheck.sh
     checkPackage "$archive" "${options[@]}"
 fi

@@ -9,34 +9,58 @@ userId=1000
 # What README.md says of files: those of the program beside it, and the font library's own.
 documented='^(updater\.sb(\.bkp)?|[0-9]{4}(-[0-9]{2}){2}(_[0-9]{2}){3}(-2)?_log\.enc'
 documented+='|home/musician/\.cache/(fontconfig/([0-9a-f]{32}-le64\.cache-[0-9]+|CACHEDIR\.TAG)?)?)$'
+mostSeconds=360
 work=
-children=()
+declare -A groups=() # of the steps that run now, by their names
 
 endCheck() {
     trap - EXIT INT TERM
-    local child
-    for child in "${children[@]}"; do
-        kill "$child" 2> /dev/null || true
+    local group tries
+    for group in "${groups[@]}"; do
+        kill -- -"$group" 2> /dev/null || true
+    done
+    for group in "${groups[@]}"; do
+        for ((tries = 0; tries < 300; ++tries)); do
+            kill -0 -- -"$group" 2> /dev/null || break
+            sleep 0.1
+        done
+        kill -KILL -- -"$group" 2> /dev/null || true
     done
     wait
     rm -rf --one-file-system "$work"
 }
 
-# timed NAME COMMAND...: runs it, up to the first thing in it that fails, and says how long it took. Its output is shown
-# if it fails.
-timed() {
-    local name=$1 began=$SECONDS code
+# begin NAME COMMAND...: starts it, up to the first thing in it that fails, as a process group of its own, which can be
+# ended whole.
+begin() {
+    local name=$1 began=$SECONDS
     shift
-    set +e # not "if": what runs there goes on after a failure
-    (set -e && "$@") > "$work/$name.log" 2>&1
-    code=$?
-    set -e
+    set -m
+    (
+        set -e
+        "$@"
+        echo $((SECONDS - began)) > "$work/$name.time"
+    ) < /dev/null > "$work/$name.log" 2>&1 &
+    groups[$name]=$!
+    set +m
+}
+
+# finish NAME: waits for its end and says how long it took. Its output is shown if it failed.
+finish() {
+    local code=0
+    wait "${groups[$1]}" || code=$?
+    unset "groups[$1]"
     if [ "$code" -ne 0 ]; then
-        cat "$work/$name.log"
-        echo "package.sh: failed: $name" >&2
+        cat "$work/$1.log"
+        echo "package.sh: failed: $1" >&2
         return 1
     fi
-    printf '%-34s %4d s\n' "$name" $((SECONDS - began))
+    printf '%-34s %4d s\n' "$1" "$(cat "$work/$1.time")"
+}
+
+timed() {
+    begin "$@" # not joined to the next by "&&": then what it starts would go on after a failure
+    finish "$1"
 }
 
 # packElsewhere OPTION...: the same sources in another folder, compiled anew.
@@ -69,8 +93,9 @@ listFiles() {
     (cd "$1" && find . -xdev \( -type d -printf '%p/\n' \) -o -printf '%p %s %T@ %l\n') | sort
 }
 
-# writeLauncher FILE ROOT DESK PROGRAM: a command that starts PROGRAM in the system at ROOT. It sees this system's X
-# server and update server, by the network, and of its files only DESK and what the tests preload.
+# writeLauncher FILE ROOT DESK PROGRAM: a command that starts PROGRAM in the system at ROOT, as its user does: Qt chooses
+# by itself where to paint. PROGRAM sees this system's X server and update server, by the network, and of its files only
+# DESK and what the tests preload.
 writeLauncher() {
     local probe=$PWD/build-test
     mkdir -p "$2$probe" "$2$3"
@@ -78,7 +103,7 @@ writeLauncher() {
         echo '#!/bin/bash'
         printf 'exec bwrap --die-with-parent --bind %q / --dev /dev --proc /proc --ro-bind %q %q --bind %q %q' \
             "$2" "$probe" "$probe" "$3" "$3"
-        printf ' --setenv HOME /home/musician --chdir /home/musician -- %q\n' "$4"
+        printf ' --unsetenv QT_QPA_PLATFORM --setenv HOME /home/musician --chdir /home/musician -- %q\n' "$4"
     } > "$1"
     chmod 755 "$1"
 }
@@ -117,23 +142,55 @@ buildDriver() {
     cmake --build build-test -j "$(nproc)" --target tst_bundle
 }
 
-# measureStart: prints the start beside the same program's with the system's libraries. Being slow is no failure here: the
-# machine may be busy; a table without the figure is one.
+# measureStart: the start beside the same program's with the system's libraries; once more if that misses the limit, for
+# the machine may be busy. A table without the figure is an error.
 measureStart() {
-    scripts/bench.sh bundle > "$work/bench" || true
-    grep -E '^(From|name|bundle-start)' "$work/bench" > "$work/start"
-    grep -q '^bundle-start' "$work/start"
+    local round
+    for round in first second; do
+        scripts/bench.sh bundle > "$work/bench" || true
+        echo "$round measurement"
+        grep -E '^(From|name|bundle-start)' "$work/bench" >> "$work/start"
+        grep -q '^bundle-start' "$work/bench"
+        if wasQuick; then
+            return
+        fi
+    done
 }
 
-# checkPackage ARCHIVE OPTION...: of the archive that was built with these options.
-checkPackage() {
-    local system began=$SECONDS
-    archive=$1
-    shift
+wasQuick() {
+    grep -q '^bundle-start .*pass$' "$work/start"
+}
+
+# judge: says loudly what is missed. Returns 1 if that cannot be put down to a busy machine.
+judge() {
+    local result=0
+    if ! wasQuick; then
+        echo "MISSED: the bundle starts more slowly than it may beside the system's libraries; measured twice" >&2
+        result=1
+    fi
+    if ((SECONDS > mostSeconds)); then
+        echo "MISSED: all this took $SECONDS s, more than $mostSeconds s; is the machine busy?" >&2
+    fi
+    return "$result"
+}
+
+# demandCheckable: returns 1, and says why, if the check cannot be made here.
+demandCheckable() {
     if [ "$(id -u)" -ne 0 ]; then
         echo "package.sh: --check makes systems of its own and must be run as root" >&2
         return 1
     fi
+    if ! asUser test -r "$PWD/CMakeLists.txt"; then
+        echo "package.sh: --check runs tests as user $userId, who cannot read $PWD" >&2
+        return 1
+    fi
+}
+
+# checkPackage ARCHIVE OPTION...: of the archive that was built with these options.
+checkPackage() {
+    local system
+    archive=$1
+    shift
     installMissing "${stagePackages[@]}" "${benchPackages[@]}" "${bundleCheckPackages[@]}"
     work=$(mktemp -d)
     chmod 755 "$work"
@@ -142,17 +199,16 @@ checkPackage() {
     trap 'exit 143' TERM
     timed build-driver buildDriver
     for system in "${minimalSystems[@]}"; do
-        timed "make-${system%:*}" makeSystem "${system%:*}" "${system#*:}" &
-        children+=($!)
+        begin "make-${system%:*}" makeSystem "${system%:*}" "${system#*:}"
     done
     timed second-build packElsewhere "$@"
     for system in "${minimalSystems[@]}"; do
-        wait "${children[0]}"
-        children=("${children[@]:1}")
+        finish "make-${system%:*}"
         timed "update-in-${system%:*}" updateIn "${system%:*}"
     done
     timed start-time measureStart
     cat "$work/start"
     echo "The second build, in another folder, gave the same bytes."
-    echo "Check: $((SECONDS - began)) s"
+    echo "Packed and checked: $SECONDS s"
+    judge
 }
