@@ -11,7 +11,7 @@ checkPackages=(appstream at-spi2-core binutils clang-format clang-tidy dbus dbus
 guidePackages=(cmark-gfm)
 fuzzPackages=(clang libclang-rt-dev)
 bundlePackages=(binutils)
-bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap)
+bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap openssl)
 # To build and pack for Windows, and to try that under Wine.
 windowsPackages=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix openssl patch perl unzip wine wine64 xauth
     xvfb xz-utils zip)

@@ -4,10 +4,15 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/rawserver.h"
+#include "tests/support/selfsigned.h"
 
 #include <QtTest>
 
 namespace {
+
+/// The bundle has no such plug-in; the next one that Qt tries is the one that it has.
+constexpr const char* noWayland = R"(qt.qpa.plugin: Could not find the Qt platform plugin "wayland" in "")";
 
 /// What the program says beyond what its font library says of a system that has fonts and no settings for
 /// them.
@@ -16,6 +21,17 @@ QString ownWords(Program& program)
     QStringList lines = program.errorOutput().split('\n');
     lines.removeAll("Fontconfig error: Cannot load default config file: No such file: (null)");
     return lines.join('\n');
+}
+
+/// What the program has left in the folders that are its home and its place on the system of the test, rather
+/// than on its own. Both are empty before.
+QString strayFiles(const Program& program)
+{
+    const auto filter = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    QStringList found;
+    for (const char* folder : {"../home", "../work"})
+        found += QDir(program.ownPath(folder)).entryList(filter);
+    return found.join(' ');
 }
 
 } // namespace
@@ -29,6 +45,7 @@ private slots:
 
     void update_data();
     void update();
+    void redirectToTls();
 
 private:
     Desktop desktop;
@@ -44,16 +61,23 @@ void tst_bundle::initTestCase()
 void tst_bundle::update_data()
 {
     QTest::addColumn<int>("size");
-    QTest::newRow("first run") << 6000;
-    QTest::newRow("second run, which finds what the first has stored") << 6060;
+    QTest::addColumn<QString>("session");
+    QTest::addColumn<QString>("words");
+    QTest::newRow("first run") << 6000 << "x11"
+                               << "";
+    QTest::newRow("second run, which finds what the first has stored") << 6060 << "x11"
+                                                                       << "";
+    QTest::newRow("Wayland, by way of its X server") << 6000 << "wayland" << noWayland;
 }
 
 void tst_bundle::update()
 {
     QFETCH(int, size);
+    QFETCH(QString, session);
     const models::Connection connection = models::connectionOf("hb4");
     const QByteArray image = imageOf(size);
     Program program(desktop);
+    program.setVariable("XDG_SESSION_TYPE", session);
     MUST(scenario::offer(program, server, connection, image));
     program.plugIn(scenario::options(program, connection));
     MUST(program.start());
@@ -62,6 +86,28 @@ void tst_bundle::update()
     MUST(scenario::seeFinished(program));
     QCOMPARE(scenario::journal(program, "hb4"), scenario::faultlessJournal(image));
     QVERIFY(scenario::receivedImage(program, "hb4") == image);
+    QTEST(ownWords(program), "words");
+    QCOMPARE(strayFiles(program), QString());
+}
+
+/// The program finds the TLS library that it brings along.
+void tst_bundle::redirectToTls()
+{
+    const auto tls = selfSigned();
+    QVERIFY2(tls.has_value(), "needs the package openssl");
+    RawServer secure(tls);
+    secure.setAnswer("/versions.txt", ok(catalogueOf("HB4", QString::number(scenario::unitVersion),
+                                                     "http://any/", "http://any/")));
+    RawServer plain;
+    const QByteArray location = "Location: " + secure.address("/versions.txt").toUtf8();
+    plain.setAnswer(cataloguePath, {{httpAnswer("302 Found", {}, {location})}});
+    Program program(desktop);
+    MUST(scenario::startWithUnit(program, plain.address({})));
+    MUST(scenario::connectUnit(program));
+    MUST(program.waitForBox(infoBox(text::upToDate)));
+    QCOMPARE(secure.paths(), QStringList{"/versions.txt"});
+    MUST(program.answer("Ok"));
+    MUST(scenario::leave(program));
     QCOMPARE(ownWords(program), QString());
 }
 
