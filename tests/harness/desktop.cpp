@@ -1,6 +1,5 @@
 #include "tests/harness/desktop.h"
 
-#include "tests/harness/processtime.h"
 #include "tests/harness/waiting.h"
 
 Outcome Desktop::start(const QStringList& screens, const QByteArray& resources)
@@ -23,12 +22,13 @@ void Desktop::takeAway()
     server.end();
 }
 
-bool Desktop::isIdle() const
+QVector<qint64> Desktop::processes() const
 {
-    const auto rests = [](const QProcess& process) {
-        return process.state() == QProcess::NotRunning || isAsleep(process.processId());
-    };
-    return rests(server) && rests(windowManager);
+    QVector<qint64> all;
+    for (const QProcess* process : {&server, &windowManager})
+        if (process->state() == QProcess::Running)
+            all += process->processId();
+    return all;
 }
 
 Outcome Desktop::startServer(const QStringList& screens)

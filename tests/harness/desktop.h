@@ -4,6 +4,8 @@
 #include "tests/harness/outcome.h"
 #include "tests/harness/xscreen.h"
 
+#include <QVector>
+
 /// A screen with a small window manager: a private one (Xvfb, openbox), or the one named by the environment
 /// variable TALVEX_TEST_DISPLAY, so that a person can watch.
 class Desktop
@@ -21,9 +23,8 @@ public:
     [[nodiscard]] const QString& name() const { return displayName; }
     [[nodiscard]] XScreen& screen() { return xscreen; }
 
-    /// Whether the X server and the window manager have nothing to do, or are not this object's own. False
-    /// also while they wait for a busy processor.
-    [[nodiscard]] bool isIdle() const;
+    /// The IDs of the X server and of the window manager, as far as they run and are this object's own.
+    [[nodiscard]] QVector<qint64> processes() const;
 
     /// Saves a screenshot as a PNG file; false if it could not be saved.
     [[nodiscard]] bool savePicture(const QString& path) { return xscreen.picture().save(path, "PNG"); }

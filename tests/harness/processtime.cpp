@@ -8,24 +8,32 @@
 
 namespace {
 
+/// The content of a file; empty if there is no such file.
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// The fields of a "stat" file from the state on, which is the third; none: there is no such file.
 QList<QByteArray> fieldsOf(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray all = file.readAll();
+    const QByteArray all = contentOf(path);
     return all.mid(all.lastIndexOf(')') + 2).split(' '); // behind the name
+}
+
+QFileInfoList threadsOf(qint64 process)
+{
+    return QDir(QString("/proc/%1/task").arg(process)).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 
 } // namespace
 
 bool isAsleep(qint64 process)
 {
-    const QDir threads(QString("/proc/%1/task").arg(process));
-    const QStringList all = threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    return !all.isEmpty() && std::all_of(all.begin(), all.end(), [&](const QString& thread) {
-        return fieldsOf(threads.filePath(thread + "/stat")).value(0) == "S";
+    const QFileInfoList threads = threadsOf(process);
+    return !threads.isEmpty() && std::all_of(threads.begin(), threads.end(), [](const QFileInfo& thread) {
+        return fieldsOf(thread.filePath() + "/stat").value(0) == "S";
     });
 }
 
@@ -35,4 +43,14 @@ std::chrono::milliseconds processorTime(qint64 process)
     const long long ticks =
         fields.value(11).toLongLong() + fields.value(12).toLongLong(); // user's and system's
     return std::chrono::milliseconds(ticks * 1000 / sysconf(_SC_CLK_TCK));
+}
+
+std::chrono::nanoseconds timeInQueue(qint64 process)
+{
+    std::chrono::nanoseconds all{0};
+    const QFileInfoList threads = threadsOf(process);
+    for (const QFileInfo& thread : threads) // running, waiting, how often
+        all += std::chrono::nanoseconds(
+            contentOf(thread.filePath() + "/schedstat").split(' ').value(1).toLongLong());
+    return all;
 }

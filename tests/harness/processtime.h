@@ -12,3 +12,7 @@
 
 /// The processor time that the process has used so far; 0 if it has ended.
 [[nodiscard]] std::chrono::milliseconds processorTime(qint64 process);
+
+/// The time that the process's present threads have waited for a processor so far, taken together; 0 if it
+/// has ended, or if the system does not tell.
+[[nodiscard]] std::chrono::nanoseconds timeInQueue(qint64 process);

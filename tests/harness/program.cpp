@@ -1,6 +1,5 @@
 #include "tests/harness/program.h"
 
-#include "tests/harness/processtime.h"
 #include "tests/harness/surroundings.h"
 #include "tests/harness/waiting.h"
 #include "tests/harness/wine.h"
@@ -13,11 +12,6 @@
 #include <utility>
 
 namespace {
-
-QString executable()
-{
-    return qEnvironmentVariable("TALVEX_TEST_PROGRAM", TALVEX_PROGRAM);
-}
 
 /// Where a failed step leaves its picture; "": nowhere.
 QString pictureOfFailure()
@@ -85,9 +79,10 @@ Outcome Program::place()
         return wine::prepare(environment, registry);
     }
     environment.insert("LD_PRELOAD", libraries.join(':'));
-    return QFile::copy(executable(), ownPath(wine::programName()))
+    const QString executable = qEnvironmentVariable("TALVEX_TEST_PROGRAM", TALVEX_PROGRAM);
+    return QFile::copy(executable, ownPath(wine::programName()))
                ? Outcome()
-               : Outcome("cannot copy the program from " + executable());
+               : Outcome("cannot copy the program from " + executable);
 }
 
 Outcome Program::start()
@@ -167,9 +162,24 @@ Outcome Program::waitForText(const QString& name, const QString& text)
                    [&](const View& view) { return view.text(name) == text; });
 }
 
+void Program::watchEnd()
+{
+    if (!ownTime)
+        ownTime.emplace(process.processId(), desktop);
+    else if (!isEndSeen)
+        ownTime->look();
+    isEndSeen = process.state() == QProcess::NotRunning;
+}
+
+bool Program::hasEnded()
+{
+    watchEnd();
+    return isEndSeen;
+}
+
 Outcome Program::waitForExit(int code)
 {
-    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
+    if (!waitUntil([&] { return hasEnded(); }))
         return failed("the program does not end");
     if (process.exitStatus() != QProcess::NormalExit)
         return failed("the program crashed");
@@ -180,7 +190,7 @@ Outcome Program::waitForExit(int code)
 
 Outcome Program::waitForDeathBy(int signal)
 {
-    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
+    if (!waitUntil([&] { return hasEnded(); }))
         return failed("still running");
     const bool killed = process.exitStatus() == QProcess::CrashExit && process.exitCode() == signal;
     return killed ? Outcome() : failed("ended with " + QString::number(process.exitCode()));
@@ -188,6 +198,7 @@ Outcome Program::waitForDeathBy(int signal)
 
 void Program::sendSignal(int signal)
 {
+    watchEnd();
     if (const qint64 id = process.processId(); id > 0) // 0, when it has ended, would be all of this group
         ::kill(static_cast<pid_t>(id), signal);
 }
@@ -205,17 +216,12 @@ bool Program::isInSet(const QByteArray& set, int signal) const
 Outcome Program::waitForPromptExit(int code)
 {
     constexpr std::chrono::seconds longest{3};
-    const std::chrono::milliseconds workedBefore = processorTime(process.processId());
-    std::chrono::milliseconds slept{0};
-    bool isLate = false;
-    const auto isOver = [&] {
-        if (isAsleep(process.processId()) && desktop.isIdle()) // neither held up, nor waiting for one who is
-            slept += pauseBetweenLooks();
-        isLate = slept + processorTime(process.processId()) - workedBefore > longest;
-        return isLate || process.state() == QProcess::NotRunning;
-    };
-    return waitUntil(isOver) && isLate ? failed("the program does not end within 3 s of its own time")
-                                       : waitForExit(code);
+    watchEnd();
+    const OwnTime::Span before = ownTime->taken();
+    const auto isLate = [&] { return ownTime->taken() - before > longest; };
+    return waitUntil([&] { return hasEnded() || isLate(); }) && isLate()
+               ? failed("the program does not end within 3 s of its own time")
+               : waitForExit(code);
 }
 
 Outcome Program::staysAway(const QString& what, const std::function<bool(const View&)>& unwanted, int looks)
@@ -279,6 +285,7 @@ Outcome Program::pressKeys(std::initializer_list<unsigned long> symbols)
 Outcome Program::closeWindow()
 {
     STEP(waitFor("the main window", [](const View& view) { return !view.window().isEmpty(); }));
+    watchEnd();
     desktop.screen().close(last.mainWindow());
     return {};
 }

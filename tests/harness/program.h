@@ -3,6 +3,7 @@
 #include "tests/harness/childprocess.h"
 #include "tests/harness/desktop.h"
 #include "tests/harness/outcome.h"
+#include "tests/harness/owntime.h"
 #include "tests/harness/probeclient.h"
 #include "tests/harness/terminal.h"
 #include "tests/harness/view.h"
@@ -55,7 +56,12 @@ public:
     /// Starts the program and waits for its window.
     Outcome start();
 
-    [[nodiscard]] View look() { return probe.look(); }
+    [[nodiscard]] View look()
+    {
+        if (ownTime)
+            watchEnd();
+        return probe.look();
+    }
     [[nodiscard]] QJsonDocument ask(const QByteArray& request) { return probe.ask(request); }
     /// The program's error output so far, without messages caused only by the test screen.
     [[nodiscard]] QString errorOutput();
@@ -81,6 +87,12 @@ public:
     /// Whether this signal was sent but is still pending.
     [[nodiscard]] bool isPending(int signal) const { return isInSet("ShdPnd", signal); }
 
+    /// Measures from now on how long a busy machine holds the program up, for an end that does not begin with
+    /// sendSignal() or closeWindow(): these do so, too.
+    void watchEnd();
+    /// For how long it was held up, until the end was seen.
+    [[nodiscard]] OwnTime::Span heldUp() const { return ownTime ? ownTime->heldUp() : OwnTime::Span(0); }
+
     Outcome waitFor(const QString& what, const std::function<bool(const View&)>& condition);
     /// Waits until the top box has exactly this content.
     Outcome waitForBox(const BoxText& expected);
@@ -102,6 +114,7 @@ public:
 
 private:
     Outcome place();
+    [[nodiscard]] bool hasEnded();
     /// Looks the signal up in one of the signal sets of /proc/PID/status.
     [[nodiscard]] bool isInSet(const QByteArray& set, int signal) const;
     [[nodiscard]] Outcome failed(const QString& what);
@@ -118,5 +131,7 @@ private:
     QByteArray written;
     ChildProcess process;
     ProbeClient probe;
+    std::optional<OwnTime> ownTime; ///< since its end was to begin
+    bool isEndSeen = false;
     View last; ///< from the latest look while waiting
 };
