@@ -1,5 +1,6 @@
 // The program's end while something that it asked does not answer: it ends all the same.
 
+#include "tests/harness/attempts.h"
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
@@ -24,8 +25,9 @@ Outcome terminate(Program& program, Desktop&)
     return {};
 }
 
-Outcome loseDisplay(Program&, Desktop& desktop)
+Outcome loseDisplay(Program& program, Desktop& desktop)
 {
+    program.watchEnd();
     desktop.takeAway();
     return {};
 }
@@ -71,19 +73,21 @@ void tst_hangingends::systemBusIsSilent()
 {
     QFETCH(End, end);
     QFETCH(int, exitCode);
-    Desktop desktop;
-    MUST(desktop.start());
-    Program program(desktop);
-    const QString address = program.scratchPath("bus");
-    program.setVariable("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + address);
-    MUST(scenario::startWithUnit(program, server.proxy()));
-    QLocalServer bus; // takes connections and never answers; at the start Qt itself would wait for it
-    QVERIFY(bus.listen(address));
-    MUST(scenario::streamImage(program));
-    QTRY_VERIFY(bus.hasPendingConnections());
-    MUST(end(program, desktop));
-    MUST(program.waitForPromptExit(exitCode));
-    QCOMPARE(scenario::lastWord(program), QString("closed"));
+    for (Attempts attempts; attempts.wantsAnother();) {
+        Desktop desktop;
+        MUST(desktop.start());
+        Program program(desktop);
+        const QString address = program.scratchPath("bus");
+        program.setVariable("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + address);
+        MUST(scenario::startWithUnit(program, server.proxy()));
+        QLocalServer bus; // takes connections and never answers; at the start Qt itself would wait for it
+        QVERIFY(bus.listen(address));
+        MUST(scenario::streamImage(program));
+        QTRY_VERIFY(bus.hasPendingConnections());
+        MUST(end(program, desktop));
+        MUST(program.waitForPromptExit(exitCode));
+        MUST(attempts.judge(program, scenario::seeGivenBack(program)));
+    }
 }
 
 void tst_hangingends::unitCannotBeClosed()

@@ -37,8 +37,7 @@ private:
 
 void tst_terminal::initTestCase()
 {
-    (void)std::signal(SIGHUP,
-                      SIG_DFL); // or the program would inherit that it is ignored, under nohup for one
+    (void)std::signal(SIGHUP, SIG_DFL); // or the program would inherit it ignored, as under nohup
     MUST(desktop.start());
     MUST(server.start());
     MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
@@ -69,10 +68,11 @@ void tst_terminal::closed()
     for (Attempts attempts; attempts.wantsAnother();) {
         MUST(begin());
         MUST(reach(*program));
+        program->watchEnd();
         terminal->close();
         MUST(program->waitForPromptExit(0));
-        MUST(attempts.judge(program->hasQuit() ? scenario::seeGivenBack(*program)
-                                               : Outcome("ended by its limit")));
+        MUST(attempts.judge(*program, program->hasQuit() ? scenario::seeGivenBack(*program)
+                                                         : Outcome("ended by its limit")));
     }
 }
 
