@@ -8,6 +8,7 @@
 #include "virtualunit/hidapi/virtualbus.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QLabel>
 #include <QMessageBox>
@@ -24,6 +25,12 @@ constexpr int fewSteps = 120; ///< to see that nothing comes behind what was exp
 constexpr int packetsBeforeTheFault = 50;
 constexpr int partsBeforeTheFault = 50;
 constexpr int partLength = 63; // bytes
+
+/// How long the user waits in vain: the test must still see the end, which it awaits for limits::hang().
+std::chrono::milliseconds longestWait()
+{
+    return limits::hang() / 2;
+}
 
 MainWindow* findWindow()
 {
@@ -103,6 +110,7 @@ Journey::Journey(Cell plan)
     boxes.whileOpen = [this](QMessageBox& box) { awaitComplaints(&box); };
     boxesOpen.setSingleShot(true);
     clock.start(stepMs);
+    calmTime.start();
 }
 
 /// Some phases are over in a moment on a machine that stands still in between: they are looked for whenever
@@ -131,7 +139,8 @@ void Journey::step()
     if (seen != lastSeen) {
         lastSeen = seen;
         calmSteps = 0;
-    } else if (++calmSteps > patience() && !boxesOpen.isActive()) {
+        calmTime.start();
+    } else if (++calmSteps; isCalm() && !boxesOpen.isActive() && !readsOn) {
         conclude();
         say("closing");
         mainWindow->close();
@@ -155,14 +164,13 @@ void Journey::lookAtThePhase()
         });
 }
 
-/// After how many steps without any change the user closes the window: a few once all has come for which
-/// there was to wait, else only when the program hangs.
-int Journey::patience() const
+/// Nothing has changed for so long that the user closes the window: for a few steps once everything expected
+/// has come, else only when it will not come any more.
+bool Journey::isCalm() const
 {
-    if (!reached || expected.end != endword::waits)
-        return limits::hangMs() / stepMs;
-    const bool hasCome = hasExpectedBoxes() && (scenario.fetchesLog || unitOutcome() == expected.unit);
-    return hasCome ? fewSteps : limits::hangMs() / stepMs;
+    const bool hasCome = reached && expected.end == endword::waits && hasExpectedBoxes() &&
+                         (scenario.fetchesLog || unitOutcome() == expected.unit);
+    return hasCome ? calmSteps > fewSteps : calmTime.hasExpired(longestWait().count());
 }
 
 bool Journey::hasExpectedBoxes() const
@@ -233,12 +241,17 @@ void Journey::conclude()
         say("complaint " + complaint);
 }
 
-/// What the units complain of may come behind the box after which the program ends: a user who reads on.
-void Journey::awaitComplaints(const QPointer<QMessageBox>& box) const
+/// The program may end with this box before the units have complained. So the user goes on reading it until
+/// they have, or until it is clear that they will not.
+void Journey::awaitComplaints(const QPointer<QMessageBox>& box)
 {
-    const bool isAwaited = !expected.boxes.isEmpty() && hasExpectedBoxes() && !complaints.isEmpty();
-    while (isAwaited && box && box->isVisible() && unitComplaints() != complaints)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); // the clock goes on
+    if (expected.boxes.isEmpty() || !hasExpectedBoxes() || complaints.isEmpty())
+        return;
+    readsOn = true;
+    const QDeadlineTimer limit(longestWait());
+    while (box && box->isVisible() && !limit.hasExpired() && unitComplaints() != complaints)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); // the boxes' timer goes on
+    readsOn = false;
 }
 
 /// Without duplicates, sorted.

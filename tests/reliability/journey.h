@@ -9,6 +9,7 @@
 #include "ui/mainwindow.h"
 #include "virtualunit/options.h"
 
+#include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
 #include <QTimer>
@@ -92,10 +93,10 @@ private:
     [[nodiscard]] bool isAtPhase() const;
     [[nodiscard]] QStringList visible() const;
     void goOn();
-    [[nodiscard]] int patience() const;
+    [[nodiscard]] bool isCalm() const;
     [[nodiscard]] bool hasExpectedBoxes() const;
     void conclude();
-    void awaitComplaints(const QPointer<QMessageBox>& box) const;
+    void awaitComplaints(const QPointer<QMessageBox>& box);
     [[nodiscard]] QStringList unitComplaints() const;
     [[nodiscard]] QStringList boxTexts() const;
     [[nodiscard]] QString unitOutcome() const;
@@ -108,7 +109,9 @@ private:
     QTimer clock;
     QTimer boxesOpen;
     QStringList lastSeen;
-    int calmSteps = 0; ///< since the last change
+    int calmSteps = 0;      ///< since the last change
+    QElapsedTimer calmTime; ///< likewise
+    bool readsOn = false;   ///< keeps a box open until the complaints have come
     bool reached = false;
     bool faultDone = false;
     bool connectPressed = false;
