@@ -3,6 +3,7 @@
 #include "tests/random/answers.h"
 #include "tests/support/boxlines.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/limits.h"
 #include "tests/support/texts.h"
 #include "virtualunit/hidapi/virtualbus.h"
 
@@ -23,6 +24,13 @@ constexpr auto controls = {Control::connect, Control::update, Control::log, Cont
 constexpr int unchangedMs = 300; ///< with nothing new to see
 constexpr int wholeMs = 5000;
 constexpr int longestEndMs = 3000;
+
+/// For what must come, however busy the machine is: the run is killed after limits::hang(), and its judge
+/// must still be able to say what is missing.
+int longestWaitMs()
+{
+    return limits::hangMs() / 2;
+}
 
 bool isModal()
 {
@@ -45,6 +53,7 @@ User::User(const Plan& thePlan, const RawServer& theServer, MainWindow& theWindo
 
 void User::begin()
 {
+    waiting.start();
     QTimer::singleShot(0, this, &User::turn);
 }
 
@@ -137,11 +146,9 @@ bool User::isBored()
         lastSight = now;
         turnsSinceChange = 0;
     }
-    const QString due = plan.dueOutcome();
-    if (due == "finished" || due == "handed over")
-        return false; // it ends by itself
-    if (due == "up to date" && !lines.contains(boxline::upToDate))
-        return false; // the thread of the requests may get no processor for a while
+    const QString due = plan.dueOutcome(); // with any other than this, the program ends by itself
+    if (due == "up to date" ? !lines.contains(boxline::upToDate) : !due.isEmpty())
+        return waiting.hasExpired(longestWaitMs());
     return turns > turnsIn(wholeMs) || turnsSinceChange > turnsIn(unchangedMs);
 }
 

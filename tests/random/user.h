@@ -6,6 +6,7 @@
 #include "tests/support/rawserver.h"
 #include "ui/mainwindow.h"
 
+#include <QElapsedTimer>
 #include <QPushButton>
 
 #include <array>
@@ -57,6 +58,7 @@ private:
     QStringList wrong;
     bool endedIt = false;
     bool imageArrived = false; ///< seen complete on disk
+    QElapsedTimer waiting;     ///< since the begin
     QStringList lastSight;
     int turns = 0; ///< so far, including those after the plan's last one
     int turnsSinceChange = 0;
