@@ -55,7 +55,8 @@ Outcome UpdateServer::startOn(quint16 candidate)
 {
     process.start(TALVEX_SERVE_SCRIPT,
                   {base.filePath("root"), QString::number(candidate), base.filePath("run")});
-    // It writes its ID once the port is its own; that somebody listens there would not say who.
+    // The server writes this file once it has the port. That something listens on the port would not prove
+    // that it is this server.
     const bool up = waitUntil([&] {
         return process.state() == QProcess::NotRunning || QFile::exists(base.filePath("run/nginx.pid"));
     });

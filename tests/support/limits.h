@@ -1,5 +1,5 @@
-// Guarded by a name, unlike other headers: "#pragma once" tells files apart by their time, too, and a
-// precompiled header that ccache has kept brings along the time of another checkout.
+// An include guard, unlike in other headers: "#pragma once" also compares modification times, and a
+// precompiled header that comes from ccache has recorded those of another checkout.
 #ifndef TALVEX_TESTS_SUPPORT_LIMITS_H
 #define TALVEX_TESTS_SUPPORT_LIMITS_H
 
