@@ -239,9 +239,15 @@ Outcome Program::staysAway(const QString& what, const std::function<bool(const V
 
 Outcome Program::click(const QString& what, const std::function<std::optional<Target>(const View&)>& find)
 {
+    constexpr int longAmiss = 300; // looks
     XScreen& screen = desktop.screen();
+    int amiss = 0;
     STEP(waitFor(what + " to click on", [&](const View& view) {
         const std::optional<Target> target = find(view);
+        // Under Wine a window may miss, for good, what the window manager says of its size.
+        if (wine::isUsed() && target && screen.sizeOf(target->window) != target->windowSize &&
+            ++amiss % longAmiss == 0)
+            screen.resize(target->window, target->windowSize);
         // Both must agree where the window is, and nothing may cover it: it may still be on its way.
         return target && screen.originOf(target->window) == target->windowOrigin &&
                screen.pointAt(target->middle, target->window);

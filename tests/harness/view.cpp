@@ -39,6 +39,7 @@ std::optional<Target> targetIn(const QJsonObject& window, const QJsonObject& thi
     if (window.isEmpty() || thing.isEmpty() || !window["exposed"].toBool())
         return std::nullopt;
     return Target{windowIdOf(window), globalOf(window),
+                  QSize(window["pixelWidth"].toInt(), window["pixelHeight"].toInt()),
                   QPoint(thing["middleX"].toInt(), thing["middleY"].toInt())};
 }
 

@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QPoint>
+#include <QSize>
 #include <QStringList>
 
 #include <optional>
@@ -13,6 +14,7 @@ struct Target
 {
     unsigned long window = 0; ///< the X window it belongs to
     QPoint windowOrigin;      ///< where the program believes that window is
+    QSize windowSize;         ///< likewise, in screen pixels
     QPoint middle;
 };
 

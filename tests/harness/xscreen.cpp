@@ -149,6 +149,12 @@ void XScreen::move(Window window, QPoint position)
     XSync(display, False);
 }
 
+void XScreen::resize(Window window, QSize size)
+{
+    XResizeWindow(display, window, static_cast<unsigned>(size.width()), static_cast<unsigned>(size.height()));
+    XSync(display, False);
+}
+
 void XScreen::setResources(const QByteArray& resources)
 {
     constexpr int bitsOfAnItem = 8;

@@ -55,6 +55,9 @@ public:
     /// Moves the window's top left corner, including the frame, there, as far as the window manager allows.
     void move(Window window, QPoint position);
 
+    /// Gives the window's inner area this size, as dragging its frame does.
+    void resize(Window window, QSize size);
+
     /// Sets the server's resources ("Xft.dpi:\t192\n", with the tab), for programs started from now on.
     void setResources(const QByteArray& resources);
 

@@ -56,6 +56,9 @@ QJsonObject place(const QWidget& widget)
     };
     if (widget.isWindow() && widget.windowHandle() != nullptr) {
         fields["winId"] = QString::number(idOnScreen(*widget.windowHandle()));
+        const QPoint size = onScreen(widget, {widget.width(), widget.height()});
+        fields["pixelWidth"] = size.x();
+        fields["pixelHeight"] = size.y();
         fields["exposed"] = widget.windowHandle()->isExposed();
         fields["active"] = widget.isActiveWindow();
         fields["title"] = widget.windowTitle();
