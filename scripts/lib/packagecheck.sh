@@ -108,7 +108,7 @@ writeLauncher() {
     chmod 755 "$1"
 }
 
-# appeared NAME FOLDER: what two runs in FOLDER have left behind, by its path there. Returns 1 if a file changed.
+# appeared NAME FOLDER: what the runs in FOLDER have left behind, by its path there. Returns 1 if a file changed.
 appeared() {
     if comm -23 "$work/$1.before" "$work/$1.after" | grep .; then
         echo "the runs changed or removed these files" >&2
@@ -117,7 +117,7 @@ appeared() {
     comm -13 "$work/$1.before" "$work/$1.after" | sed -e "s,^\./,," -e "s,^${2#/}/,," -e 's/ [0-9.]* [0-9.]* *$//'
 }
 
-# updateIn NAME: an ordinary user there unpacks the bundle and updates units with it, twice.
+# updateIn NAME: an ordinary user there unpacks the bundle and updates units with it, time and again.
 updateIn() {
     local root=$work/$1 desk=$work/desk-$1 folder="/home/musician/Моя музыка и программы" top
     asUser mkdir "$root$folder"
