@@ -26,7 +26,7 @@ public:
 
     /// Makes the image the backup and, if there is one that was `written`, the download the image. If there
     /// was no image, no backup remains. False if an existing file could not be renamed.
-    [[nodiscard]] bool replaceImage(bool written = true) const;
+    [[nodiscard]] bool replaceImage(bool written) const;
 
     [[nodiscard]] bool hasImage() const;
 

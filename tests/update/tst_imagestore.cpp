@@ -98,7 +98,7 @@ void TestImageStore::stores()
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     QCOMPARE(found(), (ImageFiles{before.image, fresh, before.image.isNull() ? before.backup : none}));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QVERIFY(store.hasImage());
     QCOMPARE(found(), after);
 }
@@ -116,7 +116,7 @@ void TestImageStore::storesAnySize()
     const ImageStore store(name);
     const QByteArray image = QByteArray("").leftJustified(size, 'z');
     QVERIFY(store.writeDownload(image));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QCOMPARE(found(), (ImageFiles{image, none, none}));
 }
 
@@ -125,7 +125,7 @@ void TestImageStore::bytesReachTheDiskBeforeTheyBecomeTheImage()
     const ImageStore store(name);
     faultycalls::clear();
     QVERIFY(store.writeDownload("small enough to wait in a buffer"));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     std::vector<Call> calls = faultycalls::calls();
     std::erase(calls, Call::unlink);
     QVERIFY((calls == std::vector{Call::write, Call::fsync, Call::rename}));
@@ -139,7 +139,7 @@ void TestImageStore::linkIsNotFollowed()
     QVERIFY(QFile::link(elsewhere, downloadOf(name)));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QCOMPARE(ImageFiles::at(elsewhere).image, previous);
     QCOMPARE(found(), (ImageFiles{fresh, none, none}));
     QVERIFY(!QFileInfo(name).isSymLink());
@@ -189,7 +189,7 @@ void TestImageStore::nameTakenByAFolder()
     const ImageStore store(name);
     QVERIFY(!store.writeDownload(fresh));
     QCOMPARE(found(), (ImageFiles{previous, none, none}));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QVERIFY2(!store.hasImage(), "neither the folder nor the previous image passes for the new one");
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
 }
@@ -199,7 +199,7 @@ void TestImageStore::folderIsGone()
     QVERIFY(folder->remove());
     const ImageStore store(name);
     QVERIFY(!store.writeDownload(fresh));
-    QVERIFY(store.replaceImage()); // nothing there, nothing to do
+    QVERIFY(store.replaceImage(true)); // nothing there, nothing to do
     QVERIFY(!store.hasImage());
 }
 
@@ -219,7 +219,7 @@ void TestImageStore::onlyImageSurvivesAFailure()
     const ImageStore store(name);
     faultycalls::fail(Call::write, 1, ENOSPC);
     QVERIFY(!store.writeDownload(fresh));
-    QCOMPARE(store.replaceImage(), !isTaken);
+    QCOMPARE(store.replaceImage(true), !isTaken);
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
 }
 
@@ -229,7 +229,7 @@ void TestImageStore::imageCannotBecomeTheBackup()
     QVERIFY(QDir().mkpath(backupOf(name) + "/inside"));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
-    QVERIFY(!store.replaceImage());
+    QVERIFY(!store.replaceImage(true));
     QCOMPARE(found(), (ImageFiles{previous, fresh, none}));
 }
 
@@ -240,7 +240,7 @@ void TestImageStore::downloadCannotBecomeTheImage()
     QVERIFY(store.writeDownload(fresh));
     faultycalls::fail(Call::rename, 2, EIO);
     faultycalls::fail(Call::write, 1, EIO); // the toolkit copies what it cannot rename
-    QVERIFY(!store.replaceImage());
+    QVERIFY(!store.replaceImage(true));
     QVERIFY(!store.hasImage());
     QCOMPARE(found(), (ImageFiles{none, fresh, previous}));
 }
@@ -249,7 +249,7 @@ void TestImageStore::replacingWithoutADownload()
 {
     place({previous, none, none});
     const ImageStore store(name);
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QVERIFY2(!store.hasImage(), "the previous image is never taken for the new one");
     QCOMPARE(found(), (ImageFiles{none, none, previous}));
 }
@@ -280,7 +280,7 @@ bool TestImageStore::isKilledAtCall(int nthCall)
     if (child == 0) {
         faultycalls::kill(nthCall);
         const ImageStore store(name);
-        const bool stored = store.writeDownload(fresh) && store.replaceImage();
+        const bool stored = store.writeDownload(fresh) && store.replaceImage(true);
         _exit(stored ? 0 : 1);
     }
     int status = 0;
@@ -301,7 +301,7 @@ void TestImageStore::killedAtAnyCall()
         QVERIFY2(whole, qPrintable(QString("killed before call %1").arg(killed + 1)));
         killed += alive ? 0 : 1;
         const ImageStore next(name);
-        QVERIFY(next.writeDownload(fresh) && next.replaceImage());
+        QVERIFY(next.writeDownload(fresh) && next.replaceImage(true));
         QCOMPARE(found().image, fresh);
     }
     QVERIFY2(killed >= 4 && killed < mostCalls, qPrintable(QString::number(killed)));

@@ -95,10 +95,10 @@ void TestHeldFiles::freeAgain()
     {
         const Held image(name);
         QVERIFY(store.writeDownload(fresh));
-        QVERIFY(!store.replaceImage());
+        QVERIFY(!store.replaceImage(true));
     }
     QVERIFY(store.writeDownload(fresh));
-    QVERIFY(store.replaceImage());
+    QVERIFY(store.replaceImage(true));
     QCOMPARE(ImageFiles::at(name), (ImageFiles{fresh, none, previous}));
 }
 
