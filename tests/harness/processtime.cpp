@@ -1,5 +1,7 @@
 #include "tests/harness/processtime.h"
 
+#include "tests/support/filecontent.h"
+
 #include <QDir>
 
 #include <algorithm>
@@ -7,13 +9,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// The content of a file; empty if there is no such file.
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// The fields of a "stat" file from the state on, which is the third; none: there is no such file.
 QList<QByteArray> fieldsOf(const QString& path)

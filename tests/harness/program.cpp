@@ -3,6 +3,7 @@
 #include "tests/harness/surroundings.h"
 #include "tests/harness/waiting.h"
 #include "tests/harness/wine.h"
+#include "tests/support/filecontent.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -50,16 +51,13 @@ void Program::putFirstInPath(const QString& directory)
 
 Outcome Program::placeFile(const QString& name, const QByteArray& content)
 {
-    QFile file(ownPath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
-        return Outcome("cannot write " + file.fileName());
-    return {};
+    return writeFile(ownPath(name), content) ? Outcome() : Outcome("cannot write " + ownPath(name));
 }
 
 std::optional<QByteArray> Program::fileContent(const QString& name) const
 {
-    QFile file(ownPath(name));
-    return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
+    const QByteArray content = contentOf(ownPath(name));
+    return content.isNull() ? std::nullopt : std::optional(content);
 }
 
 void Program::useSystemsHid()
@@ -205,10 +203,7 @@ void Program::sendSignal(int signal)
 
 bool Program::isInSet(const QByteArray& set, int signal) const
 {
-    QFile file(QString("/proc/%1/status").arg(process.processId()));
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray all = file.readAll();
+    const QByteArray all = contentOf(QString("/proc/%1/status").arg(process.processId()));
     const QByteArray members = all.mid(all.indexOf(set + ':') + set.size() + 1).trimmed().left(16);
     return (members.toULongLong(nullptr, 16) >> (signal - 1) & 1U) != 0;
 }

@@ -1,9 +1,9 @@
 #include "tests/harness/updateserver.h"
 
 #include "tests/harness/waiting.h"
+#include "tests/support/filecontent.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QNetworkProxy>
 #include <QTcpServer>
@@ -70,21 +70,15 @@ Outcome UpdateServer::startOn(quint16 candidate)
 Outcome UpdateServer::publish(const QString& path, const QByteArray& bytes)
 {
     const QString full = base.filePath("root") + path;
-    QFile file(full);
-    if (!QDir().mkpath(QFileInfo(full).path()) || !file.open(QIODevice::WriteOnly) ||
-        file.write(bytes) != bytes.size() || !file.flush())
-        return Outcome("cannot publish " + full);
-    return {};
+    const bool isThere = QDir().mkpath(QFileInfo(full).path()) && writeFile(full, bytes);
+    return isThere ? Outcome() : Outcome("cannot publish " + full);
 }
 
 QVector<UpdateServer::Request> UpdateServer::requests() const
 {
     awaitNotes(port);
-    QFile log(base.filePath("run/access.log"));
     QVector<Request> all;
-    if (!log.open(QIODevice::ReadOnly))
-        return all;
-    const QList<QByteArray> lines = log.readAll().split('\n');
+    const QList<QByteArray> lines = contentOf(base.filePath("run/access.log")).split('\n');
     for (const QByteArray& line : lines) {
         const QList<QByteArray> fields = line.split('|');
         if (fields.size() == 3 && fields[0] != lastRequest)

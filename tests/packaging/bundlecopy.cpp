@@ -2,7 +2,6 @@
 
 #include "tests/support/limits.h"
 
-#include <QFile>
 #include <QProcess>
 
 bool installSurroundings(const QString& folder)
@@ -18,15 +17,9 @@ bool copyFolder(const QString& source, const QString& target)
 
 bool writeExecutable(const QString& path, const QByteArray& content)
 {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush() &&
-           file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return writeFile(path, content) &&
+           QFile::setPermissions(path, QFile::permissions(path) | QFile::ExeOwner | QFile::ExeGroup |
+                                           QFile::ExeOther);
 }
 
 ScriptRun runScript(const QString& command, const QStringList& arguments,

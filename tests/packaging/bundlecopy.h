@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/filecontent.h"
+
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
@@ -22,9 +24,6 @@ struct ScriptRun
 
 /// Writes an executable file; false if that is not possible.
 [[nodiscard]] bool writeExecutable(const QString& path, const QByteArray& content);
-
-/// A file's content; nothing if it cannot be read.
-[[nodiscard]] QByteArray contentOf(const QString& path);
 
 /// Runs a command to its end, with nothing on its input.
 [[nodiscard]] ScriptRun runScript(const QString& command, const QStringList& arguments,

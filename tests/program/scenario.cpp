@@ -1,21 +1,11 @@
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/silentserver.h"
 #include "tests/support/texts.h"
 
 #include <X11/keysym.h>
 
 #include <QCryptographicHash>
-#include <QFile>
-
-namespace {
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 namespace scenario {
 
@@ -43,8 +33,7 @@ QByteArray receivedImage(const Program& program, const QString& label)
 
 QStringList journal(const Program& program, const QString& label)
 {
-    const QString text = QString::fromUtf8(contentOf(program.scratchPath(label + ".journal")));
-    return text.split('\n', Qt::SkipEmptyParts);
+    return linesOf(program.scratchPath(label + ".journal"));
 }
 
 QString lastWord(const Program& program)

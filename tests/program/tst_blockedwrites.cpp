@@ -4,6 +4,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
@@ -34,13 +35,6 @@ Outcome blockLog(Program& program)
 Outcome closeWindow(Program& program)
 {
     return program.closeWindow();
-}
-
-QStringList linesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
-                                          : QStringList();
 }
 
 /// One write was blocked, it failed, and the last thing done was to close the unit.

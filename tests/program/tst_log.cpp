@@ -2,6 +2,7 @@
 
 #include "tests/harness/program.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/silentserver.h"
 #include "tests/support/texts.h"
 
@@ -73,8 +74,7 @@ private:
 void tst_log::initTestCase()
 {
     log = imageOf(logSize);
-    QFile file(folder.filePath("unit.log"));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
+    QVERIFY(writeFile(folder.filePath("unit.log"), log));
     MUST(desktop.start());
 }
 

@@ -3,6 +3,7 @@
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
@@ -12,15 +13,14 @@ namespace {
 /// A command that notes down what it was called with.
 Outcome placeFakeOpener(const Program& program)
 {
-    QFile script(program.scratchPath("xdg-open"));
-    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"" +
-                            program.scratchPath("opened").toUtf8() + ".part\"\nmv \"" +
-                            program.scratchPath("opened").toUtf8() + ".part\" \"" +
-                            program.scratchPath("opened").toUtf8() + "\"\n";
-    if (!script.open(QIODevice::WriteOnly) || script.write(text) != text.size() ||
-        !script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
-        return Outcome("cannot write " + script.fileName());
-    return {};
+    const QString script = program.scratchPath("xdg-open");
+    const QByteArray noted = program.scratchPath("opened").toUtf8();
+    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"" + noted + ".part\"\nmv \"" + noted +
+                            ".part\" \"" + noted + "\"\n";
+    const bool isThere =
+        writeFile(script, text) &&
+        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return isThere ? Outcome() : Outcome("cannot write " + script);
 }
 
 } // namespace
@@ -125,9 +125,7 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     MUST(program.waitForBox(infoBox(text::handOver)));
     const QString noted = program.scratchPath("opened");
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
-    QFile file(noted);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString(file.readAll()), QString("1\nhttp://%1%2\n").arg(updateHost, QString(handedOver)));
+    QCOMPARE(QString(contentOf(noted)), QString("1\nhttp://%1%2\n").arg(updateHost, QString(handedOver)));
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));
 }

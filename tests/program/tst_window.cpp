@@ -2,6 +2,7 @@
 
 #include "tests/harness/program.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/windowtables.h"
 
 #include <QJsonArray>
@@ -23,8 +24,7 @@ QString connectionLine(const QJsonObject& row)
 /// The files that the program has mapped into its memory; empty if that cannot be read.
 QByteArray loadedFiles(const Program& program)
 {
-    QFile maps(QString("/proc/%1/maps").arg(program.processId()));
-    return maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
+    return contentOf(QString("/proc/%1/maps").arg(program.processId()));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "tests/harness/updateserver.h"
 #include "tests/harness/wine.h"
 #include "tests/program/scenario.h"
-#include "tests/support/silentserver.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
@@ -153,9 +153,7 @@ void tst_windows::browserGetsTheAddress()
     MUST(program.answer("Yes"));
     MUST(program.waitForBox(infoBox(text::handOver)));
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
-    QFile file(noted);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(file.readAll()).toLower(),
+    QCOMPARE(QString::fromUtf8(contentOf(noted)).toLower(),
              QString(R"(c:\windows\explorer.exe  "http://%1%2")").arg(updateHost, handedOver).toLower());
     MUST(program.answer("Ok"));
     MUST(program.waitForPromptExit(0));

@@ -5,6 +5,7 @@
 #include "tests/random/user.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/limits.h"
+#include "tests/support/testwindow.h"
 #include "tests/support/texts.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QNetworkProxyFactory>
 #include <QThread>
 
+#include <array>
 #include <optional>
 
 namespace {
@@ -29,26 +31,10 @@ QString imageName()
     return QCoreApplication::applicationDirPath() + '/' + filename::image;
 }
 
-void write(const QString& name, const QByteArray& content)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
-        qFatal("cannot write %s", qPrintable(name));
-}
-
 QString takenName(Plan::Taken taken)
 {
-    switch (taken) {
-    case Plan::Taken::image:
-        return imageName();
-    case Plan::Taken::download:
-        return downloadOf(imageName());
-    case Plan::Taken::backup:
-        return backupOf(imageName());
-    case Plan::Taken::none:
-        break;
-    }
-    return {};
+    const std::array<const char*, 4> names{nullptr, filename::image, filename::download, filename::backup};
+    return names.at(static_cast<std::size_t>(taken));
 }
 
 /// The files as an earlier run, or somebody else, has left them.
@@ -60,12 +46,12 @@ ImageFiles prepareDisk(const Plan& plan)
     if (!ImageFiles{plan.oldImage, plan.oldDownload, plan.oldBackup}.placeAt(imageName()))
         qFatal("cannot place the image's files");
     if (plan.hasServiceFile)
-        write(directory.filePath(filename::service), plan.image);
+        placeServiceFile(plan.image);
     if (const QString taken = takenName(plan.taken); !taken.isEmpty()) {
-        QFile::remove(taken);
+        directory.remove(taken);
         if (!directory.mkdir(taken))
             qFatal("cannot make %s", qPrintable(taken));
-        write(taken + "/somebody's", "file");
+        placeFile(taken + "/somebody's", "file");
     }
     return ImageFiles::at(imageName());
 }

@@ -2,11 +2,11 @@
 
 #include "tests/harness/processtime.h"
 #include "tests/reliability/journeyfiles.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 
 #include <unistd.h>
 
@@ -28,10 +28,8 @@ Traveller::Traveller(const QString& program, const QStringList& arguments)
     const QString own = directory.filePath("talvex-journey");
     if (!directory.isValid() || link(QFile::encodeName(program), QFile::encodeName(own)) != 0)
         qFatal("cannot make %s", qPrintable(own));
-    QFile image(directory.filePath(filename::image));
-    if (!image.open(QIODevice::WriteOnly) || image.write(oldImage) < 0)
-        qFatal("cannot write %s", qPrintable(image.fileName()));
-    image.close();
+    if (!writeFile(directory.filePath(filename::image), oldImage))
+        qFatal("cannot write the image in %s", qPrintable(directory.path()));
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("QT_QPA_PLATFORM", "offscreen");
@@ -90,11 +88,7 @@ QByteArray Traveller::file(const QString& pattern) const
 {
     const QDir all(directory.path());
     const QStringList names = all.entryList({pattern}, QDir::Files);
-    QFile found(all.filePath(names.value(0)));
-    if (names.isEmpty() || !found.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray content = found.readAll();
-    return content.isNull() ? QByteArray("") : content;
+    return names.isEmpty() ? QByteArray() : contentOf(all.filePath(names.first()));
 }
 
 std::unique_ptr<Traveller> Travellers::take(std::size_t number)

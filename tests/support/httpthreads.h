@@ -1,8 +1,8 @@
 #pragma once
 
+#include "tests/support/filecontent.h"
+
 #include <QDir>
-#include <QFile>
-#include <QStringList>
 
 /// The number of threads in this process that run Qt's HTTP client (Linux). A thread that has just ended may
 /// still be counted briefly.
@@ -10,10 +10,8 @@
 {
     int count = 0;
     const QStringList threads = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& thread : threads) {
-        QFile name("/proc/self/task/" + thread + "/comm");
-        if (name.open(QIODevice::ReadOnly) && name.readAll().startsWith("QNetworkAccessM"))
+    for (const QString& thread : threads)
+        if (contentOf("/proc/self/task/" + thread + "/comm").startsWith("QNetworkAccessM"))
             ++count;
-    }
     return count;
 }

@@ -1,27 +1,16 @@
 #include "tests/support/imagefiles.h"
 
+#include "tests/support/filecontent.h"
+
 #include <QDir>
-#include <QFile>
 
 namespace {
 
-QByteArray contentOf(const QString& name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray content = file.readAll();
-    return content.isNull() ? QByteArray("") : content;
-}
-
 bool makeContent(const QString& name, const QByteArray& content)
 {
-    QFile file(name);
-    if (file.exists() && !file.remove() && !QDir(name).removeRecursively())
+    if (QFile::exists(name) && !QFile::remove(name) && !QDir(name).removeRecursively())
         return false;
-    if (content.isNull())
-        return true;
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+    return content.isNull() || writeFile(name, content);
 }
 
 /// A missing file is not an empty one.

@@ -1,8 +1,8 @@
 #include "tests/support/signer.h"
 
+#include "tests/support/filecontent.h"
 #include "tests/support/limits.h"
 
-#include <QFile>
 #include <QProcess>
 
 namespace {
@@ -17,14 +17,6 @@ void runMinisign(const QStringList& arguments)
         minisign.exitCode() != 0)
         qFatal("minisign %s: %s %s", qPrintable(arguments.join(' ')), qPrintable(minisign.errorString()),
                minisign.readAll().constData());
-}
-
-QByteArray contentOf(const QString& name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(name));
-    return file.readAll();
 }
 
 } // namespace
@@ -44,8 +36,7 @@ QByteArray Signer::publicKey() const
 QByteArray Signer::sign(const QByteArray& content, Kind kind, const QByteArray& trustedComment) const
 {
     const QString name = folder.filePath("content");
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+    if (!writeFile(name, content))
         qFatal("cannot write %s", qPrintable(name));
     QStringList arguments{"-S", "-s", key, "-m", name, "-x", name + ".minisig", "-t", trustedComment};
     if (kind == Kind::whole)

@@ -2,6 +2,7 @@
 
 #include "log/logdownloader.h"
 #include "net/updatechecker.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/limits.h"
 #include "tests/support/texts.h"
 #include "update/sleepinhibitor.h"
@@ -11,7 +12,6 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTest>
 #include <QThread>
@@ -87,10 +87,9 @@ QStringList TestWindow::controls() const
 
 void placeFile(const QString& name, const QByteArray& content)
 {
-    QFile file(QCoreApplication::applicationDirPath() + '/' + name);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size() ||
-        !file.flush())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
+    const QString path = QCoreApplication::applicationDirPath() + '/' + name;
+    if (!writeFile(path, content))
+        qFatal("cannot write %s", qPrintable(path));
 }
 
 void placeServiceFile(const QByteArray& image)

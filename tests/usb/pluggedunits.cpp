@@ -2,10 +2,10 @@
 
 #include "tests/harness/processtime.h"
 #include "tests/harness/waiting.h"
+#include "tests/support/filecontent.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <csignal>
 #include <fcntl.h>
@@ -92,11 +92,9 @@ QStringList PluggedUnits::nodes()
     const QString all = "/sys/class/hidraw";
     QStringList found;
     const QStringList names = QDir(all).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& name : names) {
-        QFile events(all + '/' + name + "/device/uevent");
-        if (events.open(QIODevice::ReadOnly) && events.readAll().contains(vendor))
+    for (const QString& name : names)
+        if (contentOf(all + '/' + name + "/device/uevent").contains(vendor))
             found += "/dev/" + name;
-    }
     return found;
 }
 

@@ -3,6 +3,7 @@
 
 #include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -59,9 +60,7 @@ void tst_usbaccess::withAccess()
     MUST(scenario::connectAndDownload(program));
     MUST(program.press("updateDeviceButton"));
     MUST(scenario::seeFinished(program));
-    QFile received(qEnvironmentVariable("TALVEX_TEST_UNIT") + "/unit.image");
-    QVERIFY(received.open(QIODevice::ReadOnly));
-    QVERIFY(received.readAll() == image);
+    QVERIFY(contentOf(qEnvironmentVariable("TALVEX_TEST_UNIT") + "/unit.image") == image);
 }
 
 QTEST_GUILESS_MAIN(tst_usbaccess)

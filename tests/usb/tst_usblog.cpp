@@ -2,6 +2,7 @@
 
 #include "tests/harness/waiting.h"
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -80,11 +81,10 @@ void tst_usblog::pullLog(bool& isStored)
     Program program(desktop);
     useRealBus(program);
     MUST(program.placeFile(filename::service, "image")); // so that no server is asked
-    QFile file(program.scratchPath("unit.log"));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(log) == log.size() && file.flush());
+    const QString logPath = program.scratchPath("unit.log");
+    QVERIFY(writeFile(logPath, log));
     PluggedUnits units;
-    MUST(units.plugIn(
-        {scenario::unitOptions(program, models::of(type).option, ",log=" + file.fileName() + more)}));
+    MUST(units.plugIn({scenario::unitOptions(program, models::of(type).option, ",log=" + logPath + more)}));
     MUST(program.start());
     MUST(scenario::connectUnit(program, models::of(type).connected));
     MUST(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));

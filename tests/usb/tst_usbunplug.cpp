@@ -2,6 +2,7 @@
 // crashes nor spins, its window can be used, and it ends cleanly.
 
 #include "tests/program/scenario.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -176,11 +177,11 @@ void tst_usbunplug::vanishesByItself()
 {
     QFETCH(State, reach);
     QTemporaryDir folder;
-    QFile log(folder.filePath("unit.log"));
-    QVERIFY(log.open(QIODevice::WriteOnly) && log.write(imageOf(shortImage)) == shortImage && log.flush());
+    const QString log = folder.filePath("unit.log");
+    QVERIFY(writeFile(log, imageOf(shortImage)));
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, ",log=" + log.fileName() + ",fault=" + QTest::currentDataTag()));
+    MUST(begin(program, units, ",log=" + log + ",fault=" + QTest::currentDataTag()));
     MUST(reach(program));
     QTRY_VERIFY(!scenario::journal(program).filter(QRegularExpression("^unplugged")).isEmpty());
     MUST(seeQuietEnd(program));

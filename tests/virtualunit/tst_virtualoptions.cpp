@@ -1,7 +1,7 @@
+#include "tests/support/filecontent.h"
 #include "tests/virtualunit/host.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -79,9 +79,7 @@ void TestVirtualOptions::imageFileIsWrittenWhole()
     host.write(reports.at(1));
     QVERIFY(QDir(folder.path()).isEmpty());
     host.write(reports.at(2));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), image);
+    QCOMPARE(contentOf(path), image);
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("image"));
 }
 
@@ -94,9 +92,7 @@ void TestVirtualOptions::journalFileIsAppended()
         host.unit.close(host.now);
         host.unit.unplug();
     }
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), Bytes("opened\nclosed\nunplugged\nopened\nclosed\nunplugged\n"));
+    QCOMPARE(contentOf(path), Bytes("opened\nclosed\nunplugged\nopened\nclosed\nunplugged\n"));
 }
 
 QTEST_APPLESS_MAIN(TestVirtualOptions)
