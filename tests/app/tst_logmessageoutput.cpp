@@ -1,6 +1,7 @@
 #include "app/logmessageoutput.h"
 
 #include "tests/support/easternlocales.h"
+#include "tests/support/rows.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -232,15 +233,11 @@ void TestLogMessageOutput::digits()
 
 void TestLogMessageOutput::fileAndEcho_data()
 {
-    QTest::addColumn<QStringList>("told"); // in the file
-    QTest::addColumn<QByteArray>("echoed");
-    const auto row = [](const char* speech, const QStringList& told, const char* echoed) {
-        QTest::newRow(speech) << told << QByteArray(echoed);
-    };
+    const Rows<QStringList, QByteArray> row("inTheFile", "echoed");
     row("every type", {"0", "4", "1", "2", "3"}, "0\n4\n1\n2\n3\n"); // none ends the process
     row("null message", {"before", "behind"}, "before\n");           // spoils the echo for good, not the file
     row("null message first", {}, "");
-    row("local encoding", {QString::fromUtf8("\xD0\x94\xD0\xB0")}, "\xC4\xE0\n");
+    row("local encoding", {"\xD0\x94\xD0\xB0"}, "\xC4\xE0\n");
 #ifndef Q_OS_WIN // which keeps the folder that a program runs in
     row("folder is gone", {"kept"}, "lost\nkept\n");
 #endif
@@ -251,7 +248,7 @@ void TestLogMessageOutput::fileAndEcho()
 {
     QFETCH(QByteArray, echoed);
     speak(QTest::currentDataTag());
-    QTEST(texts(), "told");
+    QTEST(texts(), "inTheFile");
     QCOMPARE(echo, echoed);
     QCOMPARE(files.size(), 1);
 }

@@ -2,6 +2,7 @@
 // itself the signals: every one has been handled when the next is sent.
 
 #include "app/exitsignals.h"
+#include "tests/support/rows.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -88,20 +89,19 @@ private slots:
 
 void TestSignalHandlers::severalSignals_data()
 {
-    QTest::addColumn<Signals>("sent");
-    QTest::addColumn<int>("deathBy");
-    QTest::newRow("SIGTERM") << Signals{SIGTERM} << nothing;
-    QTest::newRow("SIGINT") << Signals{SIGINT} << nothing;
-    QTest::newRow("SIGHUP") << Signals{SIGHUP} << nothing;
-    QTest::newRow("one of each kind, as a log-out sends them") << Signals{SIGTERM, SIGHUP, SIGINT} << nothing;
-    QTest::newRow("SIGTERM twice") << Signals{SIGTERM, SIGTERM} << SIGTERM;
-    QTest::newRow("SIGINT twice") << Signals{SIGINT, SIGINT} << SIGINT;
-    QTest::newRow("SIGHUP twice") << Signals{SIGHUP, SIGHUP} << SIGHUP;
-    QTest::newRow("twice, another between") << Signals{SIGTERM, SIGHUP, SIGTERM} << SIGTERM;
-    QTest::newRow("Ctrl+C twice") << Signals{ofKernel(SIGINT), ofKernel(SIGINT)} << SIGINT;
-    QTest::newRow("a terminal is closed") << Signals{SIGHUP, ofKernel(SIGHUP)} << nothing;
-    QTest::newRow("a terminal is closed, the shell last") << Signals{ofKernel(SIGHUP), SIGHUP} << nothing;
-    QTest::newRow("a terminal without a shell is closed") << Signals{ofKernel(SIGHUP)} << nothing;
+    const Rows<Signals, int> row("sent", "deathBy");
+    row("SIGTERM", {SIGTERM}, nothing);
+    row("SIGINT", {SIGINT}, nothing);
+    row("SIGHUP", {SIGHUP}, nothing);
+    row("one of each kind, as a log-out sends them", {SIGTERM, SIGHUP, SIGINT}, nothing);
+    row("SIGTERM twice", {SIGTERM, SIGTERM}, SIGTERM);
+    row("SIGINT twice", {SIGINT, SIGINT}, SIGINT);
+    row("SIGHUP twice", {SIGHUP, SIGHUP}, SIGHUP);
+    row("twice, another between", {SIGTERM, SIGHUP, SIGTERM}, SIGTERM);
+    row("Ctrl+C twice", {ofKernel(SIGINT), ofKernel(SIGINT)}, SIGINT);
+    row("a terminal is closed", {SIGHUP, ofKernel(SIGHUP)}, nothing);
+    row("a terminal is closed, the shell last", {ofKernel(SIGHUP), SIGHUP}, nothing);
+    row("a terminal without a shell is closed", {ofKernel(SIGHUP)}, nothing);
 }
 
 void TestSignalHandlers::severalSignals()

@@ -2,6 +2,7 @@
 #include "net/updatechecker.h"
 #include "tests/support/boxlines.h"
 #include "tests/support/inside.h"
+#include "tests/support/rows.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/silentserver.h"
 #include "tests/support/testwindow.h"
@@ -31,16 +32,12 @@ class TestLogControls : public QObject
 private slots:
     void theKeyShowsTheButton_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<int>("decks");
-        QTest::addColumn<bool>("updateBegun");
-        QTest::addColumn<bool>("logBegun");
-        QTest::addColumn<bool>("shown");
-        QTest::newRow("before a unit is connected") << false << 1 << false << false << false;
-        QTest::newRow("single unit") << true << 1 << false << false << true;
-        QTest::newRow("pair of decks") << true << 2 << false << false << false;
-        QTest::newRow("update begun") << true << 1 << true << false << false;
-        QTest::newRow("log begun") << true << 1 << false << true << false;
+        const Rows<bool, int, bool, bool, bool> row("connected", "decks", "updateBegun", "logBegun", "shown");
+        row("before a unit is connected", false, 1, false, false, false);
+        row("single unit", true, 1, false, false, true);
+        row("pair of decks", true, 2, false, false, false);
+        row("update begun", true, 1, true, false, false);
+        row("log begun", true, 1, false, true, false);
     }
     void theKeyShowsTheButton()
     {
@@ -89,14 +86,12 @@ private slots:
 
     void otherKeysShowNothing_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::newRow("L") << int(Qt::Key_L) << int(Qt::NoModifier);
-        QTest::newRow("Ctrl+L") << int(Qt::Key_L) << int(Qt::ControlModifier);
-        QTest::newRow("Shift+L") << int(Qt::Key_L) << int(Qt::ShiftModifier);
-        QTest::newRow("Ctrl+Alt+Shift+L")
-            << int(Qt::Key_L) << int(Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
-        QTest::newRow("Ctrl+Shift+K") << int(Qt::Key_K) << int(Qt::ControlModifier | Qt::ShiftModifier);
+        const Rows<int, int> row("key", "modifiers");
+        row("L", Qt::Key_L, Qt::NoModifier);
+        row("Ctrl+L", Qt::Key_L, Qt::ControlModifier);
+        row("Shift+L", Qt::Key_L, Qt::ShiftModifier);
+        row("Ctrl+Alt+Shift+L", Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+        row("Ctrl+Shift+K", Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
     }
     void otherKeysShowNothing()
     {

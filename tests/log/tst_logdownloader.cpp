@@ -1,4 +1,5 @@
 #include "tests/log/exchange.h"
+#include "tests/support/rows.h"
 
 #include <QMetaMethod>
 #include <QTimer>
@@ -65,10 +66,9 @@ private slots:
 
     void requestGoesToTheModelsPlace_data()
     {
-        QTest::addColumn<UnitType>("type");
-        QTest::addColumn<int>("index");
-        QTest::newRow("LMB-2") << UNIT_LMB2 << 1;
-        QTest::newRow("PLT65") << UNIT_PLT65 << 61;
+        const Rows<UnitType, int> row("type", "index");
+        row("LMB-2", UNIT_LMB2, 1);
+        row("PLT65", UNIT_PLT65, 61);
     }
     void requestGoesToTheModelsPlace()
     {
@@ -207,12 +207,10 @@ private slots:
 
     void resendMessage_data()
     {
-        QTest::addColumn<int>("next");
-        QTest::addColumn<int>("parts");
-        QTest::addColumn<int>("headers");
-        QTest::newRow("1: the part again") << 1 << 1 << 0;
-        QTest::newRow("0: the header again") << 0 << 0 << 1;
-        QTest::newRow("2: nothing") << 2 << 0 << 0;
+        const Rows<int, int, int> row("next", "parts", "headers");
+        row("1: the part again", 1, 1, 0);
+        row("0: the header again", 0, 0, 1);
+        row("2: nothing", 2, 0, 0);
     }
     void resendMessage()
     {

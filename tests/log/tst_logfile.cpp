@@ -3,6 +3,7 @@
 #include "tests/support/easternlocales.h"
 #include "tests/support/inside.h"
 #include "tests/support/readonlyfolder.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QDir>
@@ -86,13 +87,12 @@ std::optional<int> TestLogFile::claim(LogDownloader& downloader)
 
 void TestLogFile::name_data()
 {
-    QTest::addColumn<int>("attempt");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("first") << 1 << "2016-03-01_14_05_09_log.enc";
-    QTest::newRow("second") << 2 << "2016-03-01_14_05_09-2_log.enc";
-    QTest::newRow("third") << 3 << "2016-03-01_14_05_09-3_log.enc";
-    QTest::newRow("tenth") << 10 << "2016-03-01_14_05_09-10_log.enc";
-    QTest::newRow("last") << 99 << "2016-03-01_14_05_09-99_log.enc";
+    const Rows<int, QString> row("attempt", "name");
+    row("first", 1, "2016-03-01_14_05_09_log.enc");
+    row("second", 2, "2016-03-01_14_05_09-2_log.enc");
+    row("third", 3, "2016-03-01_14_05_09-3_log.enc");
+    row("tenth", 10, "2016-03-01_14_05_09-10_log.enc");
+    row("last", 99, "2016-03-01_14_05_09-99_log.enc");
 }
 
 void TestLogFile::name()
@@ -108,14 +108,13 @@ void TestLogFile::name()
 
 void TestLogFile::firstFreeName_data()
 {
-    QTest::addColumn<QList<int>>("taken");
-    QTest::addColumn<int>("claimed");
-    QTest::newRow("none taken") << QList<int>{} << 1;
-    QTest::newRow("one taken") << upTo(1) << 2;
-    QTest::newRow("two taken") << upTo(2) << 3;
-    QTest::newRow("a gap") << QList<int>{1, 3} << 2;
-    QTest::newRow("the first is free again") << QList<int>{2, 3} << 1;
-    QTest::newRow("the last is free") << upTo(98) << 99;
+    const Rows<QList<int>, int> row("taken", "claimed");
+    row("none taken", {}, 1);
+    row("one taken", upTo(1), 2);
+    row("two taken", upTo(2), 3);
+    row("a gap", {1, 3}, 2);
+    row("the first is free again", {2, 3}, 1);
+    row("the last is free", upTo(98), 99);
 }
 
 void TestLogFile::firstFreeName()

@@ -1,4 +1,5 @@
 #include "log/logoffer.h"
+#include "tests/support/rows.h"
 
 #include <QtTest>
 
@@ -13,16 +14,13 @@ class TestLogOffer : public QObject
 private slots:
     void situation_data()
     {
-        QTest::addColumn<Situation>("now");
-        QTest::addColumn<bool>("isAllowed");
-        QTest::newRow("a single unit") << Situation{.unitIsOpen = true} << true;
-        QTest::newRow("no unit") << Situation{} << false;
-        QTest::newRow("a pair of decks") << Situation{.unitIsOpen = true, .isPair = true} << false;
-        QTest::newRow("an update has begun")
-            << Situation{.unitIsOpen = true, .updateHasBegun = true} << false;
-        QTest::newRow("a log has begun") << Situation{.unitIsOpen = true, .logHasBegun = true} << false;
-        QTest::newRow("the server may still answer")
-            << Situation{.unitIsOpen = true, .answerIsAwaited = true} << false;
+        const Rows<Situation, bool> row("now", "isAllowed");
+        row("a single unit", {.unitIsOpen = true}, true);
+        row("no unit", {}, false);
+        row("a pair of decks", {.unitIsOpen = true, .isPair = true}, false);
+        row("an update has begun", {.unitIsOpen = true, .updateHasBegun = true}, false);
+        row("a log has begun", {.unitIsOpen = true, .logHasBegun = true}, false);
+        row("the server may still answer", {.unitIsOpen = true, .answerIsAwaited = true}, false);
     }
     void situation()
     {

@@ -1,6 +1,7 @@
 #include "log/logprotocol.h"
 
 #include "tests/support/models.h"
+#include "tests/support/rows.h"
 
 #include <QtTest>
 
@@ -36,11 +37,9 @@ class TestLogProtocol : public QObject
 private slots:
     void requestOfEachModel_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QByteArray>("expected");
+        const Rows<int, QByteArray> row("type", "expected");
         for (const models::Model& model : models::all)
-            QTest::newRow(model.option)
-                << int{model.type} << outputWith({{model.command(), 0x10}, {model.command() + 1, 0x01}});
+            row(model.option, model.type, outputWith({{model.command(), 0x10}, {model.command() + 1, 0x01}}));
         for (const int type : {-1, models::count})
             QTest::addRow("type %d, no model: bytes 1 and 2", type)
                 << type << outputWith({{1, 0x10}, {2, 0x01}});
@@ -70,12 +69,11 @@ private slots:
 
     void header_data()
     {
-        QTest::addColumn<QByteArray>("count");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("three") << QByteArray::fromHex("00000003") << 3;
-        QTest::newRow("most significant byte first") << QByteArray::fromHex("01020304") << 0x01020304;
-        QTest::newRow("largest positive") << QByteArray::fromHex("7fffffff") << 0x7FFFFFFF;
-        QTest::newRow("top bit set: negative") << QByteArray::fromHex("ffffffff") << -1;
+        const Rows<QByteArray, int> row("count", "expected");
+        row("three", QByteArray::fromHex("00000003"), 3);
+        row("most significant byte first", QByteArray::fromHex("01020304"), 0x01020304);
+        row("largest positive", QByteArray::fromHex("7fffffff"), 0x7FFFFFFF);
+        row("top bit set: negative", QByteArray::fromHex("ffffffff"), -1);
     }
     void header()
     {

@@ -1,5 +1,6 @@
 #include "net/catalogue.h"
 #include "tests/support/models.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QLocale>
@@ -60,11 +61,7 @@ private slots:
 
 void TestCatalogue::parses_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<Entries>("entries");
-    const auto row = [](const char* name, const QByteArray& bytes, const Entries& entries) {
-        QTest::newRow(name) << bytes << entries;
-    };
+    const Rows<QByteArray, Entries> row("bytes", "entries");
     row("nothing", "", {});
     row("one line", "HB4Ver=27\n", {{"HB4Ver", "27"}});
     row("last line without its end", "HB4Ver=27", {{"HB4Ver", "27"}});
@@ -90,13 +87,12 @@ void TestCatalogue::parses()
 
 void TestCatalogue::carriageReturnsVanish_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("none") << QByteArray("A=1\n") << QByteArray("A=1\n");
-    QTest::newRow("before the line end") << QByteArray("A=27\r\nB=2\r\n") << QByteArray("A=27\nB=2\n");
-    QTest::newRow("within a line") << QByteArray("A\r=\r1\r\n") << QByteArray("A=1\n");
-    QTest::newRow("several") << QByteArray("\r\r\r") << QByteArray("");
-    QTest::newRow("behind a NUL byte") << QByteArray("A\0\rB", 4) << QByteArray("A\0B", 3);
+    const Rows<QByteArray, QByteArray> row("bytes", "kept");
+    row("none", "A=1\n", "A=1\n");
+    row("before the line end", "A=27\r\nB=2\r\n", "A=27\nB=2\n");
+    row("within a line", "A\r=\r1\r\n", "A=1\n");
+    row("several", "\r\r\r", "");
+    row("behind a NUL byte", QByteArray("A\0\rB", 4), QByteArray("A\0B", 3));
 }
 
 void TestCatalogue::carriageReturnsVanish()
@@ -133,11 +129,10 @@ void TestCatalogue::findsNothingForAnotherModel()
 
 void TestCatalogue::stemOfModel_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<QString>("stem");
+    const Rows<UnitType, QString> row("type", "stem");
     for (const models::Model& model : models::all)
-        QTest::newRow(model.option) << model.type << QString(model.stem);
-    QTest::newRow("no model") << static_cast<UnitType>(models::count) << "HB2";
+        row(model.option, model.type, QString(model.stem));
+    row("no model", static_cast<UnitType>(models::count), "HB2");
 }
 
 void TestCatalogue::stemOfModel()
@@ -149,15 +144,8 @@ void TestCatalogue::stemOfModel()
 
 void TestCatalogue::decides_data()
 {
-    QTest::addColumn<QString>("updater");
-    QTest::addColumn<QString>("firmware");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<Decision>("decision");
+    const Rows<QString, QString, QString, Decision> row("updater", "firmware", "unit", "decision");
     const QString zero = "0";
-    const auto row = [](const char* name, const QString& updater, const char* firmware, const char* unit,
-                        Decision decision) {
-        QTest::newRow(name) << updater << firmware << unit << decision;
-    };
     row("newer firmware", updater::own, "28", "23", Decision::newerFirmware);
     row("same firmware", updater::own, "27", "27", Decision::upToDate);
     row("older firmware", updater::own, "27", "30", Decision::upToDate);
@@ -196,14 +184,13 @@ void TestCatalogue::decides()
 
 void TestCatalogue::missingValue_data()
 {
-    QTest::addColumn<int>("value");
-    QTest::addColumn<Decision>("decision");
-    QTest::newRow("firmware version") << 0 << Decision::incomplete;
-    QTest::newRow("image address") << 1 << Decision::incomplete;
-    QTest::newRow("change log address") << 2 << Decision::incomplete;
-    QTest::newRow("updater version") << 3 << Decision::incomplete;
-    QTest::newRow("updater address") << 4 << Decision::incomplete;
-    QTest::newRow("the updater's change log address is not needed") << 5 << Decision::newerUpdater;
+    const Rows<int, Decision> row("value", "decision");
+    row("firmware version", 0, Decision::incomplete);
+    row("image address", 1, Decision::incomplete);
+    row("change log address", 2, Decision::incomplete);
+    row("updater version", 3, Decision::incomplete);
+    row("updater address", 4, Decision::incomplete);
+    row("the updater's change log address is not needed", 5, Decision::newerUpdater);
 }
 
 void TestCatalogue::missingValue()
@@ -219,20 +206,19 @@ void TestCatalogue::missingValue()
 
 void TestCatalogue::requiredDigest_data()
 {
-    QTest::addColumn<QString>("digest");
-    QTest::addColumn<bool>("isGood");
+    const Rows<QString, bool> row("digest", "isGood");
     const QString good = "0123456789abcdef0123456789ABCDEFfedcba9876543210FEDCBA9876543210";
-    QTest::newRow("64 digits") << good << true;
-    QTest::newRow("none") << QString() << false;
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("63 digits") << good.mid(1) << false;
-    QTest::newRow("65 digits") << good + '0' << false;
-    QTest::newRow("g is none") << good.mid(1) + 'g' << false;
-    QTest::newRow("the first is a G") << 'G' + good.mid(1) << false;
-    QTest::newRow("a blank behind them") << good + ' ' << false;
-    QTest::newRow("a line end behind them") << good + '\n' << false;
-    QTest::newRow("a blank instead of the first") << ' ' + good.mid(1) << false;
-    QTest::newRow("a digit of another script") << good.mid(1) + QChar(0x0661) << false;
+    row("64 digits", good, true);
+    row("none", {}, false);
+    row("empty", "", false);
+    row("63 digits", good.mid(1), false);
+    row("65 digits", good + '0', false);
+    row("g is none", good.mid(1) + 'g', false);
+    row("the first is a G", 'G' + good.mid(1), false);
+    row("a blank behind them", good + ' ', false);
+    row("a line end behind them", good + '\n', false);
+    row("a blank instead of the first", ' ' + good.mid(1), false);
+    row("a digit of another script", good.mid(1) + QChar(0x0661), false);
 }
 
 /// Nobody demands it but a program with a key.
@@ -255,26 +241,25 @@ void TestCatalogue::digestOfAnImage()
 
 void TestCatalogue::number_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("value");
-    QTest::newRow("whole") << "27" << 27.0;
-    QTest::newRow("fraction") << "1.05" << 1.05;
-    QTest::newRow("leading noughts") << "007" << 7.0;
-    QTest::newRow("point last") << "27." << 27.0;
-    QTest::newRow("point first") << ".5" << 0.5;
-    QTest::newRow("signs") << "+3" << 3.0;
-    QTest::newRow("negative") << "-3" << -3.0;
-    QTest::newRow("exponent") << "1e2" << 100.0;
-    QTest::newRow("half an exponent") << "1e" << 1.0;
-    QTest::newRow("something behind it") << "27=x" << 27.0;
-    QTest::newRow("second point") << "1.2.3" << 1.2;
-    QTest::newRow("comma") << "27,5" << 27.0;
-    QTest::newRow("blanks before it") << "  27" << 27.0;
-    QTest::newRow("letters first") << "v27" << 0.0;
-    QTest::newRow("empty") << "" << 0.0;
-    QTest::newRow("point only") << "." << 0.0;
-    QTest::newRow("no infinity") << "inf" << 0.0;
-    QTest::newRow("no nan") << "nan" << 0.0;
+    const Rows<QString, double> row("text", "value");
+    row("whole", "27", 27.0);
+    row("fraction", "1.05", 1.05);
+    row("leading noughts", "007", 7.0);
+    row("point last", "27.", 27.0);
+    row("point first", ".5", 0.5);
+    row("signs", "+3", 3.0);
+    row("negative", "-3", -3.0);
+    row("exponent", "1e2", 100.0);
+    row("half an exponent", "1e", 1.0);
+    row("something behind it", "27=x", 27.0);
+    row("second point", "1.2.3", 1.2);
+    row("comma", "27,5", 27.0);
+    row("blanks before it", "  27", 27.0);
+    row("letters first", "v27", 0.0);
+    row("empty", "", 0.0);
+    row("point only", ".", 0.0);
+    row("no infinity", "inf", 0.0);
+    row("no nan", "nan", 0.0);
 }
 
 void TestCatalogue::number()

@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/models.h"
+#include "tests/support/rows.h"
 
 #include <QTimer>
 #include <QtTest>
@@ -61,18 +62,14 @@ void TestCheckUpdate::init()
 
 void TestCheckUpdate::requestBytes_data()
 {
-    QTest::addColumn<Request>("request");
-    QTest::addColumn<QByteArray>("requestLine");
-    QTest::addColumn<QByteArray>("host");
+    const Rows<Request, QByteArray, QByteArray> row("request", "requestLine", "host");
     const QByteArray own = "127.0.0.1:" + QByteArray::number(scene.server.port());
-    QTest::newRow("catalogue, through the system's proxy")
-        << Request::catalogue
-        << QByteArray("GET http://updates.talvex.example/wp-content/uploads/versions.txt HTTP/1.1")
-        << QByteArray("updates.talvex.example");
-    QTest::newRow("change log") << Request::changeLog << QByteArray("GET /logs/HB4.txt HTTP/1.1") << own;
-    QTest::newRow("updater's change log")
-        << Request::mainChangeLog << QByteArray("GET /logs/updater.txt HTTP/1.1") << own;
-    QTest::newRow("image") << Request::image << QByteArray("GET /bin/HB4.sb HTTP/1.1") << own;
+    row("catalogue, through the system's proxy", Request::catalogue,
+        "GET http://updates.talvex.example/wp-content/uploads/versions.txt HTTP/1.1",
+        "updates.talvex.example");
+    row("change log", Request::changeLog, "GET /logs/HB4.txt HTTP/1.1", own);
+    row("updater's change log", Request::mainChangeLog, "GET /logs/updater.txt HTTP/1.1", own);
+    row("image", Request::image, "GET /bin/HB4.sb HTTP/1.1", own);
 }
 
 /// Of the five headers, four are the toolkit's own; whatever else were added shows.
@@ -91,34 +88,28 @@ void TestCheckUpdate::requestBytes()
 
 void TestCheckUpdate::outcome_data()
 {
-    QTest::addColumn<Changes>("changes");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<QStringList>("events");
-    QTest::addColumn<QStringList>("paths");
-    const auto row = [](const char* name, const Changes& changes, const char* version,
-                        const QStringList& events, const QStringList& furtherPaths = {}) {
-        QTest::newRow(name) << changes << version << events << QStringList{cataloguePath} + furtherPaths;
-    };
+    const Rows<Changes, QString, QStringList, QStringList> row("changes", "version", "events",
+                                                               "furtherPaths");
     row("newer firmware", {}, "23", {offer}, {changeLogPath});
-    row("same firmware", {}, "27", {upToDate});
-    row("older firmware", {}, "30", {upToDate});
+    row("same firmware", {}, "27", {upToDate}, {});
+    row("older firmware", {}, "30", {upToDate}, {});
     row("newer updater", {{"MainVer", updater::next}}, "30", {updaterOffer}, {mainChangeLogPath});
     row("newer updater and newer firmware", {{"MainVer", updater::next}}, "23", {updaterOffer},
         {mainChangeLogPath});
-    row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", incomplete);
-    row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", incomplete);
-    row("no firmware version", {{"HB4Ver", {}}}, "23", incomplete);
-    row("empty firmware version", {{"HB4Ver", ""}}, "23", incomplete);
-    row("no image address", {{"HB4Bin", {}}}, "23", incomplete);
-    row("no change log address", {{"HB4ChangeLog", {}}}, "30", incomplete);
-    row("no updater version", {{"MainVer", {}}}, "30", incomplete);
-    row("no updater address", {{"MacMainBin", {}}}, "30", incomplete);
+    row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", incomplete, {});
+    row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", incomplete, {});
+    row("no firmware version", {{"HB4Ver", {}}}, "23", incomplete, {});
+    row("empty firmware version", {{"HB4Ver", ""}}, "23", incomplete, {});
+    row("no image address", {{"HB4Bin", {}}}, "23", incomplete, {});
+    row("no change log address", {{"HB4ChangeLog", {}}}, "30", incomplete, {});
+    row("no updater version", {{"MainVer", {}}}, "30", incomplete, {});
+    row("no updater address", {{"MacMainBin", {}}}, "30", incomplete, {});
     row("no updater address, newer updater", {{"MacMainBin", {}}, {"MainVer", updater::next}}, "30",
-        incomplete);
-    row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate});
+        incomplete, {});
+    row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate}, {});
     row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", updater::next}}, "30",
-        told::badAddress());
-    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", told::badAddress());
+        told::badAddress(), {});
+    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", told::badAddress(), {});
 }
 
 void TestCheckUpdate::outcome()
@@ -126,12 +117,13 @@ void TestCheckUpdate::outcome()
     QFETCH(Changes, changes);
     QFETCH(QString, version);
     QFETCH(QStringList, events);
+    QFETCH(QStringList, furtherPaths);
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue(changes)));
     scene.checker->setCurVersion(version);
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
-    QTEST(scene.server.paths(), "paths");
+    QCOMPARE(scene.server.paths(), QStringList{cataloguePath} + furtherPaths);
 }
 
 void TestCheckUpdate::takesOverWhatItFinds()
@@ -173,10 +165,9 @@ void TestCheckUpdate::lineEndsDoNotMatter()
 
 void TestCheckUpdate::model_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<QString>("version");
+    const Rows<UnitType, QString> row("type", "version");
     for (const models::Model& model : models::all)
-        QTest::newRow(model.option) << model.type << QString(model.stem) + "'s own";
+        row(model.option, model.type, QString(model.stem) + "'s own");
 }
 
 /// Every model finds its own entries in one catalogue that holds all of them.
@@ -228,13 +219,11 @@ void TestCheckUpdate::versionByteIsNotCompared()
 
 void TestCheckUpdate::size_data()
 {
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<int>("carriageReturns");
-    QTest::addColumn<QStringList>("events");
-    QTest::newRow("10245 bytes") << 10245 << 0 << QStringList{upToDate};
-    QTest::newRow("10246 bytes") << 10246 << 0 << oversized + QStringList{upToDate};
-    QTest::newRow("10245 bytes without carriage returns") << 10245 << 50 << QStringList{upToDate};
-    QTest::newRow("much more") << 1000000 << 0 << oversized + QStringList{upToDate};
+    const Rows<int, int, QStringList> row("bytes", "carriageReturns", "events");
+    row("10245 bytes", 10245, 0, {upToDate});
+    row("10246 bytes", 10246, 0, oversized + QStringList{upToDate});
+    row("10245 bytes without carriage returns", 10245, 50, {upToDate});
+    row("much more", 1000000, 0, oversized + QStringList{upToDate});
 }
 
 void TestCheckUpdate::size()

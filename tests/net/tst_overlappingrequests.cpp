@@ -1,4 +1,5 @@
 #include "tests/net/scene.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 
@@ -41,17 +42,14 @@ void TestOverlappingRequests::init()
 
 void TestOverlappingRequests::staleLines_data()
 {
-    QTest::addColumn<QByteArray>("stale");
-    QTest::addColumn<QStringList>("events");
-    QTest::addColumn<QStringList>("ofTheChangeLog"); // when it is asked for (once more)
-    QTest::newRow("duplicate key takes the fresh value")
-        << QByteArray("HB4Ver=99\n") << QStringList{offer} << told::badAddress();
-    QTest::newRow("other keys still count") << QByteArray("HB4Ver=99\nMainVer=99\n") << QStringList{offer}
-                                            << told::badAddress(); // the fresh MainVer is our own
-    QTest::newRow("last line without its end runs into the first fresh line")
-        << QByteArray("HB4Ver=99\nremark ") << incomplete << QStringList{offer};
-    QTest::newRow("NUL byte hides what is fresh")
-        << QByteArray("HB4Ver=99\n\0\n", 12) << incomplete << told::badAddress();
+    // ofTheChangeLog: what follows when it is asked for (once more)
+    const Rows<QByteArray, QStringList, QStringList> row("stale", "events", "ofTheChangeLog");
+    row("duplicate key takes the fresh value", "HB4Ver=99\n", {offer}, told::badAddress());
+    row("other keys still count", "HB4Ver=99\nMainVer=99\n", {offer},
+        told::badAddress()); // the fresh MainVer is our own
+    row("last line without its end runs into the first fresh line", "HB4Ver=99\nremark ", incomplete,
+        {offer});
+    row("NUL byte hides what is fresh", QByteArray("HB4Ver=99\n\0\n", 12), incomplete, told::badAddress());
 }
 
 /// A first answer is cut short; what arrived of it stands before the second answer.

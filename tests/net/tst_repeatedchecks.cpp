@@ -1,6 +1,7 @@
 #include "net/catalogue.h"
 #include "tests/net/signedscene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QTimer>
@@ -31,13 +32,12 @@ private:
 
 void TestRepeatedChecks::failedCheckLeavesNothing_data()
 {
-    QTest::addColumn<Answer>("catalogueAnswer");
-    QTest::addColumn<Answer>("signatureAnswer");
+    const Rows<Answer, Answer> row("catalogueAnswer", "signatureAnswer");
     const QByteArray tempting = "HB4Ver=99\n";
-    QTest::newRow("catalogue cut short") << Answer{{announced(999, tempting)}} << ok("");
-    QTest::newRow("no signature") << ok(tempting) << Answer{{httpAnswer("404 Not Found", "no")}};
-    QTest::newRow("bad signature") << ok(tempting) << ok(scene.stranger.sign(tempting));
-    QTest::newRow("signed, but incomplete") << ok(tempting) << ok(scene.signer.sign(tempting));
+    row("catalogue cut short", {{announced(999, tempting)}}, ok(""));
+    row("no signature", ok(tempting), {{httpAnswer("404 Not Found", "no")}});
+    row("bad signature", ok(tempting), ok(scene.stranger.sign(tempting)));
+    row("signed, but incomplete", ok(tempting), ok(scene.signer.sign(tempting)));
 }
 
 /// The next check judges and uses its own bytes alone.

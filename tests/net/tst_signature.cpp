@@ -1,4 +1,5 @@
 #include "net/signature.h"
+#include "tests/support/rows.h"
 #include "tests/support/signer.h"
 
 #include <QtTest>
@@ -94,23 +95,22 @@ void TestSignature::initTestCase()
 
 void TestSignature::key_data()
 {
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<bool>("isKey");
+    const Rows<QByteArray, bool> row("line", "isKey");
     const QByteArray line = signer.publicKey();
     const QByteArray decoded = QByteArray::fromBase64(line);
-    QTest::newRow("a key") << line << true;
-    QTest::newRow("nothing") << QByteArray() << false;
-    QTest::newRow("a character too few") << line.chopped(1) << false;
-    QTest::newRow("a byte too few") << decoded.chopped(1).toBase64() << false;
-    QTest::newRow("a byte too many") << (decoded + 'x').toBase64() << false;
-    QTest::newRow("four characters too many") << line + "AAAA" << false;
-    QTest::newRow("padded") << line + "=" << false;
-    QTest::newRow("a line end behind it") << line + "\n" << false;
-    QTest::newRow("a blank before it") << " " + line << false;
-    QTest::newRow("no base64") << line.left(20) + "!" + line.mid(21) << false;
-    QTest::newRow("the other base64's letter") << line.left(20) + "_" + line.mid(21) << false;
-    QTest::newRow("label of a signature") << ("ED" + decoded.mid(2)).toBase64() << false;
-    QTest::newRow("the key file's comment") << QByteArray("untrusted comment: minisign public key") << false;
+    row("a key", line, true);
+    row("nothing", {}, false);
+    row("a character too few", line.chopped(1), false);
+    row("a byte too few", decoded.chopped(1).toBase64(), false);
+    row("a byte too many", (decoded + 'x').toBase64(), false);
+    row("four characters too many", line + "AAAA", false);
+    row("padded", line + "=", false);
+    row("a line end behind it", line + "\n", false);
+    row("a blank before it", " " + line, false);
+    row("no base64", line.left(20) + "!" + line.mid(21), false);
+    row("the other base64's letter", line.left(20) + "_" + line.mid(21), false);
+    row("label of a signature", ("ED" + decoded.mid(2)).toBase64(), false);
+    row("the key file's comment", "untrusted comment: minisign public key", false);
 }
 
 void TestSignature::key()
@@ -190,11 +190,7 @@ void TestSignature::anyContent()
 
 void TestSignature::refused_data()
 {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("fault");
-    const auto row = [](const char* name, const QByteArray& file, const char* fault) {
-        QTest::newRow(name) << file << QString(fault);
-    };
+    const Rows<QByteArray, QString> row("file", "fault");
     const QByteArrayList lines = digest.split('\n');
     const auto relabelled = [this](Kind kind, const char* label) {
         return withDecodedLine(file(kind), first, label + decodedLine(file(kind), first).mid(2));

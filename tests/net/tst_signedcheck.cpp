@@ -1,4 +1,5 @@
 #include "tests/net/signedscene.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QTimer>
@@ -79,11 +80,7 @@ void TestSignedCheck::requestBytes()
 
 void TestSignedCheck::outcome_data()
 {
-    QTest::addColumn<Changes>("changes");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<QStringList>("events");
-    const auto row = [](const char* name, const Changes& changes, const char* version,
-                        const QStringList& events) { QTest::newRow(name) << changes << version << events; };
+    const Rows<Changes, QString, QStringList> row("changes", "version", "events");
     row("newer firmware", {}, "23", {signedOffer});
     row("same firmware", {}, "27", {upToDate});
     row("an old catalogue", {{"HB4Ver", "20"}}, "23", {upToDate});
@@ -112,13 +109,9 @@ void TestSignedCheck::outcome()
 
 void TestSignedCheck::goodAnswers_data()
 {
-    QTest::addColumn<Answer>("catalogueAnswer");
-    QTest::addColumn<Answer>("signatureAnswer");
+    const Rows<Answer, Answer> row("catalogueAnswer", "signatureAnswer");
     const QByteArray plain = scene.signable();
     const QByteArray signature = scene.signer.sign(plain);
-    const auto row = [](const char* name, const Answer& first, const Answer& second) {
-        QTest::newRow(name) << first << second;
-    };
     row("ED", ok(plain), ok(signature));
     row("Ed", ok(plain), ok(scene.signer.sign(plain, Signer::Kind::whole)));
     row("catalogue with CRLF", ok(withCrlf(plain)), ok(scene.signer.sign(withCrlf(plain))));
@@ -150,15 +143,10 @@ void TestSignedCheck::goodAnswers()
 
 void TestSignedCheck::refused_data()
 {
-    QTest::addColumn<Answer>("catalogueAnswer");
-    QTest::addColumn<Answer>("signatureAnswer");
-    QTest::addColumn<QString>("fault");
+    const Rows<Answer, Answer, QString> row("catalogueAnswer", "signatureAnswer", "fault");
     const QByteArray plain = scene.signable();
     const QByteArray signature = scene.signer.sign(plain);
     const QByteArray page = "<html>\n<body>\nPlease sign in.\n</body>\n</html>\n";
-    const auto row = [](const char* name, const Answer& first, const Answer& second, const QString& fault) {
-        QTest::newRow(name) << first << second << fault;
-    };
     row("catalogue with another version", ok(scene.signable({{"HB4Ver", "28"}})), ok(signature), differs);
     row("catalogue with a line more", ok(plain + "HB4Ver=28\n"), ok(signature), differs);
     row("catalogue with other line ends", ok(withCrlf(plain)), ok(signature), differs);

@@ -2,6 +2,7 @@
 #ifdef Q_OS_LINUX
 #include "tests/support/httpthreads.h"
 #endif
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QAuthenticator>
@@ -142,12 +143,7 @@ void TestUpdateChecker::settersOnlyStore()
 
 void TestUpdateChecker::progress_data()
 {
-    QTest::addColumn<qint64>("done");
-    QTest::addColumn<qint64>("total");
-    QTest::addColumn<int>("percent");
-    const auto row = [](const char* name, qint64 done, qint64 total, int percent) {
-        QTest::newRow(name) << done << total << percent;
-    };
+    const Rows<qint64, qint64, int> row("done", "total", "percent");
     row("half", 512, 1024, 50);
     row("a third is truncated", 1, 3, 33);
     row("almost all", 14999999, 15000000, 99);
@@ -172,15 +168,12 @@ void TestUpdateChecker::progress()
 
 void TestUpdateChecker::announcedSize_data()
 {
-    QTest::addColumn<qint64>("done");
-    QTest::addColumn<qint64>("total");
-    QTest::addColumn<int>("percent");
-    QTest::addColumn<bool>("reported");
-    QTest::newRow("15000000 bytes") << qint64(7500000) << qint64(15000000) << 50 << false;
-    QTest::newRow("15000001 bytes") << qint64(7500001) << qint64(15000001) << 50 << true;
-    QTest::newRow("much more") << qint64(4000000000) << qint64(8000000000) << 50 << true;
-    QTest::newRow("a lying server's most")
-        << std::numeric_limits<qint64>::max() << std::numeric_limits<qint64>::max() << 100 << true;
+    const Rows<qint64, qint64, int, bool> row("done", "total", "percent", "reported");
+    row("15000000 bytes", 7500000, 15000000, 50, false);
+    row("15000001 bytes", 7500001, 15000001, 50, true);
+    row("much more", 4000000000, 8000000000, 50, true);
+    row("a lying server's most", std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::max(), 100,
+        true);
 }
 
 void TestUpdateChecker::announcedSize()

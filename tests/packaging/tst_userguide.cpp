@@ -1,5 +1,6 @@
 // The user's guide says what the program says: its quotations are bold.
 
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "unit/unittype.h"
 
@@ -115,8 +116,7 @@ void tst_userguide::quotation()
 
 void tst_userguide::everyText_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("quotations");
+    const Rows<QString, QStringList> row("text", "quotations");
     const QMap<QString, QString> boxes = programTexts("// boxes", "\\} // namespace text");
     QVERIFY(boxes.contains("notFound"));
     const QString table = matches(guide(), "## What the messages mean(.*?)\n## ").value(0);

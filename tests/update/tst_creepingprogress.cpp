@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferstate.h"
@@ -44,16 +45,15 @@ void TestCreepingProgress::startsAtNothing()
 
 void TestCreepingProgress::barAfterTicks_data()
 {
-    QTest::addColumn<int>("ticks");
-    QTest::addColumn<int>("bar");
-    QTest::newRow("first tick: not yet") << 1 << -1;
-    QTest::newRow("second tick: 0") << 2 << 0;
-    QTest::newRow("third tick: no step") << 3 << 0;
-    QTest::newRow("fourth tick: 1") << 4 << 1;
-    QTest::newRow("twenty ticks") << 20 << 9;
-    QTest::newRow("one tick before the last step") << 199 << 98;
-    QTest::newRow("the last step") << 200 << 99;
-    QTest::newRow("no step beyond 99") << 1000 << 99;
+    const Rows<int, int> row("ticks", "bar");
+    row("first tick: not yet", 1, -1);
+    row("second tick: 0", 2, 0);
+    row("third tick: no step", 3, 0);
+    row("fourth tick: 1", 4, 1);
+    row("twenty ticks", 20, 9);
+    row("one tick before the last step", 199, 98);
+    row("the last step", 200, 99);
+    row("no step beyond 99", 1000, 99);
 }
 
 void TestCreepingProgress::barAfterTicks()

@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QTimer>
@@ -93,21 +94,19 @@ void TestFirmwareDownload::leavesNothingInMemory()
 
 void TestFirmwareDownload::answer_data()
 {
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<QByteArray>("stored");
+    const Rows<Answer, QByteArray> row("answer", "stored");
     const QByteArray small("\0firm\r\nware\n", 12);
-    QTest::newRow("whole") << ok(image) << image;
-    QTest::newRow("drop by drop") << Answer{drops(httpAnswer("200 OK", small)), End::keepOpen} << small;
-    QTest::newRow("chunked") << Answer{{inChunks(image, 999)}, End::keepOpen} << image;
-    QTest::newRow("no length, then closed") << Answer{{unannounced(image)}} << image;
-    QTest::newRow("more than announced") << Answer{{httpAnswer("200 OK", image) + "and more"}} << image;
-    QTest::newRow("as an image of some kind")
-        << ok(image, {"Content-Type: application/octet-stream"}) << image;
-    QTest::newRow("as plain text") << ok(image, {"Content-Type: text/plain"}) << image;
-    QTest::newRow("an encoding that is none") << ok(image, {"Content-Encoding: identity"}) << image;
-    QTest::newRow("none, in capital letters") << ok(image, {"CONTENT-ENCODING: Identity"}) << image;
-    QTest::newRow("none, between blanks") << ok(image, {"Content-Encoding: \t identity \t "}) << image;
-    QTest::newRow("nothing in it") << ok("") << QByteArray("");
+    row("whole", ok(image), image);
+    row("drop by drop", {drops(httpAnswer("200 OK", small)), End::keepOpen}, small);
+    row("chunked", {{inChunks(image, 999)}, End::keepOpen}, image);
+    row("no length, then closed", {{unannounced(image)}}, image);
+    row("more than announced", {{httpAnswer("200 OK", image) + "and more"}}, image);
+    row("as an image of some kind", ok(image, {"Content-Type: application/octet-stream"}), image);
+    row("as plain text", ok(image, {"Content-Type: text/plain"}), image);
+    row("an encoding that is none", ok(image, {"Content-Encoding: identity"}), image);
+    row("none, in capital letters", ok(image, {"CONTENT-ENCODING: Identity"}), image);
+    row("none, between blanks", ok(image, {"Content-Encoding: \t identity \t "}), image);
+    row("nothing in it", ok(""), "");
 }
 
 void TestFirmwareDownload::answer()

@@ -2,6 +2,7 @@
 #include "tests/support/faultycalls.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QDir>
@@ -57,10 +58,8 @@ void TestFirmwareSaving::init()
 
 void TestFirmwareSaving::cannotBeSaved_data()
 {
-    QTest::addColumn<Trouble>("trouble");
-    QTest::addColumn<bool>("hadImage");
-    QTest::addColumn<QStringList>("events");
-    QTest::addColumn<QByteArray>("left"); // as the image
+    // left: as the image
+    const Rows<Trouble, bool, QStringList, QByteArray> row("trouble", "hadImage", "events", "left");
     const QStringList lost = notSaved + imageMissing + QStringList{done};
     const QStringList kept = notSaved + QStringList{done};
     const Trouble noDownload = [] { QVERIFY(QDir().mkpath(downloadOf(imageName()) + "/inside")); };
@@ -77,19 +76,15 @@ void TestFirmwareSaving::cannotBeSaved_data()
         full();
         noBackup();
     };
-    const auto row = [](const char* name, const Trouble& trouble, bool hadImage, const QStringList& events,
-                        const QByteArray& left = {}) {
-        QTest::newRow(name) << trouble << hadImage << events << left;
-    };
-    row("file cannot be created, first download", noDownload, false, lost);
-    row("file cannot be created", noDownload, true, lost);
-    row("disk is full, first download", full, false, lost);
-    row("disk is full", full, true, lost);
-    row("disk is broken", broken, true, lost);
+    row("file cannot be created, first download", noDownload, false, lost, none);
+    row("file cannot be created", noDownload, true, lost, none);
+    row("disk is full, first download", full, false, lost, none);
+    row("disk is full", full, true, lost, none);
+    row("disk is broken", broken, true, lost, none);
     row("image cannot become the backup", noBackup, true, kept, previous);
     row("disk is full and image cannot become the backup", fullAndNoBackup, true, kept, previous);
-    row("download cannot become the image", noRename(2), true, lost);
-    row("download cannot become the image, first download", noRename(1), false, lost);
+    row("download cannot become the image", noRename(2), true, lost, none);
+    row("download cannot become the image, first download", noRename(1), false, lost, none);
 }
 
 /// Told once for the save, once more for the missing image; the previous image is never offered as the new

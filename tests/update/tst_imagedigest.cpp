@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QCryptographicHash>
@@ -74,12 +75,8 @@ void TestImageDigest::checkAndDownload(const QMap<QString, QString>& changes, co
 
 void TestImageDigest::digest_data()
 {
-    QTest::addColumn<QString>("digest");
-    QTest::addColumn<QStringList>("events");
+    const Rows<QString, QStringList> row("digest", "events");
     const QString good = sha256(image);
-    const auto row = [](const char* name, const QString& digest, const QStringList& events) {
-        QTest::newRow(name) << digest << events;
-    };
     row("none", {}, {done});
     row("empty", "", {done});
     row("lower case", good, {done});
@@ -113,15 +110,14 @@ void TestImageDigest::digest()
 
 void TestImageDigest::answer_data()
 {
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<bool>("isGood");
-    QTest::newRow("whole") << ok(image) << true;
-    QTest::newRow("in chunks") << Answer{{inChunks(image, 999)}} << true;
-    QTest::newRow("cut short by a wrong length") << Answer{{announced(image.size() - 1, image)}} << false;
-    QTest::newRow("cut short, without a length") << Answer{{unannounced(image.chopped(1))}} << false;
-    QTest::newRow("with a byte more") << ok(image + 'x') << false;
-    QTest::newRow("with another byte") << ok("N" + image.mid(1)) << false;
-    QTest::newRow("nothing in it") << ok("") << false;
+    const Rows<Answer, bool> row("answer", "isGood");
+    row("whole", ok(image), true);
+    row("in chunks", {{inChunks(image, 999)}}, true);
+    row("cut short by a wrong length", {{announced(image.size() - 1, image)}}, false);
+    row("cut short, without a length", {{unannounced(image.chopped(1))}}, false);
+    row("with a byte more", ok(image + 'x'), false);
+    row("with another byte", ok("N" + image.mid(1)), false);
+    row("nothing in it", ok(""), false);
 }
 
 void TestImageDigest::answer()

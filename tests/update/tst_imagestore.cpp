@@ -1,6 +1,7 @@
 #include "tests/support/faultycalls.h"
 #include "tests/support/filesizelimit.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "update/imagestore.h"
 
@@ -26,6 +27,7 @@ const QByteArray previous(50000, 'p');
 const QByteArray fresh = QByteArray(60000, 'f') + '\0' + QByteArray(1234, 'g');
 
 } // namespace
+Q_DECLARE_METATYPE(Call)
 Q_DECLARE_METATYPE(ImageFiles)
 
 class TestImageStore : public QObject
@@ -77,11 +79,7 @@ void TestImageStore::place(const ImageFiles& files) const
 
 void TestImageStore::stores_data()
 {
-    QTest::addColumn<ImageFiles>("before");
-    QTest::addColumn<ImageFiles>("after");
-    const auto row = [](const char* text, const ImageFiles& before, const ImageFiles& after) {
-        QTest::newRow(text) << before << after;
-    };
+    const Rows<ImageFiles, ImageFiles> row("before", "after");
     row("first download", {}, {fresh, none, none});
     row("second download", {previous, none, none}, {fresh, none, previous});
     row("third download", {previous, none, older}, {fresh, none, previous});
@@ -147,25 +145,22 @@ void TestImageStore::linkIsNotFollowed()
 
 void TestImageStore::diskRefuses_data()
 {
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("disk is full") << int(Call::write) << ENOSPC << fresh;
-    QTest::newRow("disk is broken") << int(Call::write) << EIO << fresh;
-    QTest::newRow("shows only when the buffer is flushed")
-        << int(Call::write) << EFBIG << QByteArray("small");
-    QTest::newRow("shows only when the bytes go to the disk") << int(Call::fsync) << EIO << fresh;
+    const Rows<Call, int, QByteArray> row("call", "error", "bytes");
+    row("disk is full", Call::write, ENOSPC, fresh);
+    row("disk is broken", Call::write, EIO, fresh);
+    row("shows only when the buffer is flushed", Call::write, EFBIG, "small");
+    row("shows only when the bytes go to the disk", Call::fsync, EIO, fresh);
 }
 
 /// Nothing of the download is left, the image is untouched.
 void TestImageStore::diskRefuses()
 {
-    QFETCH(int, call);
+    QFETCH(Call, call);
     QFETCH(int, error);
     QFETCH(QByteArray, bytes);
     place({previous, none, none});
     const ImageStore store(name);
-    faultycalls::fail(static_cast<Call>(call), 1, error);
+    faultycalls::fail(call, 1, error);
     QVERIFY(!store.writeDownload(bytes));
     QCOMPARE(found(), (ImageFiles{previous, none, none}));
 }

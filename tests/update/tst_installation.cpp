@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferstate.h"
@@ -198,10 +199,9 @@ void TestInstallation::ignored()
 
 void TestInstallation::placeOfTheStatus_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<int>("index");
-    QTest::newRow("older family: not at 60") << UNIT_HB4 << 60;
-    QTest::newRow("player: not in front") << UNIT_PLT65 << 0;
+    const Rows<UnitType, int> row("type", "index");
+    row("older family: not at 60", UNIT_HB4, 60);
+    row("player: not in front", UNIT_PLT65, 0);
 }
 
 void TestInstallation::placeOfTheStatus()
@@ -241,14 +241,12 @@ void TestInstallation::pairIsPolledInOrder()
 
 void TestInstallation::pair_data()
 {
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("second");
-    QTest::addColumn<bool>("isStarted");
-    QTest::newRow("both started") << 0xE0 << 0xE0 << true;
-    QTest::newRow("the second one's status counts") << 0x00 << 0xE0 << true;
-    QTest::newRow("the first one's does not") << 0xE0 << 0x00 << false;
-    QTest::newRow("first alone") << 0xE0 << silent << false;
-    QTest::newRow("second alone") << silent << 0xE0 << false;
+    const Rows<int, int, bool> row("first", "second", "isStarted");
+    row("both started", 0xE0, 0xE0, true);
+    row("the second one's status counts", 0x00, 0xE0, true);
+    row("the first one's does not", 0xE0, 0x00, false);
+    row("first alone", 0xE0, silent, false);
+    row("second alone", silent, 0xE0, false);
 }
 
 void TestInstallation::pair()

@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 #include "tests/support/transferdesk.h"
@@ -132,10 +133,9 @@ private slots:
 
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes_data()
 {
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("wrong digest") << 0xC0 << text::wrongDigest;
-    QTest::newRow("rejected") << 0x70 << text::rejected;
+    const Rows<int, QString> row("status", "shown");
+    row("wrong digest", 0xC0, text::wrongDigest);
+    row("rejected", 0x70, text::rejected);
 }
 
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes()

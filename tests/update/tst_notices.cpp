@@ -1,5 +1,6 @@
 #include "net/updatechecker.h"
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/testwindow.h"
 #include "tests/support/ticks.h"
 
@@ -53,12 +54,11 @@ void TestNotices::updaterIsBeingFetched()
 
 void TestNotices::problem_data()
 {
-    QTest::addColumn<QString>("detail");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("no detail") << QString() << text::networkProblem;
-    QTest::newRow("empty detail: a line break") << QString("") << QString(text::networkProblem) + '\n';
-    QTest::newRow("detail on its own line")
-        << text::savingAdvice << QString(text::networkProblem) + '\n' + text::savingAdvice;
+    const Rows<QString, QString> row("detail", "shown");
+    row("no detail", {}, text::networkProblem);
+    row("empty detail: a line break", "", QString(text::networkProblem) + '\n');
+    row("detail on its own line", text::savingAdvice,
+        QString(text::networkProblem) + '\n' + text::savingAdvice);
 }
 
 void TestNotices::problem()

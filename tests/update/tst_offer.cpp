@@ -1,4 +1,5 @@
 #include "net/updatechecker.h"
+#include "tests/support/rows.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/testwindow.h"
 #include "tests/support/texts.h"
@@ -77,16 +78,14 @@ private slots:
 
 void TestOffer::firmwareText_data()
 {
-    QTest::addColumn<int>("current");
-    QTest::addColumn<QString>("latest");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("9 to 10") << 9 << "10" << firmwareOffer("0.9", "1.0");
-    QTest::newRow("23 to 27") << 23 << "27" << firmwareOffer("2.3", "2.7");
-    QTest::newRow("largest") << 255 << "255" << firmwareOffer("25.5", "25.5");
-    QTest::newRow("unknown unit version") << 0 << "1" << firmwareOffer("0.0", "0.1");
-    QTest::newRow("leading zeros go") << 10 << "0012" << firmwareOffer("1.0", "1.2");
-    QTest::newRow("no whole number") << 10 << "1.5" << firmwareOffer("1.0", "0.0");
-    QTest::newRow("no number") << 10 << "new" << firmwareOffer("1.0", "0.0");
+    const Rows<int, QString, QString> row("current", "latest", "text");
+    row("9 to 10", 9, "10", firmwareOffer("0.9", "1.0"));
+    row("23 to 27", 23, "27", firmwareOffer("2.3", "2.7"));
+    row("largest", 255, "255", firmwareOffer("25.5", "25.5"));
+    row("unknown unit version", 0, "1", firmwareOffer("0.0", "0.1"));
+    row("leading zeros go", 10, "0012", firmwareOffer("1.0", "1.2"));
+    row("no whole number", 10, "1.5", firmwareOffer("1.0", "0.0"));
+    row("no number", 10, "new", firmwareOffer("1.0", "0.0"));
 }
 
 void TestOffer::firmwareText()
@@ -107,12 +106,11 @@ void TestOffer::firmwareText()
 
 void TestOffer::updaterText_data()
 {
-    QTest::addColumn<QString>("latest");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("next") << updater::next << updaterOffer();
-    QTest::newRow("leading zeros go") << QString("0") + updater::next << updaterOffer();
-    QTest::newRow("more digits") << "100" << updaterOffer("0.100");
-    QTest::newRow("no number") << "new" << updaterOffer("0.0");
+    const Rows<QString, QString> row("latest", "text");
+    row("next", updater::next, updaterOffer());
+    row("leading zeros go", QString("0") + updater::next, updaterOffer());
+    row("more digits", "100", updaterOffer("0.100"));
+    row("no number", "new", updaterOffer("0.0"));
 }
 
 void TestOffer::updaterText()
@@ -160,14 +158,12 @@ void TestOffer::noChangeLog()
 
 void TestOffer::firmwareAnswer_data()
 {
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<QList<int>>("requests");
-    QTest::addColumn<bool>("startsDownload");
-    QTest::newRow("Yes") << Answer(pressYes) << QList<int>{1, 0, 0} << true;
-    QTest::newRow("Enter is Yes") << Answer(pressEnter) << QList<int>{1, 0, 0} << true;
-    QTest::newRow("No") << Answer(pressNo) << QList<int>{0, 0, 0} << false;
-    QTest::newRow("Escape is No") << Answer(pressEscape) << QList<int>{0, 0, 0} << false;
-    QTest::newRow("neither") << Answer(endTheProgram) << QList<int>{0, 0, 1} << false;
+    const Rows<Answer, QList<int>, bool> row("answer", "requests", "startsDownload");
+    row("Yes", pressYes, {1, 0, 0}, true);
+    row("Enter is Yes", pressEnter, {1, 0, 0}, true);
+    row("No", pressNo, {0, 0, 0}, false);
+    row("Escape is No", pressEscape, {0, 0, 0}, false);
+    row("neither", endTheProgram, {0, 0, 1}, false);
 }
 
 void TestOffer::firmwareAnswer()
@@ -193,13 +189,12 @@ void TestOffer::firmwareAnswer()
 
 void TestOffer::updaterAnswer_data()
 {
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<QList<int>>("requests");
-    QTest::newRow("Yes") << Answer(pressYes) << QList<int>{0, 1, 0};
-    QTest::newRow("Enter is Yes") << Answer(pressEnter) << QList<int>{0, 1, 0};
-    QTest::newRow("No") << Answer(pressNo) << QList<int>{0, 0, 0};
-    QTest::newRow("Escape is No") << Answer(pressEscape) << QList<int>{0, 0, 0};
-    QTest::newRow("neither") << Answer(endTheProgram) << QList<int>{0, 0, 1};
+    const Rows<Answer, QList<int>> row("answer", "requests");
+    row("Yes", pressYes, {0, 1, 0});
+    row("Enter is Yes", pressEnter, {0, 1, 0});
+    row("No", pressNo, {0, 0, 0});
+    row("Escape is No", pressEscape, {0, 0, 0});
+    row("neither", endTheProgram, {0, 0, 1});
 }
 
 void TestOffer::updaterAnswer()

@@ -1,6 +1,7 @@
 #include "net/updatechecker.h"
 #include "tests/support/boxlines.h"
 #include "tests/support/inside.h"
+#include "tests/support/rows.h"
 #include "tests/support/signer.h"
 #include "tests/support/testkey.h"
 #include "tests/support/texts.h"
@@ -36,15 +37,13 @@ private slots:
 
 void TestSignedImage::press_data()
 {
-    QTest::addColumn<QString>("downloaded");
-    QTest::addColumn<QByteArray>("onDisk");
-    QTest::addColumn<bool>("isSent");
-    QTest::newRow("the image downloaded") << sha256(image) << image << true;
-    QTest::newRow("its digest in capital letters") << sha256(image).toUpper() << image << true;
-    QTest::newRow("another image") << sha256(image) << imageOf(201) << false;
-    QTest::newRow("one bit of it is another") << sha256(image) << withBitFlipped(image, 1000) << false;
-    QTest::newRow("nothing was downloaded") << "" << image << false;
-    QTest::newRow("empty image") << sha256("") << QByteArray("") << false;
+    const Rows<QString, QByteArray, bool> row("downloaded", "onDisk", "isSent");
+    row("the image downloaded", sha256(image), image, true);
+    row("its digest in capital letters", sha256(image).toUpper(), image, true);
+    row("another image", sha256(image), imageOf(201), false);
+    row("one bit of it is another", sha256(image), withBitFlipped(image, 1000), false);
+    row("nothing was downloaded", "", image, false);
+    row("empty image", sha256(""), "", false);
 }
 
 void TestSignedImage::press()

@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "update/transferprotocol.h"
@@ -59,16 +60,11 @@ void TestTransfer::request_data()
     const QByteArray digestOfAbc = QByteArray("900150983cd24fb0d6963f7d28e17f72").toHex();
     const QByteArray fox = "The quick brown fox jumps over the lazy dog";
     const QByteArray digestOfFox = QByteArray("9e107d9d372bb6826bd81d3542a419d6").toHex();
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<QByteArray>("image");
-    QTest::addColumn<QByteArray>("report");
-    QTest::newRow("older family: command in front")
-        << UNIT_HB4 << QByteArray("abc") << "0080" + digestOfAbc + zeros(31);
-    QTest::newRow("older family: another image") << UNIT_HB4 << fox << "0080" + digestOfFox + zeros(31);
-    QTest::newRow("player: command at 61")
-        << UNIT_PLT70 << QByteArray("abc") << "0000" + digestOfAbc + zeros(27) + "80000000";
-    QTest::newRow("player: another image")
-        << UNIT_PLT70 << fox << "0000" + digestOfFox + zeros(27) + "80000000";
+    const Rows<UnitType, QByteArray, QByteArray> row("type", "image", "report");
+    row("older family: command in front", UNIT_HB4, "abc", "0080" + digestOfAbc + zeros(31));
+    row("older family: another image", UNIT_HB4, fox, "0080" + digestOfFox + zeros(31));
+    row("player: command at 61", UNIT_PLT70, "abc", "0000" + digestOfAbc + zeros(27) + "80000000");
+    row("player: another image", UNIT_PLT70, fox, "0000" + digestOfFox + zeros(27) + "80000000");
 }
 
 void TestTransfer::request()
@@ -220,14 +216,11 @@ void TestTransfer::fullPacketAtTheEnd()
 
 void TestTransfer::largePacketNumber_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<int>("left");
-    QTest::addColumn<int>("headerAt");
-    QTest::addColumn<QByteArray>("header");
-    QTest::newRow("older family, full packet") << UNIT_HB4 << 61 << 1 << QByteArray("00012345");
-    QTest::newRow("player, full packet") << UNIT_PLT65 << 61 << 61 << QByteArray("00012345");
-    QTest::newRow("older family, final packet: low 16 bits") << UNIT_HB4 << 10 << 1 << QByteArray("d00a2345");
-    QTest::newRow("player, final packet: low 16 bits") << UNIT_PLT65 << 10 << 61 << QByteArray("d00a2345");
+    const Rows<UnitType, int, int, QByteArray> row("type", "left", "headerAt", "header");
+    row("older family, full packet", UNIT_HB4, 61, 1, "00012345");
+    row("player, full packet", UNIT_PLT65, 61, 61, "00012345");
+    row("older family, final packet: low 16 bits", UNIT_HB4, 10, 1, "d00a2345");
+    row("player, final packet: low 16 bits", UNIT_PLT65, 10, 61, "d00a2345");
 }
 
 void TestTransfer::largePacketNumber()

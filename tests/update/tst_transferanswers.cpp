@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
@@ -66,12 +67,11 @@ void TestTransferAnswers::status()
 
 void TestTransferAnswers::placeOfTheStatus_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<int>("index");
-    QTest::newRow("older family: not at 60") << UNIT_HB4 << 60;
-    QTest::newRow("older family: not behind the first byte") << UNIT_HB4 << 1;
-    QTest::newRow("player: not in front") << UNIT_PLT65 << 0;
-    QTest::newRow("player: not at 61") << UNIT_PLT65 << 61;
+    const Rows<UnitType, int> row("type", "index");
+    row("older family: not at 60", UNIT_HB4, 60);
+    row("older family: not behind the first byte", UNIT_HB4, 1);
+    row("player: not in front", UNIT_PLT65, 0);
+    row("player: not at 61", UNIT_PLT65, 61);
 }
 
 void TestTransferAnswers::placeOfTheStatus()
@@ -90,13 +90,11 @@ void TestTransferAnswers::placeOfTheStatus()
 
 void TestTransferAnswers::shortReport_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<int>("length");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("older family: no byte at all") << UNIT_HB4 << 0 << false;
-    QTest::newRow("older family: the status alone") << UNIT_HB4 << 1 << true;
-    QTest::newRow("player: all but the header") << UNIT_PLT65 << 60 << false;
-    QTest::newRow("player: up to the status") << UNIT_PLT65 << 61 << true;
+    const Rows<UnitType, int, bool> row("type", "length", "accepted");
+    row("older family: no byte at all", UNIT_HB4, 0, false);
+    row("older family: the status alone", UNIT_HB4, 1, true);
+    row("player: all but the header", UNIT_PLT65, 60, false);
+    row("player: up to the status", UNIT_PLT65, 61, true);
 }
 
 void TestTransferAnswers::shortReport()
@@ -143,10 +141,9 @@ void TestTransferAnswers::oneReportATick()
 
 void TestTransferAnswers::refusalBeforeTheRequest_data()
 {
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("box");
-    QTest::newRow("timed out") << 0xA5 << boxline::timedOut;
-    QTest::newRow("packets skipped") << 0xB5 << boxline::skipped;
+    const Rows<int, QString> row("status", "box");
+    row("timed out", 0xA5, boxline::timedOut);
+    row("packets skipped", 0xB5, boxline::skipped);
 }
 
 /// An old refusal ends the transfer, too; the request of that very tick still goes out.

@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 #include "tests/support/wire.h"
@@ -122,11 +123,10 @@ void TestTransferFailures::unitUnpluggedInTheStream()
 
 void TestTransferFailures::behindTheEndOfTheImage_data()
 {
-    QTest::addColumn<UnitType>("type");
-    QTest::addColumn<QByteArray>("packet");
+    const Rows<UnitType, QByteArray> row("type", "packet");
     const QByteArray zeroData(120, '0');
-    QTest::newRow("older family") << UNIT_HB4 << "0000000004" + zeroData;
-    QTest::newRow("player") << UNIT_PLT65 << "00" + zeroData + "00000004";
+    row("older family", UNIT_HB4, "0000000004" + zeroData);
+    row("player", UNIT_PLT65, "00" + zeroData + "00000004");
 }
 
 /// Cannot come about by itself: the counters start anew with the final packet.

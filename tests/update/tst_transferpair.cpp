@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
@@ -63,13 +64,10 @@ void TestTransferPair::requestGoesToBoth()
 
 void TestTransferPair::requestNotTaken_data()
 {
-    QTest::addColumn<bool>("firstFails");
-    QTest::addColumn<bool>("secondFails");
-    QTest::addColumn<QString>("phase");
-    QTest::addColumn<int>("boxes");
-    QTest::newRow("by the first deck") << true << false << "0 1 1 0" << 1;
-    QTest::newRow("by the second deck") << false << true << "0 1 1 0" << 1;
-    QTest::newRow("by neither") << true << true << "0 1 0 0" << 2;
+    const Rows<bool, bool, QString, int> row("firstFails", "secondFails", "phase", "boxes");
+    row("by the first deck", true, false, "0 1 1 0", 1);
+    row("by the second deck", false, true, "0 1 1 0", 1);
+    row("by neither", true, true, "0 1 0 0", 2);
 }
 
 void TestTransferPair::requestNotTaken()
@@ -94,26 +92,22 @@ void TestTransferPair::answers_data()
     const QString waiting = "0 0 1 0";
     const QString streaming = "1 0 1 1";
     const QString over = "0 1 1 0";
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("second");
-    QTest::addColumn<QString>("phase");
-    QTest::addColumn<QStringList>("boxes");
-    QTest::newRow("first accepts, second idle") << 0x95 << 0x05 << streaming << QStringList();
-    QTest::newRow("second accepts, first idle") << 0x05 << 0x95 << streaming << QStringList();
-    QTest::newRow("both accept") << 0x95 << 0x95 << streaming << QStringList();
-    QTest::newRow("both idle") << 0x05 << 0x05 << waiting << QStringList();
-    QTest::newRow("only the first says anything") << 0x95 << silent << waiting << QStringList();
-    QTest::newRow("only the second says anything") << silent << 0x95 << waiting << QStringList();
-    QTest::newRow("only the first refuses") << 0xA5 << silent << waiting << QStringList();
-    QTest::newRow("first timed out") << 0xA5 << 0x05 << over << QStringList{boxline::timedOut};
-    QTest::newRow("second timed out") << 0x05 << 0xA5 << over << QStringList{boxline::timedOut};
-    QTest::newRow("both timed out: one box") << 0xA5 << 0xA5 << over << QStringList{boxline::timedOut};
-    QTest::newRow("first skipped") << 0xB5 << 0x05 << over << QStringList{boxline::skipped};
-    QTest::newRow("second skipped") << 0x05 << 0xB5 << over << QStringList{boxline::skipped};
-    QTest::newRow("each refuses in its own way")
-        << 0xB5 << 0xA5 << over << QStringList{boxline::timedOut, boxline::skipped};
-    QTest::newRow("one accepts, one refuses") << 0x95 << 0xA5 << over << QStringList{boxline::timedOut};
-    QTest::newRow("a status of the installation") << 0xE5 << 0xF5 << waiting << QStringList();
+    const Rows<int, int, QString, QStringList> row("first", "second", "phase", "boxes");
+    row("first accepts, second idle", 0x95, 0x05, streaming, {});
+    row("second accepts, first idle", 0x05, 0x95, streaming, {});
+    row("both accept", 0x95, 0x95, streaming, {});
+    row("both idle", 0x05, 0x05, waiting, {});
+    row("only the first says anything", 0x95, silent, waiting, {});
+    row("only the second says anything", silent, 0x95, waiting, {});
+    row("only the first refuses", 0xA5, silent, waiting, {});
+    row("first timed out", 0xA5, 0x05, over, {boxline::timedOut});
+    row("second timed out", 0x05, 0xA5, over, {boxline::timedOut});
+    row("both timed out: one box", 0xA5, 0xA5, over, {boxline::timedOut});
+    row("first skipped", 0xB5, 0x05, over, {boxline::skipped});
+    row("second skipped", 0x05, 0xB5, over, {boxline::skipped});
+    row("each refuses in its own way", 0xB5, 0xA5, over, {boxline::timedOut, boxline::skipped});
+    row("one accepts, one refuses", 0x95, 0xA5, over, {boxline::timedOut});
+    row("a status of the installation", 0xE5, 0xF5, waiting, {});
 }
 
 void TestTransferPair::answers()
@@ -184,11 +178,10 @@ void TestTransferPair::packetsGoToBoth()
 
 void TestTransferPair::packetNotTaken_data()
 {
-    QTest::addColumn<int>("firstFailures");
-    QTest::addColumn<int>("secondFailures");
-    QTest::newRow("by the first deck") << 1 << 0;
-    QTest::newRow("by the second deck") << 0 << 1;
-    QTest::newRow("by neither") << 1 << 1;
+    const Rows<int, int> row("firstFailures", "secondFailures");
+    row("by the first deck", 1, 0);
+    row("by the second deck", 0, 1);
+    row("by neither", 1, 1);
 }
 
 /// Nothing is written a second time to a pair.

@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "update/transferprotocol.h"
 
 #include <QtTest>
@@ -64,11 +65,10 @@ private slots:
 void TestTransferProtocol::request_data()
 {
     const QByteArray digest = QByteArray(digestOfAbc).toHex();
-    QTest::addColumn<bool>("isPlayer");
-    QTest::addColumn<QByteArray>("packet");
-    QTest::newRow("older family: command, digest behind it") << false << "0080" + digest + zeros(31);
-    QTest::newRow("player: digest one byte into the data, command at 61")
-        << true << "0000" + digest + zeros(27) + "80" + zeros(3);
+    const Rows<bool, QByteArray> row("isPlayer", "packet");
+    row("older family: command, digest behind it", false, "0080" + digest + zeros(31));
+    row("player: digest one byte into the data, command at 61", true,
+        "0000" + digest + zeros(27) + "80" + zeros(3));
 }
 
 void TestTransferProtocol::request()
@@ -82,20 +82,15 @@ void TestTransferProtocol::request()
 void TestTransferProtocol::dataPacket_data()
 {
     const QByteArray data = counting(60);
-    QTest::addColumn<bool>("isPlayer");
-    QTest::addColumn<quint32>("number");
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QByteArray>("packet");
-    QTest::newRow("older family: first packet") << false << 1U << data << "0000000001" + data.toHex();
-    QTest::newRow("player: first packet") << true << 1U << data << "00" + data.toHex() + "00000001";
-    QTest::newRow("older family: packet 74565") << false << 74565U << data << "0000012345" + data.toHex();
-    QTest::newRow("player: packet 74565") << true << 74565U << data << "00" + data.toHex() + "00012345";
-    QTest::newRow("older family: number in 28 bits")
-        << false << 0xFEDCBA98U << data << "000edcba98" + data.toHex();
-    QTest::newRow("player: number in 28 bits")
-        << true << 0xFEDCBA98U << data << "00" + data.toHex() + "0edcba98";
-    QTest::newRow("older family: no data at all") << false << 3U << QByteArray() << "0000000003" + zeros(60);
-    QTest::newRow("player: no data at all") << true << 3U << QByteArray() << "00" + zeros(60) + "00000003";
+    const Rows<bool, quint32, QByteArray, QByteArray> row("isPlayer", "number", "data", "packet");
+    row("older family: first packet", false, 1U, data, "0000000001" + data.toHex());
+    row("player: first packet", true, 1U, data, "00" + data.toHex() + "00000001");
+    row("older family: packet 74565", false, 74565U, data, "0000012345" + data.toHex());
+    row("player: packet 74565", true, 74565U, data, "00" + data.toHex() + "00012345");
+    row("older family: number in 28 bits", false, 0xFEDCBA98U, data, "000edcba98" + data.toHex());
+    row("player: number in 28 bits", true, 0xFEDCBA98U, data, "00" + data.toHex() + "0edcba98");
+    row("older family: no data at all", false, 3U, {}, "0000000003" + zeros(60));
+    row("player: no data at all", true, 3U, {}, "00" + zeros(60) + "00000003");
 }
 
 void TestTransferProtocol::dataPacket()
@@ -110,26 +105,16 @@ void TestTransferProtocol::dataPacket()
 
 void TestTransferProtocol::finalPacket_data()
 {
-    QTest::addColumn<bool>("isPlayer");
-    QTest::addColumn<quint32>("number");
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QByteArray>("packet");
+    const Rows<bool, quint32, QByteArray, QByteArray> row("isPlayer", "number", "data", "packet");
     const QByteArray most = counting(59);
-    QTest::newRow("older family: 59 bytes are packet 1")
-        << false << 1U << most << "00d03b0001" + most.toHex() + "00";
-    QTest::newRow("player: 59 bytes are packet 1")
-        << true << 1U << most << "00" + most.toHex() + "00d03b0001";
-    QTest::newRow("older family: no bytes behind two full packets")
-        << false << 3U << QByteArray() << "00d0000003" + zeros(60);
-    QTest::newRow("player: no bytes behind two full packets")
-        << true << 3U << QByteArray() << "00" + zeros(60) + "d0000003";
-    QTest::newRow("older family: one byte")
-        << false << 2U << QByteArray("\x7F") << "00d00100027f" + zeros(59);
-    QTest::newRow("player: one byte") << true << 2U << QByteArray("\x7F") << "007f" + zeros(59) + "d0010002";
-    QTest::newRow("older family: low 16 bits of 74565")
-        << false << 74565U << QByteArray("\x7F") << "00d00123457f" + zeros(59);
-    QTest::newRow("player: low 16 bits of 74565")
-        << true << 74565U << QByteArray("\x7F") << "007f" + zeros(59) + "d0012345";
+    row("older family: 59 bytes are packet 1", false, 1U, most, "00d03b0001" + most.toHex() + "00");
+    row("player: 59 bytes are packet 1", true, 1U, most, "00" + most.toHex() + "00d03b0001");
+    row("older family: no bytes behind two full packets", false, 3U, {}, "00d0000003" + zeros(60));
+    row("player: no bytes behind two full packets", true, 3U, {}, "00" + zeros(60) + "d0000003");
+    row("older family: one byte", false, 2U, "\x7F", "00d00100027f" + zeros(59));
+    row("player: one byte", true, 2U, "\x7F", "007f" + zeros(59) + "d0010002");
+    row("older family: low 16 bits of 74565", false, 74565U, "\x7F", "00d00123457f" + zeros(59));
+    row("player: low 16 bits of 74565", true, 74565U, "\x7F", "007f" + zeros(59) + "d0012345");
 }
 
 void TestTransferProtocol::finalPacket()
@@ -152,17 +137,14 @@ void TestTransferProtocol::overlongDataIsCutToThePacket()
 
 void TestTransferProtocol::bytesLeft_data()
 {
-    QTest::addColumn<qint64>("imageSize");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<qint64>("left");
-    QTest::newRow("59 bytes, first packet: final") << qint64{59} << 1 << qint64{59};
-    QTest::newRow("60 bytes, first packet: full") << qint64{60} << 1 << qint64{60};
-    QTest::newRow("60 bytes, second packet: empty final") << qint64{60} << 2 << qint64{0};
-    QTest::newRow("61 bytes, second packet: one byte") << qint64{61} << 2 << qint64{1};
-    QTest::newRow("120 bytes, third packet: empty final") << qint64{120} << 3 << qint64{0};
-    QTest::newRow("behind the end") << qint64{60} << 3 << qint64{-60};
-    QTest::newRow("no overflow with the largest number")
-        << qint64{0} << std::numeric_limits<int>::max() << qint64{-128849018760};
+    const Rows<qint64, int, qint64> row("imageSize", "number", "left");
+    row("59 bytes, first packet: final", 59, 1, 59);
+    row("60 bytes, first packet: full", 60, 1, 60);
+    row("60 bytes, second packet: empty final", 60, 2, 0);
+    row("61 bytes, second packet: one byte", 61, 2, 1);
+    row("120 bytes, third packet: empty final", 120, 3, 0);
+    row("behind the end", 60, 3, -60);
+    row("no overflow with the largest number", 0, std::numeric_limits<int>::max(), -128849018760);
 }
 
 void TestTransferProtocol::bytesLeft()
@@ -175,20 +157,17 @@ void TestTransferProtocol::bytesLeft()
 
 void TestTransferProtocol::packetBytes_data()
 {
-    QTest::addColumn<int>("imageSize");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("count");
-    QTest::newRow("59 bytes: all in packet 1") << 59 << 1 << 0 << 59;
-    QTest::newRow("60 bytes: all in packet 1") << 60 << 1 << 0 << 60;
-    QTest::newRow("60 bytes: none in packet 2") << 60 << 2 << 0 << 0;
-    QTest::newRow("61 bytes: packet 1") << 61 << 1 << 0 << 60;
-    QTest::newRow("61 bytes: the last one in packet 2") << 61 << 2 << 60 << 1;
-    QTest::newRow("120 bytes: packet 2") << 120 << 2 << 60 << 60;
-    QTest::newRow("120 bytes: none in packet 3") << 120 << 3 << 0 << 0;
-    QTest::newRow("behind the end") << 60 << 4 << 0 << 0;
-    QTest::newRow("there is no packet 0") << 60 << 0 << 0 << 0;
-    QTest::newRow("nor a packet below") << 60 << -1 << 0 << 0;
+    const Rows<int, int, int, int> row("imageSize", "number", "first", "count");
+    row("59 bytes: all in packet 1", 59, 1, 0, 59);
+    row("60 bytes: all in packet 1", 60, 1, 0, 60);
+    row("60 bytes: none in packet 2", 60, 2, 0, 0);
+    row("61 bytes: packet 1", 61, 1, 0, 60);
+    row("61 bytes: the last one in packet 2", 61, 2, 60, 1);
+    row("120 bytes: packet 2", 120, 2, 60, 60);
+    row("120 bytes: none in packet 3", 120, 3, 0, 0);
+    row("behind the end", 60, 4, 0, 0);
+    row("there is no packet 0", 60, 0, 0, 0);
+    row("nor a packet below", 60, -1, 0, 0);
 }
 
 void TestTransferProtocol::packetBytes()
@@ -205,17 +184,15 @@ void TestTransferProtocol::packetBytes()
 
 void TestTransferProtocol::packetKind_data()
 {
-    QTest::addColumn<int>("imageSize");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<PacketKind>("kind");
-    QTest::newRow("60 bytes: the first") << 60 << 1 << PacketKind::full;
-    QTest::newRow("60 bytes: the second, with no byte") << 60 << 2 << PacketKind::final;
-    QTest::newRow("60 bytes: the third") << 60 << 3 << PacketKind::behindTheEnd;
-    QTest::newRow("59 bytes: the first") << 59 << 1 << PacketKind::final;
-    QTest::newRow("59 bytes: the second") << 59 << 2 << PacketKind::behindTheEnd;
-    QTest::newRow("61 bytes: the second, with one byte") << 61 << 2 << PacketKind::final;
-    QTest::newRow("15 MB: the last full one") << 15000000 << 250000 << PacketKind::full;
-    QTest::newRow("no image") << 0 << 1 << PacketKind::final;
+    const Rows<int, int, PacketKind> row("imageSize", "number", "kind");
+    row("60 bytes: the first", 60, 1, PacketKind::full);
+    row("60 bytes: the second, with no byte", 60, 2, PacketKind::final);
+    row("60 bytes: the third", 60, 3, PacketKind::behindTheEnd);
+    row("59 bytes: the first", 59, 1, PacketKind::final);
+    row("59 bytes: the second", 59, 2, PacketKind::behindTheEnd);
+    row("61 bytes: the second, with one byte", 61, 2, PacketKind::final);
+    row("15 MB: the last full one", 15000000, 250000, PacketKind::full);
+    row("no image", 0, 1, PacketKind::final);
 }
 
 void TestTransferProtocol::packetKind()
@@ -228,15 +205,13 @@ void TestTransferProtocol::packetKind()
 
 void TestTransferProtocol::percent_data()
 {
-    QTest::addColumn<int>("packets");
-    QTest::addColumn<int>("imageSize");
-    QTest::addColumn<int>("shown");
-    QTest::newRow("6000 bytes: before the first packet") << 0 << 6000 << 0;
-    QTest::newRow("6000 bytes: before packet 100") << 99 << 6000 << 99;
-    QTest::newRow("6000 bytes: before the final packet") << 100 << 6000 << 100;
-    QTest::newRow("61 bytes: truncated") << 1 << 61 << 98;
-    QTest::newRow("15 MB: no overflow of 32 bits") << 249999 << 15000000 << 99;
-    QTest::newRow("no image") << 5 << 0 << 0;
+    const Rows<int, int, int> row("packets", "imageSize", "shown");
+    row("6000 bytes: before the first packet", 0, 6000, 0);
+    row("6000 bytes: before packet 100", 99, 6000, 99);
+    row("6000 bytes: before the final packet", 100, 6000, 100);
+    row("61 bytes: truncated", 1, 61, 98);
+    row("15 MB: no overflow of 32 bits", 249999, 15000000, 99);
+    row("no image", 5, 0, 0);
 }
 
 void TestTransferProtocol::percent()

@@ -1,4 +1,5 @@
 #include "tests/net/scene.h"
+#include "tests/support/rows.h"
 #include "update/openeraddress.h"
 
 #include <QFile>
@@ -24,11 +25,7 @@ private:
 
 void TestUpdaterHandover::address_data()
 {
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("handedOver");
-    const auto row = [](const char* name, const char* address, const char* handedOver) {
-        QTest::newRow(name) << QString::fromUtf8(address) << QString(handedOver);
-    };
+    const Rows<QString, QString> row("address", "handedOver");
     row("empty", "", "");
     row("two bytes a letter", "http://h\u00F6st/\u0414\u0430", "http://h%C3%B6st/%D0%94%D0%B0");
     row("three bytes a letter", "/\u66F4\u65B0.zip", "/%E6%9B%B4%E6%96%B0.zip");
@@ -38,7 +35,7 @@ void TestUpdaterHandover::address_data()
     QString ascii;
     for (char16_t character = 1; character <= 0x7F; ++character)
         ascii += QChar(character);
-    QTest::newRow("all of ASCII") << ascii << ascii;
+    row("all of ASCII", ascii, ascii);
 }
 
 void TestUpdaterHandover::address()
@@ -49,13 +46,11 @@ void TestUpdaterHandover::address()
 
 void TestUpdaterHandover::openerGetsTheAddress_data()
 {
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("handedOver");
+    const Rows<QString, QString> row("address", "handedOver");
     const QString plain = "http://update-server/bin/updater.zip?a=b c&d";
-    QTest::newRow("plain") << plain << plain;
-    QTest::newRow("letters beyond the local encoding")
-        << QString::fromUtf8("http://update-server/\u66F4\u65B0.zip")
-        << "http://update-server/%E6%9B%B4%E6%96%B0.zip";
+    row("plain", plain, plain);
+    row("letters beyond the local encoding", "http://update-server/\u66F4\u65B0.zip",
+        "http://update-server/%E6%9B%B4%E6%96%B0.zip");
 }
 
 void TestUpdaterHandover::openerGetsTheAddress()

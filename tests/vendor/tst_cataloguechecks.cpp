@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/checks.h"
@@ -48,23 +49,18 @@ private slots:
 
 void TestCatalogueChecks::bytes_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QStringList>("findings");
+    const Rows<QByteArray, QStringList> row("bytes", "findings");
     const QByteArray good = goodCatalogue();
-    QTest::newRow("good") << good << QStringList();
-    QTest::newRow("CRLF") << QByteArray(good).replace("\n", "\r\n") << QStringList();
-    QTest::newRow("no end of the last line") << good.chopped(1) << QStringList();
-    QTest::newRow("byte order mark") << "\xEF\xBB\xBF" + good << QStringList{"note byte-order-mark 1 "};
-    QTest::newRow("letters beyond ASCII in a remark")
-        << catalogueWith("[HB4]", "[H\xC3\xA4]") << QStringList();
-    QTest::newRow("Latin-1 in a remark")
-        << catalogueWith("[HB4]", "[H\xE4]") << QStringList{"error not-utf-8 6 "};
-    QTest::newRow("a letter cut short at the end") << good + "[\xC3" << QStringList{"error not-utf-8 50 "};
-    QTest::newRow("the first of two lines that are not UTF-8")
-        << catalogueWith("[updater]", "[\xE4]").replace("[HB4]", "[\xE4]")
-        << QStringList{"error not-utf-8 1 "};
-    QTest::newRow("NUL in a remark at the end")
-        << good + QByteArray("[\0]\n", 4) << QStringList{"error nul 50 "};
+    row("good", good, {});
+    row("CRLF", QByteArray(good).replace("\n", "\r\n"), {});
+    row("no end of the last line", good.chopped(1), {});
+    row("byte order mark", "\xEF\xBB\xBF" + good, {"note byte-order-mark 1 "});
+    row("letters beyond ASCII in a remark", catalogueWith("[HB4]", "[H\xC3\xA4]"), {});
+    row("Latin-1 in a remark", catalogueWith("[HB4]", "[H\xE4]"), {"error not-utf-8 6 "});
+    row("a letter cut short at the end", good + "[\xC3", {"error not-utf-8 50 "});
+    row("the first of two lines that are not UTF-8",
+        catalogueWith("[updater]", "[\xE4]").replace("[HB4]", "[\xE4]"), {"error not-utf-8 1 "});
+    row("NUL in a remark at the end", good + QByteArray("[\0]\n", 4), {"error nul 50 "});
 }
 
 void TestCatalogueChecks::bytes()
@@ -75,19 +71,14 @@ void TestCatalogueChecks::bytes()
 
 void TestCatalogueChecks::size_data()
 {
-    QTest::addColumn<qint64>("size");
-    QTest::addColumn<QByteArray>("lineEnd");
-    QTest::addColumn<QString>("text");
+    const Rows<qint64, QByteArray, QString> row("size", "lineEnd", "text");
     const QString reported =
         "10246 bytes without carriage returns: the updater reports a problem above 10245";
-    QTest::newRow("as large as may be") << qint64(10245) << QByteArray("\n") << QString();
-    QTest::newRow("one byte more") << qint64(10246) << QByteArray("\n") << reported;
-    QTest::newRow("as large as may be, and carriage returns")
-        << qint64(10245) << QByteArray("\r\r\r\n") << QString();
-    QTest::newRow("one byte more, and carriage returns")
-        << qint64(10246) << QByteArray("\r\r\r\n") << reported;
-    QTest::newRow("given up") << sizeLimit + 1 << QByteArray("\n")
-                              << "more than 67108864 bytes: the updater gives up";
+    row("as large as may be", 10245, "\n", {});
+    row("one byte more", 10246, "\n", reported);
+    row("as large as may be, and carriage returns", 10245, "\r\r\r\n", {});
+    row("one byte more, and carriage returns", 10246, "\r\r\r\n", reported);
+    row("given up", sizeLimit + 1, "\n", "more than 67108864 bytes: the updater gives up");
 }
 
 void TestCatalogueChecks::size()
@@ -101,12 +92,7 @@ void TestCatalogueChecks::size()
 
 void TestCatalogueChecks::lines_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<QStringList>("findings");
-    const auto row = [](const char* name, const char* from, const char* to, const QStringList& findings) {
-        QTest::newRow(name) << QByteArray(from) << QByteArray(to) << findings;
-    };
+    const Rows<QByteArray, QByteArray, QStringList> row("from", "to", "findings");
     row("missing version", "HB4Ver=27\n", "", {"error missing 0 HB4Ver"});
     row("version without its equals sign", "HB4Ver=27", "HB4Ver", {"error missing 0 HB4Ver"});
     row("missing image", "HB4Bin=", "[image] ", {"error missing 0 HB4Bin"});
@@ -145,16 +131,12 @@ void TestCatalogueChecks::lines()
 
 void TestCatalogueChecks::numbers_data()
 {
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QString>("text");
-    const auto firmware = [](const char* value, const char* read) {
-        QTest::newRow(QByteArray("firmware ").append(value))
-            << QByteArray("HB4Ver=27") << QByteArray(value) << QString(read);
+    const Rows<QByteArray, QByteArray, QString> row("key", "value", "text");
+    const auto firmware = [&](const char* value, const char* read) {
+        row(QByteArray("firmware ").append(value), "HB4Ver=27", value, read);
     };
-    const auto mainVersion = [](const char* value, const QString& read) {
-        QTest::newRow(QByteArray("updater ").append(value))
-            << QByteArray("MainVer=11") << QByteArray(value) << read;
+    const auto mainVersion = [&](const char* value, const QString& read) {
+        row(QByteArray("updater ").append(value), "MainVer=11", value, read);
     };
     firmware("0", "");
     firmware("255", "");
@@ -188,12 +170,7 @@ void TestCatalogueChecks::numbers()
 
 void TestCatalogueChecks::addresses_data()
 {
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<QByteArray>("address");
-    QTest::addColumn<QStringList>("findings");
-    const auto row = [](const char* name, const char* key, const char* address, const QStringList& findings) {
-        QTest::newRow(name) << QByteArray(key) << QByteArray(address) << findings;
-    };
+    const Rows<QByteArray, QByteArray, QStringList> row("key", "address", "findings");
     const auto image = [&](const char* name, const char* address, const char* finding) {
         row(name, "HB4Bin", address,
             *finding != 0 ? QStringList{QString(finding) + " 8 HB4Bin"} : QStringList());
@@ -227,14 +204,13 @@ void TestCatalogueChecks::addresses()
 
 void TestCatalogueChecks::digests_data()
 {
-    QTest::addColumn<QByteArray>("digest");
-    QTest::addColumn<bool>("isGood");
+    const Rows<QByteArray, bool> row("digest", "isGood");
     const QByteArray good(someDigest);
-    QTest::newRow("either case") << good << true;
-    QTest::newRow("a digit less") << good.chopped(1) << false;
-    QTest::newRow("a digit more") << good + '0' << false;
-    QTest::newRow("another letter") << good.chopped(1) + 'g' << false;
-    QTest::newRow("digits of other scripts") << good.chopped(1) + "\xD9\xA3" << false;
+    row("either case", good, true);
+    row("a digit less", good.chopped(1), false);
+    row("a digit more", good + '0', false);
+    row("another letter", good.chopped(1) + 'g', false);
+    row("digits of other scripts", good.chopped(1) + "\xD9\xA3", false);
 }
 
 void TestCatalogueChecks::digests()
@@ -259,20 +235,17 @@ void TestCatalogueChecks::aKeyRequiresDigests()
 
 void TestCatalogueChecks::words_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("lines of a duplicate") << QByteArray("[HB4]") << QByteArray("HB4Ver=25\nHB4Ver=26")
-                                          << "appears on lines 6, 7, 8: only the last one counts";
+    const Rows<QByteArray, QByteArray, QString> row("from", "to", "text");
+    row("lines of a duplicate", "[HB4]", "HB4Ver=25\nHB4Ver=26",
+        "appears on lines 6, 7, 8: only the last one counts");
     QByteArray many;
     for (int number = 0; number < 11; ++number)
         many += "HB4Ver=26\n";
-    QTest::newRow("lines of many duplicates")
-        << QByteArray("[HB4]\n") << many
-        << "appears on lines 6, 7, 8, 9, 10, 11, 12, 13, 14, 15 and 2 more: only the last one counts";
-    QTest::newRow("what is asked for") << QByteArray("HB4Bin=http:") << QByteArray("HB4Bin=https:")
-                                       << "https://updates.example.com/bin/HB4.sb will be requested as "
-                                          "http://updates.example.com/bin/HB4.sb";
+    row("lines of many duplicates", "[HB4]\n", many,
+        "appears on lines 6, 7, 8, 9, 10, 11, 12, 13, 14, 15 and 2 more: only the last one counts");
+    row("what is asked for", "HB4Bin=http:", "HB4Bin=https:",
+        "https://updates.example.com/bin/HB4.sb will be requested as "
+        "http://updates.example.com/bin/HB4.sb");
 }
 
 void TestCatalogueChecks::words()

@@ -1,4 +1,5 @@
 #include "net/catalogue.h"
+#include "tests/support/rows.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/digestlines.h"
 
@@ -20,11 +21,7 @@ private slots:
 
 void TestDigestLines::writes_data()
 {
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("after");
-    const auto row = [](const char* name, const QByteArray& before, const QByteArray& after) {
-        QTest::newRow(name) << before << after;
-    };
+    const Rows<QByteArray, QByteArray> row("before", "after");
     row("behind the stem's last line", "HB4Ver=27\nHB4Bin=b\nHB4ChangeLog=l\n\n[HB2]\nHB2Ver=1\n",
         "HB4Ver=27\nHB4Bin=b\nHB4ChangeLog=l\nHB4Sha256=new\n\n[HB2]\nHB2Ver=1\n");
     row("behind the last one, though others stand between", "HB4Ver=27\nHB2Ver=1\nHB4Bin=b\nHB2Bin=b\n",

@@ -1,5 +1,6 @@
 #include "base/sizelimit.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/rows.h"
 #include "tests/support/selfsigned.h"
 #include "vendor/fetcher.h"
 
@@ -68,17 +69,9 @@ void TestFetcher::asksAsTheProgram()
 
 void TestFetcher::tells_data()
 {
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QString>("encoding");
-    QTest::addColumn<bool>("isAnswer");
+    const Rows<QByteArray, int, QByteArray, QString, QString, bool> row("answer", "status", "body", "type",
+                                                                        "encoding", "isAnswer");
     const QByteArray body("image");
-    const auto row = [](const char* name, const QByteArray& answer, int status, const QByteArray& kept,
-                        const char* type, const char* encoding, bool isAnswer) {
-        QTest::newRow(name) << answer << status << kept << QString(type) << QString(encoding) << isAnswer;
-    };
     row("good", httpAnswer("200 OK", body), 200, body, "", "", true);
     row("empty", httpAnswer("200 OK", {}), 200, {}, "", "", true);
     row("type", httpAnswer("200 OK", body, {"Content-Type: text/html; charset=x"}), 200, body,
@@ -110,12 +103,8 @@ void TestFetcher::tells()
 
 void TestFetcher::image_data()
 {
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<QString>("digest");
-    QTest::addColumn<QStringList>("kinds");
+    const Rows<QByteArray, QString, QStringList> row("answer", "digest", "kinds");
     const QByteArray body("image");
-    const auto row = [](const char* name, const QByteArray& answer, const QString& digest,
-                        const QStringList& kinds) { QTest::newRow(name) << answer << digest << kinds; };
     const QByteArray good = httpAnswer("200 OK", body);
     row("good", good, "", {});
     row("good digest", good, sha256(body), {});

@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "tests/vendor/tool.h"
 
 #include <QDir>
@@ -49,14 +50,13 @@ void TestHashCommand::writes()
 
 void TestHashCommand::changesNothing_data()
 {
-    QTest::addColumn<QStringList>("images");
-    QTest::addColumn<int>("exitCode");
-    QTest::newRow("no such image") << QStringList{"--image", "HB4=absent"} << 1;
-    QTest::newRow("a good one and none") << QStringList{"--image", "HB4=a.sb", "--image", "HB2=absent"} << 1;
-    QTest::newRow("an empty image") << QStringList{"--image", "HB4=empty"} << 1;
-    QTest::newRow("an image larger than the program takes") << QStringList{"--image", "HB4=large"} << 1;
-    QTest::newRow("stem without a line") << QStringList{"--image", "HBX=a.sb"} << 1;
-    QTest::newRow("two images for a stem") << QStringList{"--image", "HB4=a.sb", "--image", "HB4=a.sb"} << 2;
+    const Rows<QStringList, int> row("images", "exitCode");
+    row("no such image", {"--image", "HB4=absent"}, 1);
+    row("a good one and none", {"--image", "HB4=a.sb", "--image", "HB2=absent"}, 1);
+    row("an empty image", {"--image", "HB4=empty"}, 1);
+    row("an image larger than the program takes", {"--image", "HB4=large"}, 1);
+    row("stem without a line", {"--image", "HBX=a.sb"}, 1);
+    row("two images for a stem", {"--image", "HB4=a.sb", "--image", "HB4=a.sb"}, 2);
 }
 
 void TestHashCommand::changesNothing()
@@ -76,11 +76,9 @@ void TestHashCommand::changesNothing()
 
 void TestHashCommand::tellsWhy_data()
 {
-    QTest::addColumn<QByteArray>("catalogue");
-    QTest::addColumn<QByteArray>("why");
-    QTest::newRow("no line") << QByteArray("HB2Ver=1\n") << QByteArray("no line for HB4: run check");
-    QTest::newRow("NUL") << QByteArray("HB4Ver=1\n\0", 10)
-                         << QByteArray("contains a NUL byte: the updater ignores the rest");
+    const Rows<QByteArray, QByteArray> row("catalogue", "why");
+    row("no line", "HB2Ver=1\n", "no line for HB4: run check");
+    row("NUL", QByteArray("HB4Ver=1\n\0", 10), "contains a NUL byte: the updater ignores the rest");
 }
 
 void TestHashCommand::tellsWhy()

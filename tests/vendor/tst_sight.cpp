@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/sight.h"
@@ -33,15 +34,7 @@ private slots:
 
 void TestSight::sees_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<int>("version");
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const char* from, const QByteArray& to, int version,
-                        const char* kind, const QString& text) {
-        QTest::newRow(name) << QByteArray(from) << to << version << QString(kind) << text;
-    };
+    const Rows<QByteArray, QByteArray, int, QString, QString> row("from", "to", "version", "kind", "text");
     const char* const any = "[HB4]";
     const QByteArray nextUpdater = QByteArray("MainVer=") + updater::next;
     row("newer", any, any, 23, "firmware",
@@ -80,15 +73,8 @@ void TestSight::sees()
 
 void TestSight::seesWithAKey_data()
 {
-    QTest::addColumn<Genuineness>("genuineness");
-    QTest::addColumn<QByteArray>("digest");
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("text");
+    const Rows<Genuineness, QByteArray, QString, QString> row("genuineness", "digest", "kind", "text");
     const Genuineness good{true, true, nullptr};
-    const auto row = [](const char* name, const Genuineness& genuineness, const char* digest,
-                        const char* kind, const QString& text) {
-        QTest::newRow(name) << genuineness << QByteArray(digest) << QString(kind) << text;
-    };
     row("good", good, someDigest, "up-to-date", quoted(text::upToDate));
     row("no digest", good, "", "problem", quoted(text::networkProblem) + ": a value or a digest is missing");
     row("malformed digest", good, "12", "problem",
@@ -110,19 +96,16 @@ void TestSight::seesWithAKey()
 
 void TestSight::seesALargeCatalogue_data()
 {
-    QTest::addColumn<qint64>("size");
-    QTest::addColumn<Genuineness>("genuineness");
-    QTest::addColumn<QString>("text");
+    const Rows<qint64, Genuineness, QString> row("size", "genuineness", "text");
     const QString upToDate = quoted(text::upToDate);
     const QString tooLarge = quoted(text::networkProblem) + ": the catalogue is too large";
-    QTest::newRow("as large as may be") << qint64(10245) << Genuineness() << upToDate;
-    QTest::newRow("one byte more") << qint64(10246) << Genuineness() << tooLarge;
-    QTest::newRow("given up") << sizeLimit + 1 << Genuineness() << tooLarge;
-    QTest::newRow("good signature") << qint64(10246) << Genuineness{true, true, nullptr} << tooLarge;
-    QTest::newRow("no signature") << qint64(10246) << Genuineness{true, false, nullptr}
-                                  << quoted(text::networkProblem) + ": there is no signature";
-    QTest::newRow("bad signature") << qint64(10246) << Genuineness{true, true, "why"}
-                                   << quoted(text::notGenuine);
+    row("as large as may be", 10245, {}, upToDate);
+    row("one byte more", 10246, {}, tooLarge);
+    row("given up", sizeLimit + 1, {}, tooLarge);
+    row("good signature", 10246, {true, true, nullptr}, tooLarge);
+    row("no signature", 10246, {true, false, nullptr},
+        quoted(text::networkProblem) + ": there is no signature");
+    row("bad signature", 10246, {true, true, "why"}, quoted(text::notGenuine));
 }
 
 void TestSight::seesALargeCatalogue()

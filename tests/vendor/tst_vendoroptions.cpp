@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "vendor/models.h"
 #include "vendor/options.h"
 
@@ -31,12 +32,7 @@ options::Command read(const QStringList& arguments)
 
 void TestVendorOptions::misuse_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const QStringList& arguments, const char* text) {
-        QTest::newRow(name) << arguments
-                            << QString("talvex-catalogue: %1\nTry talvex-catalogue --help.\n").arg(text);
-    };
+    const Rows<QStringList, QString> row("arguments", "why");
     row("nothing", {}, "give a command: check or hash");
     row("another command", {"sign", "x"}, "there is no command sign");
     row("control character", {"\033x"}, "there is no command \\u{1B}x");
@@ -73,23 +69,23 @@ void TestVendorOptions::misuse_data()
 void TestVendorOptions::misuse()
 {
     QFETCH(QStringList, arguments);
+    QFETCH(QString, why);
     const options::Command command = read(arguments);
     QVERIFY(std::holds_alternative<options::Message>(command));
     QCOMPARE(std::get<options::Message>(command).exitCode, 2);
-    QTEST(std::get<options::Message>(command).text, "text");
+    QCOMPARE(std::get<options::Message>(command).text,
+             "talvex-catalogue: " + why + "\nTry talvex-catalogue --help.\n");
 }
 
 void TestVendorOptions::answers_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("part");
-    QTest::newRow("help") << QStringList("--help") << "hash FILE";
-    QTest::newRow("help of check") << QStringList{"check", "--help"} << "--as <MODEL=VERSION>";
-    QTest::newRow("help of hash") << QStringList{"hash", "-h"} << "--image <STEM=PATH>";
-    QTest::newRow("help goes before a misuse")
-        << QStringList{"check", "--fast", "--help"} << "--as <MODEL=VERSION>";
-    QTest::newRow("version") << QStringList("--version") << "talvex-catalogue 9.9\n";
-    QTest::newRow("version of a command") << QStringList{"hash", "-v"} << "talvex-catalogue 9.9\n";
+    const Rows<QStringList, QString> row("arguments", "part");
+    row("help", {"--help"}, "hash FILE");
+    row("help of check", {"check", "--help"}, "--as <MODEL=VERSION>");
+    row("help of hash", {"hash", "-h"}, "--image <STEM=PATH>");
+    row("help goes before a misuse", {"check", "--fast", "--help"}, "--as <MODEL=VERSION>");
+    row("version", {"--version"}, "talvex-catalogue 9.9\n");
+    row("version of a command", {"hash", "-v"}, "talvex-catalogue 9.9\n");
 }
 
 void TestVendorOptions::answers()
@@ -151,25 +147,17 @@ void TestVendorOptions::hash()
 
 void TestVendorOptions::stem_data()
 {
-    QTest::addColumn<QString>("meant");
-    QTest::addColumn<QString>("stem");
-    QTest::newRow("stem") << "ZEQPRO"
-                          << "ZEQPRO";
-    QTest::newRow("lower case") << "zeqpro"
-                                << "ZEQPRO";
-    QTest::newRow("model") << "zeq-io"
-                           << "ZEQPRO";
-    QTest::newRow("model with a blank") << "TRK900 RIGHT"
-                                        << "PLT70";
-    QTest::newRow("model with a line") << "trk300_left"
-                                       << "PLT70";
-    QTest::newRow("model of a stem of its own") << "lmb-1"
-                                                << "LMB1";
-    QTest::newRow("sibling") << "dsk5"
-                             << "DSK10";
-    QTest::newRow("siblings together are no name") << "dsk10/dsk9" << QString();
-    QTest::newRow("two decks are no model") << "trk900" << QString();
-    QTest::newRow("nothing") << "" << QString();
+    const Rows<QString, QString> row("meant", "stem");
+    row("stem", "ZEQPRO", "ZEQPRO");
+    row("lower case", "zeqpro", "ZEQPRO");
+    row("model", "zeq-io", "ZEQPRO");
+    row("model with a blank", "TRK900 RIGHT", "PLT70");
+    row("model with a line", "trk300_left", "PLT70");
+    row("model of a stem of its own", "lmb-1", "LMB1");
+    row("sibling", "dsk5", "DSK10");
+    row("siblings together are no name", "dsk10/dsk9", {});
+    row("two decks are no model", "trk900", {});
+    row("nothing", "", {});
 }
 
 void TestVendorOptions::stem()

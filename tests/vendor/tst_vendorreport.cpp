@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "tests/support/rows.h"
 #include "tests/vendor/goodcatalogue.h"
 #include "vendor/escaped.h"
 #include "vendor/report.h"
@@ -31,25 +32,18 @@ private slots:
 
 void TestVendorReport::escapes_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("plain") << "a b=c"
-                           << "a b=c";
-    QTest::newRow("beyond ASCII") << QString::fromUtf8("ä€") << QString::fromUtf8("ä€");
-    QTest::newRow("beyond 16 bits") << QString::fromUtf8("\xF0\x9F\x8E\xA7")
-                                    << QString::fromUtf8("\xF0\x9F\x8E\xA7");
-    QTest::newRow("escape") << "\033[31m"
-                            << "\\u{1B}[31m";
-    QTest::newRow("line feed") << "a\nb"
-                               << "a\\u{A}b";
-    QTest::newRow("delete") << "\x7F"
-                            << "\\u{7F}";
-    QTest::newRow("control of 8 bits") << QString(QChar(0x9B)) << "\\u{9B}";
-    QTest::newRow("right to left") << QString(QChar(0x202E)) << "\\u{202E}";
-    QTest::newRow("line separator") << QString(QChar(0x2028)) << "\\u{2028}";
-    QTest::newRow("paragraph separator") << QString(QChar(0x2029)) << "\\u{2029}";
-    QTest::newRow("backslash") << "\\u{1B}"
-                               << "\\\\u{1B}";
+    const Rows<QString, QString> row("text", "shown");
+    row("plain", "a b=c", "a b=c");
+    row("beyond ASCII", QString::fromUtf8("ä€"), QString::fromUtf8("ä€"));
+    row("beyond 16 bits", QString::fromUtf8("\xF0\x9F\x8E\xA7"), QString::fromUtf8("\xF0\x9F\x8E\xA7"));
+    row("escape", "\033[31m", "\\u{1B}[31m");
+    row("line feed", "a\nb", "a\\u{A}b");
+    row("delete", "\x7F", "\\u{7F}");
+    row("control of 8 bits", QString(QChar(0x9B)), "\\u{9B}");
+    row("right to left", QString(QChar(0x202E)), "\\u{202E}");
+    row("line separator", QString(QChar(0x2028)), "\\u{2028}");
+    row("paragraph separator", QString(QChar(0x2029)), "\\u{2029}");
+    row("backslash", "\\u{1B}", "\\\\u{1B}");
 }
 
 void TestVendorReport::escapes()
@@ -221,24 +215,22 @@ void TestVendorReport::givenUp()
 
 void TestVendorReport::firstFindingsOnly_data()
 {
-    QTest::addColumn<int>("unknown"); ///< lines with a key of no model
-    QTest::addColumn<int>("printed");
-    QTest::addColumn<QString>("last");
-    QTest::newRow("all") << 100 << 101 << "no model has this key";
-    QTest::newRow("one too many") << 101 << 102 << "and 1 more";
-    QTest::newRow("many") << 400 << 102 << "and 300 more";
+    const Rows<int, int, QString> row("linesOfNoModel", "printed", "last");
+    row("all", 100, 101, "no model has this key");
+    row("one too many", 101, 102, "and 1 more");
+    row("many", 400, 102, "and 300 more");
 }
 
 /// What is missing is about no line, and always printed.
 void TestVendorReport::firstFindingsOnly()
 {
-    QFETCH(int, unknown);
+    QFETCH(int, linesOfNoModel);
     QByteArray served = catalogueWith("HB4Ver=27\n", "");
-    for (int number = 0; number < unknown; ++number)
+    for (int number = 0; number < linesOfNoModel; ++number)
         served += "U" + QByteArray::number(number) + "=1\n";
     const Report report = reportOn("x", served, {});
     const QJsonObject object = QJsonDocument::fromJson(asJson(report)).object();
-    QCOMPARE(object["errors"].toInt(), unknown + 1);
+    QCOMPARE(object["errors"].toInt(), linesOfNoModel + 1);
     const QJsonArray findings = object["findings"].toArray();
     QTEST(findings.size(), "printed");
     QCOMPARE(findings.first().toObject()["kind"].toString(), QString("missing"));

@@ -1,4 +1,5 @@
 #include "tests/harness/childprocess.h"
+#include "tests/support/rows.h"
 #include "tests/support/selfsigned.h"
 #include "tests/support/signer.h"
 #include "tests/vendor/goodcatalogue.h"
@@ -62,17 +63,16 @@ void TestVendorTool::serveAll()
 
 void TestVendorTool::exitCodes_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<bool>("isAnswered"); ///< on standard output; else there is a complaint
-    QTest::newRow("good") << QStringList{"check", "good"} << 0 << true;
-    QTest::newRow("notes only") << QStringList{"check", "notes"} << 0 << true;
-    QTest::newRow("errors") << QStringList{"check", "bad"} << 1 << true;
-    QTest::newRow("no such file") << QStringList{"check", "absent"} << 1 << false;
-    QTest::newRow("a directory") << QStringList{"check", "."} << 1 << false;
-    QTest::newRow("misuse") << QStringList{"check"} << 2 << false;
-    QTest::newRow("help") << QStringList{"--help"} << 0 << true;
-    QTest::newRow("version") << QStringList{"--version"} << 0 << true;
+    // isAnswered: on standard output; else there is a complaint
+    const Rows<QStringList, int, bool> row("arguments", "exitCode", "isAnswered");
+    row("good", {"check", "good"}, 0, true);
+    row("notes only", {"check", "notes"}, 0, true);
+    row("errors", {"check", "bad"}, 1, true);
+    row("no such file", {"check", "absent"}, 1, false);
+    row("a directory", {"check", "."}, 1, false);
+    row("misuse", {"check"}, 2, false);
+    row("help", {"--help"}, 0, true);
+    row("version", {"--version"}, 0, true);
 }
 
 void TestVendorTool::exitCodes()
@@ -193,19 +193,13 @@ void TestVendorTool::progressOnATerminalOnly()
 
 void TestVendorTool::judgesASignature_data()
 {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<bool>("isSigned");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QByteArray>("part");
-    QTest::newRow("good") << QByteArray() << QByteArray() << true << 0
-                          << QByteArray("bytes, signature good\n");
-    QTest::newRow("altered") << QByteArray("HB4Ver=27") << QByteArray("HB4Ver=28") << true << 1
-                             << QByteArray("not genuine: the signature is not that of this file\n");
-    QTest::newRow("carriage returns count")
-        << QByteArray("\n") << QByteArray("\r\n") << true << 1 << QByteArray("bytes, signature bad\n");
-    QTest::newRow("unsigned") << QByteArray() << QByteArray() << false << 1
-                              << QByteArray("there is no signature beside it\n");
+    const Rows<QByteArray, QByteArray, bool, int, QByteArray> row("from", "to", "isSigned", "exitCode",
+                                                                  "part");
+    row("good", {}, {}, true, 0, "bytes, signature good\n");
+    row("altered", "HB4Ver=27", "HB4Ver=28", true, 1,
+        "not genuine: the signature is not that of this file\n");
+    row("carriage returns count", "\n", "\r\n", true, 1, "bytes, signature bad\n");
+    row("unsigned", {}, {}, false, 1, "there is no signature beside it\n");
 }
 
 void TestVendorTool::judgesASignature()
