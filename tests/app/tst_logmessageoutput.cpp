@@ -1,11 +1,11 @@
 #include "app/logmessageoutput.h"
 
 #include "tests/support/easternlocales.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/rows.h"
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
@@ -145,10 +145,9 @@ void TestLogMessageOutput::speak(const QString& speech, const QByteArray& locale
     QCOMPARE(process.exitCode(), 0);
     echo = process.readAllStandardOutput().replace("\r\n", "\n"); // as Windows ends the lines of a text
     files = QDir(folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
-    QFile file(folder->filePath(files.value(0)));
-    if (files.isEmpty() || !file.open(QIODevice::ReadOnly))
+    if (files.isEmpty())
         return;
-    lines = file.readAll().split('\n');
+    lines = contentOf(folder->filePath(files.first())).split('\n');
     QCOMPARE(lines.takeLast(), QByteArray()); // the last line has its end
 }
 
@@ -180,14 +179,11 @@ void TestLogMessageOutput::fileOfTheSameSecondGoesOn()
     QByteArray grown;
     for (int i = 0; i < secondsAhead; ++i) {
         const QDateTime then = QDateTime::currentDateTime().addSecs(i);
-        QFile earlier(folder->filePath(then.toString("yyyy-MM-dd_hh_mm_ss'.log'")));
-        QVERIFY(earlier.open(QIODevice::WriteOnly) && earlier.write("earlier\n") == 8 && earlier.flush());
+        QVERIFY(writeFile(folder->filePath(then.toString("yyyy-MM-dd_hh_mm_ss'.log'")), "earlier\n"));
     }
     speak("two messages");
     for (const QString& name : qAsConst(files)) {
-        QFile file(folder->filePath(name));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray text = file.readAll();
+        const QByteArray text = contentOf(folder->filePath(name));
         QVERIFY2(text.startsWith("earlier\n"), qPrintable(name));
         grown += text.mid(8);
     }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "log/logdownloader.h"
+#include "tests/support/filecontent.h"
+#include "tests/support/programfiles.h"
 #include "tests/support/scriptedunit.h"
 #include "tests/support/texts.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QSignalSpy>
 #include <QThread>
@@ -23,7 +24,7 @@ inline QString newLogFile(const QStringList& before)
     QStringList files = logFiles();
     for (const QString& name : before)
         files.removeAll(name);
-    return files.size() == 1 ? QCoreApplication::applicationDirPath() + '/' + files.first() : QString();
+    return files.size() == 1 ? besideProgram(files.first()) : QString();
 }
 
 /// A downloader on its worker thread, connected to itself the way the window connects it.
@@ -57,8 +58,7 @@ public:
 
     [[nodiscard]] QByteArray stored() const
     {
-        QFile stored(file);
-        return stored.open(QIODevice::ReadOnly) ? stored.readAll() : QByteArray("no file");
+        return QFile::exists(file) ? contentOf(file) : QByteArray("no file");
     }
     /// The command byte of every written report: "10" request, "30" acknowledge, "70" resend.
     [[nodiscard]] QByteArrayList commands() const

@@ -1,7 +1,9 @@
 #include "log/logdownloader.h"
 #include "log/logfilename.h"
 #include "tests/support/easternlocales.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/inside.h"
+#include "tests/support/programfiles.h"
 #include "tests/support/readonlyfolder.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
@@ -15,16 +17,10 @@ namespace {
 
 const QDateTime moment(QDate(2016, 3, 1), QTime(14, 5, 9));
 
-QString pathOf(const QString& name)
+/// Of the name that the nth attempt takes, from 1.
+QString pathOf(int attempt)
 {
-    return QCoreApplication::applicationDirPath() + '/' + name;
-}
-
-void place(const QString& name, const QByteArray& content)
-{
-    QFile file(pathOf(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
+    return besideProgram(logfilename::at(moment, attempt));
 }
 
 QList<int> upTo(int last)
@@ -80,7 +76,7 @@ std::optional<int> TestLogFile::claim(LogDownloader& downloader)
     if (!inside::claimFile(downloader, moment))
         return std::nullopt;
     for (const int number : upTo(logfilename::mostAttempts))
-        if (inside::of(downloader).logFile.fileName() == pathOf(logfilename::at(moment, number)))
+        if (inside::of(downloader).logFile.fileName() == pathOf(number))
             return number;
     return 0;
 }
@@ -122,37 +118,34 @@ void TestLogFile::firstFreeName()
     QFETCH(QList<int>, taken);
     QFETCH(int, claimed);
     for (const int number : qAsConst(taken))
-        place(logfilename::at(moment, number), "a log");
+        QVERIFY(writeFile(pathOf(number), "a log"));
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::optional(claimed));
     QVERIFY(inside::of(downloader).logFile.isOpen());
     QCOMPARE(QFileInfo(inside::of(downloader).logFile.fileName()).size(), qint64{0});
-    for (const int number : qAsConst(taken)) {
-        QFile file(pathOf(logfilename::at(moment, number)));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("a log"));
-    }
+    for (const int number : qAsConst(taken))
+        QCOMPARE(contentOf(pathOf(number)), QByteArray("a log"));
 }
 
 /// As when the file cannot be opened. An empty one is another program's too.
 void TestLogFile::noFreeName()
 {
     for (const int number : upTo(logfilename::mostAttempts))
-        place(logfilename::at(moment, number), number % 2 == 0 ? "a log" : "");
+        QVERIFY(writeFile(pathOf(number), number % 2 == 0 ? "a log" : ""));
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::nullopt);
     QVERIFY(!inside::of(downloader).logFile.isOpen());
-    QVERIFY(!QFile::exists(pathOf(logfilename::at(moment, logfilename::mostAttempts + 1))));
-    QCOMPARE(QFileInfo(pathOf(logfilename::at(moment, 2))).size(), qint64{5});
+    QVERIFY(!QFile::exists(pathOf(logfilename::mostAttempts + 1)));
+    QCOMPARE(QFileInfo(pathOf(2)).size(), qint64{5});
 }
 
 void TestLogFile::namesTakenByOtherThings()
 {
-    QVERIFY(QDir().mkdir(pathOf(logfilename::at(moment, 1))));
-    QVERIFY(QFile::link("nowhere", pathOf(logfilename::at(moment, 2))));
+    QVERIFY(QDir().mkdir(pathOf(1)));
+    QVERIFY(QFile::link("nowhere", pathOf(2)));
     LogDownloader downloader(nullptr, nullptr);
     QCOMPARE(claim(downloader), std::optional(3));
-    QVERIFY(!QFile::exists(pathOf("nowhere")));
+    QVERIFY(!QFile::exists(besideProgram("nowhere")));
 }
 
 #ifdef Q_OS_LINUX
@@ -168,14 +161,14 @@ void TestLogFile::folderCannotBeWritten()
 {
     QFETCH(int, taken);
     for (const int number : upTo(taken))
-        place(logfilename::at(moment, number), "a log");
+        QVERIFY(writeFile(pathOf(number), "a log"));
     LogDownloader downloader(nullptr, nullptr);
     {
         const ReadOnlyFolder folder(QFile::encodeName(QCoreApplication::applicationDirPath()));
         QCOMPARE(claim(downloader), std::nullopt);
     }
     QVERIFY(!inside::of(downloader).logFile.isOpen());
-    QCOMPARE(inside::of(downloader).logFile.fileName(), pathOf(logfilename::at(moment, taken + 1)));
+    QCOMPARE(inside::of(downloader).logFile.fileName(), pathOf(taken + 1));
     QVERIFY(!QFile::exists(inside::of(downloader).logFile.fileName()));
 }
 

@@ -1,6 +1,6 @@
 #include "tests/net/scene.h"
+#include "tests/support/imagefiles.h"
 #include "tests/support/rows.h"
-#include "tests/support/texts.h"
 #include "tests/support/ticks.h"
 
 #include <QFile>
@@ -131,7 +131,6 @@ void TestOverlappingRequests::checkDuringADownload()
 {
     QFETCH(QByteArray, answer);
     const QByteArray image = httpAnswer("200 OK", QByteArray(1000, 'i'));
-    const QString stored = QCoreApplication::applicationDirPath() + '/' + filename::image;
     scene.server.setAnswer(imagePath,
                            {{image.chopped(500), image.right(500)}, RawServer::End::keepOpen, true});
     scene.server.setAnswer(cataloguePath, {{answer}, RawServer::End::keepOpen});
@@ -144,7 +143,7 @@ void TestOverlappingRequests::checkDuringADownload()
     passTicks(50); // the catalogue's bytes may be anywhere now: nothing that shows outside tells
     scene.server.goOn();
     QTRY_VERIFY(!download->isRunning());
-    QVERIFY2(!QFile::remove(stored), "a broken image was stored");
+    QVERIFY2(!QFile::remove(programImage()), "a broken image was stored");
 }
 
 QTEST_GUILESS_MAIN(TestOverlappingRequests)

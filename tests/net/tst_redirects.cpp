@@ -1,9 +1,7 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
 #include "tests/support/selfsigned.h"
-#include "tests/support/texts.h"
 
-#include <QFile>
 #include <QtTest>
 
 namespace {
@@ -77,11 +75,8 @@ void TestRedirects::imageIsTheLastAnswersBody()
     QTRY_VERIFY(scene.received() > 0);
     scene.server.goOn();
     QTRY_COMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
-    QFile stored(QCoreApplication::applicationDirPath() + '/' + filename::image);
-    QVERIFY(stored.open(QIODevice::ReadOnly));
-    QCOMPARE(stored.readAll(), image);
-    QVERIFY(stored.remove());
-    QFile::remove(backupOf(stored.fileName()));
+    QCOMPARE(ImageFiles::at(programImage()).image, image);
+    QVERIFY(ImageFiles{}.placeAt(programImage()));
 }
 
 void TestRedirects::everyRequestKeepsItsHeader()

@@ -2,7 +2,6 @@
 #include "tests/net/signedscene.h"
 #include "tests/support/imagefiles.h"
 #include "tests/support/rows.h"
-#include "tests/support/texts.h"
 
 #include <QTimer>
 #include <QtTest>
@@ -79,8 +78,7 @@ void TestRepeatedChecks::onlyTheLatestCheckCounts()
 /// be sent.
 void TestRepeatedChecks::checkDuringADownload()
 {
-    const QString imageName = QCoreApplication::applicationDirPath() + '/' + filename::image;
-    QVERIFY(ImageFiles{}.placeAt(imageName));
+    QVERIFY(ImageFiles{}.placeAt(programImage()));
     const QByteArray first(40000, 'f');
     const QByteArray second(40000, 's');
     scene.publish(scene.signable({{"HB4Sha256", catalogue::digestOf(first)}}));
@@ -95,14 +93,14 @@ void TestRepeatedChecks::checkDuringADownload()
     scene.server.goOn();
     QCOMPARE(scene.journal->events, QStringList{signedOffer});
     QVERIFY(!scene.checker->mayBeSent(first) && !scene.checker->mayBeSent(second));
-    QCOMPARE(ImageFiles::at(imageName), ImageFiles{});
+    QCOMPARE(ImageFiles::at(programImage()), ImageFiles{});
 
     scene.journal->events.clear();
     scene.server.setAnswer(imagePath, ok(second));
     scene.checker->onNeedDownloadNewFirmware();
     QTRY_VERIFY(scene.rests(1));
     QCOMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
-    QCOMPARE(ImageFiles::at(imageName).image, second);
+    QCOMPARE(ImageFiles::at(programImage()).image, second);
     QVERIFY(!scene.checker->mayBeSent(first) && scene.checker->mayBeSent(second));
 }
 

@@ -1,12 +1,13 @@
 #include "tests/net/scene.h"
 #ifdef Q_OS_LINUX
+#include "tests/support/filecontent.h"
 #include "tests/support/httpthreads.h"
 #endif
+#include "tests/support/programfiles.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
 #include <QAuthenticator>
-#include <QFile>
 #include <QMetaMethod>
 #include <QTimer>
 #include <QtTest>
@@ -204,11 +205,10 @@ void TestUpdateChecker::problemsAreOneText()
 void TestUpdateChecker::serviceFileGoesBeforeTheCatalogue()
 {
     scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
-    const QString path = QCoreApplication::applicationDirPath() + '/' + filename::service;
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString path = besideProgram(filename::service);
+    QVERIFY(writeFile(path, "image"));
     scene.checker->checkUpdate();
-    QVERIFY(file.remove());
+    QVERIFY(QFile::remove(path));
     QCOMPARE(scene.journal->all, (QStringList{told::signal("changeUpdateFileName", {path}),
                                               told::signal("newUpdateFileDownloaded", {"true"})}));
     QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());

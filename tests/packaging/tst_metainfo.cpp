@@ -1,8 +1,8 @@
 // What software catalogues and menus are told about the program.
 
+#include "tests/support/filecontent.h"
 #include "unit/unittype.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QXmlStreamReader>
@@ -15,11 +15,8 @@ const QString folder = TALVEX_PACKAGING "/linux/";
 /// The texts of all elements of this name.
 QStringList textsOf(const QString& element)
 {
-    QFile file(folder + "example.talvex.updater.metainfo.xml");
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
     QStringList texts;
-    for (QXmlStreamReader reader(&file); !reader.atEnd();)
+    for (QXmlStreamReader reader(contentOf(folder + "example.talvex.updater.metainfo.xml")); !reader.atEnd();)
         if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == element)
             texts += reader.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
     return texts;

@@ -1,5 +1,6 @@
 // The user's guide says what the program says: its quotations are bold.
 
+#include "tests/support/filecontent.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "unit/unittype.h"
@@ -11,14 +12,6 @@
 namespace {
 
 const QDir documents(TALVEX_SOURCES "/docs");
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
 
 const QString& guide()
 {

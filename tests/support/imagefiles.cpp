@@ -1,6 +1,8 @@
 #include "tests/support/imagefiles.h"
 
 #include "tests/support/filecontent.h"
+#include "tests/support/programfiles.h"
+#include "tests/support/texts.h"
 
 #include <QDir>
 
@@ -27,6 +29,11 @@ QByteArray summary(const QByteArray& content)
 }
 
 } // namespace
+
+QString programImage()
+{
+    return besideProgram(filename::image);
+}
 
 QString downloadOf(const QString& imageName)
 {

@@ -3,6 +3,12 @@
 #include <QByteArray>
 #include <QString>
 
+/// The content of a file that does not exist.
+inline const QByteArray noFile;
+
+/// The path of the image in the program's directory.
+[[nodiscard]] QString programImage();
+
 /// The names of the files beside an image.
 /// @{
 [[nodiscard]] QString downloadOf(const QString& imageName);

@@ -17,13 +17,6 @@ const QByteArray image = QByteArray(40000, 'n') + '\0' + QByteArray(9, '\r');
 const QByteArray previous(30000, 'p');
 
 const QString done = told::signal("newUpdateFileDownloaded", {"true"});
-const QByteArray none; ///< null: no such file
-
-QString imageName()
-{
-    return QCoreApplication::applicationDirPath() + '/' + filename::image;
-}
-
 } // namespace
 
 /// From the user's Yes to the image on disk.
@@ -55,7 +48,7 @@ private:
 
 void TestFirmwareDownload::init()
 {
-    QVERIFY(ImageFiles{}.placeAt(imageName()));
+    QVERIFY(ImageFiles{}.placeAt(programImage()));
     scene.reset();
     scene.server.setAnswer(imagePath, ok(image));
 }
@@ -71,13 +64,13 @@ void TestFirmwareDownload::firstAndSecondDownload()
 {
     download();
     QCOMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, none}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{image, noFile, noFile}));
 
     const QByteArray second(100, '2');
     scene.server.setAnswer(imagePath, ok(second));
     download();
     QCOMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{second, none, image}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{second, noFile, image}));
 }
 
 void TestFirmwareDownload::leavesNothingInMemory()
@@ -116,7 +109,7 @@ void TestFirmwareDownload::answer()
     scene.server.setAnswer(imagePath, answer);
     download();
     QCOMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{stored, none, none}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{stored, noFile, noFile}));
 }
 
 void TestFirmwareDownload::noImage_data()
@@ -141,12 +134,12 @@ void TestFirmwareDownload::noImage_data()
 void TestFirmwareDownload::noImage()
 {
     QFETCH(Answer, answer);
-    const ImageFiles before{previous, none, "older"};
-    QVERIFY(before.placeAt(imageName()));
+    const ImageFiles before{previous, noFile, "older"};
+    QVERIFY(before.placeAt(programImage()));
     scene.server.setAnswer(imagePath, answer);
     download();
     QCOMPARE(scene.journal->events, scene.networkError(Request::image));
-    QCOMPARE(ImageFiles::at(imageName()), before);
+    QCOMPARE(ImageFiles::at(programImage()), before);
 }
 
 void TestFirmwareDownload::networkErrorWritesNothing()
@@ -155,7 +148,7 @@ void TestFirmwareDownload::networkErrorWritesNothing()
     scene.server.setAnswer(imagePath, {{announced(9, "half")}});
     download();
     QCOMPARE(scene.journal->events, scene.networkError(Request::image));
-    QCOMPARE(ImageFiles::at(imageName()), ImageFiles{});
+    QCOMPARE(ImageFiles::at(programImage()), ImageFiles{});
     QVERIFY(!scene.clock().isActive());
     QVERIFY(scene.hasStaleCatalogue()); // unlike after a whole image
 }
@@ -168,7 +161,7 @@ void TestFirmwareDownload::nextDownloadBeginsAfresh()
     scene.server.setAnswer(imagePath, ok(image));
     download();
     QCOMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, none}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{image, noFile, noFile}));
 }
 
 void TestFirmwareDownload::badAddress_data()
@@ -229,7 +222,7 @@ void TestFirmwareDownload::announcedSizeIsReported()
                              told::problem()};
     QCOMPARE(scene.journal->events.mid(0, 3), report);
     QCOMPARE(scene.journal->events.count(told::problem()), scene.journal->progress.size());
-    QVERIFY(ImageFiles::at(imageName()).image == large);
+    QVERIFY(ImageFiles::at(programImage()).image == large);
 }
 
 QTEST_GUILESS_MAIN(TestFirmwareDownload)

@@ -16,7 +16,6 @@ namespace {
 using faultycalls::Call;
 using Trouble = std::function<void()>; ///< what makes the disk refuse
 
-const QByteArray none; ///< null: no such file
 const QByteArray image(40000, 'n');
 const QByteArray previous(30000, 'p');
 
@@ -24,11 +23,6 @@ const QString done = told::signal("newUpdateFileDownloaded", {"true"});
 const QStringList notSaved{told::savingProblem(), told::log(text::savingProblem)};
 const QStringList imageMissing{told::savingProblem(), told::log("Error not found update file"),
                                told::signal("checkversionError", {"Unknown error"})};
-
-QString imageName()
-{
-    return QCoreApplication::applicationDirPath() + '/' + filename::image;
-}
 
 } // namespace
 Q_DECLARE_METATYPE(Trouble)
@@ -51,7 +45,7 @@ private:
 
 void TestFirmwareSaving::init()
 {
-    QVERIFY(ImageFiles{}.placeAt(imageName()));
+    QVERIFY(ImageFiles{}.placeAt(programImage()));
     scene.reset();
     scene.server.setAnswer(imagePath, ok(image));
 }
@@ -62,8 +56,8 @@ void TestFirmwareSaving::cannotBeSaved_data()
     const Rows<Trouble, bool, QStringList, QByteArray> row("trouble", "hadImage", "events", "left");
     const QStringList lost = notSaved + imageMissing + QStringList{done};
     const QStringList kept = notSaved + QStringList{done};
-    const Trouble noDownload = [] { QVERIFY(QDir().mkpath(downloadOf(imageName()) + "/inside")); };
-    const Trouble noBackup = [] { QVERIFY(QDir().mkpath(backupOf(imageName()) + "/inside")); };
+    const Trouble noDownload = [] { QVERIFY(QDir().mkpath(downloadOf(programImage()) + "/inside")); };
+    const Trouble noBackup = [] { QVERIFY(QDir().mkpath(backupOf(programImage()) + "/inside")); };
     const Trouble full = [] { faultycalls::fail(Call::write, 1, ENOSPC); };
     const Trouble broken = [] { faultycalls::fail(Call::fsync, 1, EIO); };
     const auto noRename = [](int nth) {
@@ -76,15 +70,15 @@ void TestFirmwareSaving::cannotBeSaved_data()
         full();
         noBackup();
     };
-    row("file cannot be created, first download", noDownload, false, lost, none);
-    row("file cannot be created", noDownload, true, lost, none);
-    row("disk is full, first download", full, false, lost, none);
-    row("disk is full", full, true, lost, none);
-    row("disk is broken", broken, true, lost, none);
+    row("file cannot be created, first download", noDownload, false, lost, noFile);
+    row("file cannot be created", noDownload, true, lost, noFile);
+    row("disk is full, first download", full, false, lost, noFile);
+    row("disk is full", full, true, lost, noFile);
+    row("disk is broken", broken, true, lost, noFile);
     row("image cannot become the backup", noBackup, true, kept, previous);
     row("disk is full and image cannot become the backup", fullAndNoBackup, true, kept, previous);
-    row("download cannot become the image", noRename(2), true, lost, none);
-    row("download cannot become the image, first download", noRename(1), false, lost, none);
+    row("download cannot become the image", noRename(2), true, lost, noFile);
+    row("download cannot become the image, first download", noRename(1), false, lost, noFile);
 }
 
 /// Told once for the save, once more for the missing image; the previous image is never offered as the new
@@ -94,12 +88,12 @@ void TestFirmwareSaving::cannotBeSaved()
     QFETCH(Trouble, trouble);
     QFETCH(bool, hadImage);
     QFETCH(QStringList, events);
-    QVERIFY((ImageFiles{hadImage ? previous : none, none, none}.placeAt(imageName())));
+    QVERIFY((ImageFiles{hadImage ? previous : noFile, noFile, noFile}.placeAt(programImage())));
     trouble();
     scene.ask(Request::image);
     QTRY_VERIFY(scene.journal->events.contains(done));
     QCOMPARE(scene.journal->events, events);
-    const ImageFiles files = ImageFiles::at(imageName());
+    const ImageFiles files = ImageFiles::at(programImage());
     QTEST(files.image, "left");
     if (hadImage)
         QCOMPARE(files.image.isNull() ? files.backup : files.image, previous);
@@ -108,14 +102,14 @@ void TestFirmwareSaving::cannotBeSaved()
 
 void TestFirmwareSaving::diskIsFullInMidFile()
 {
-    QVERIFY((ImageFiles{previous, none, none}.placeAt(imageName())));
+    QVERIFY((ImageFiles{previous, noFile, noFile}.placeAt(programImage())));
     {
         const FileSizeLimit limit(20000);
         scene.ask(Request::image);
         QTRY_VERIFY(scene.journal->events.contains(done));
     }
     QCOMPARE(scene.journal->events, notSaved + imageMissing + QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{none, none, previous}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{noFile, noFile, previous}));
 }
 
 QTEST_GUILESS_MAIN(TestFirmwareSaving)

@@ -14,8 +14,7 @@ using Answer = RawServer::Answer;
 
 const QByteArray image = QByteArray(40000, 'n') + '\0' + QByteArray(9, '\r');
 const QByteArray previous(30000, 'p');
-const QByteArray none; ///< null: no such file
-const ImageFiles before{previous, none, "older"};
+const ImageFiles before{previous, noFile, "older"};
 
 const QString done = told::signal("newUpdateFileDownloaded", {"true"});
 const QString damaged = told::signal("youHaveProblem", {text::damagedImage, text::nothingChanged});
@@ -25,11 +24,6 @@ const QStringList malformed{told::log("The catalogue's SHA-256 of the image is m
 QString sha256(const QByteArray& bytes)
 {
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-}
-
-QString imageName()
-{
-    return QCoreApplication::applicationDirPath() + '/' + filename::image;
 }
 
 } // namespace
@@ -56,7 +50,7 @@ private:
 
 void TestImageDigest::init()
 {
-    QVERIFY(before.placeAt(imageName()));
+    QVERIFY(before.placeAt(programImage()));
     scene.reset();
     scene.server.setAnswer(changeLogPath, ok("better"));
 }
@@ -105,7 +99,7 @@ void TestImageDigest::digest()
     checkAndDownload({{"HB4Sha256", digest}});
     QCOMPARE(scene.journal->events, events);
     const bool stored = events.contains(done);
-    QCOMPARE(ImageFiles::at(imageName()), stored ? (ImageFiles{image, none, previous}) : before);
+    QCOMPARE(ImageFiles::at(programImage()), stored ? (ImageFiles{image, noFile, previous}) : before);
 }
 
 void TestImageDigest::answer_data()
@@ -126,7 +120,7 @@ void TestImageDigest::answer()
     QFETCH(bool, isGood);
     checkAndDownload({{"HB4Sha256", sha256(image)}}, answer);
     QCOMPARE(scene.journal->events, isGood ? QStringList{done} : differs);
-    QCOMPARE(ImageFiles::at(imageName()), isGood ? (ImageFiles{image, none, previous}) : before);
+    QCOMPARE(ImageFiles::at(programImage()), isGood ? (ImageFiles{image, noFile, previous}) : before);
 }
 
 void TestImageDigest::digestOfAnotherModel()
@@ -143,7 +137,7 @@ void TestImageDigest::refusedImageLeavesNothingBehind()
     scene.journal->events.clear();
     checkAndDownload({{"HB4Sha256", sha256(image)}}); // and a later one is taken
     QCOMPARE(scene.journal->events, QStringList{done});
-    QCOMPARE(ImageFiles::at(imageName()), (ImageFiles{image, none, previous}));
+    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{image, noFile, previous}));
 }
 
 QTEST_GUILESS_MAIN(TestImageDigest)

@@ -11,8 +11,6 @@ Q_DECLARE_METATYPE(Kept)
 
 namespace {
 
-const QByteArray none; ///< null: no such file
-
 const QByteArray previous(50000, 'p');
 const QByteArray fresh(70000, 'f');
 
@@ -51,11 +49,11 @@ void TestImageReadBack::diskKeepsSomethingElse()
     QFETCH(Kept, kept);
     const QTemporaryDir folder;
     const QString name = folder.filePath(filename::image);
-    QVERIFY((ImageFiles{previous, none, none}.placeAt(name)));
+    QVERIFY((ImageFiles{previous, noFile, noFile}.placeAt(name)));
     const ImageStore store(name);
     faultycalls::spoil(kept);
     QVERIFY(!store.writeDownload(fresh));
-    QCOMPARE(ImageFiles::at(name), (ImageFiles{previous, none, none}));
+    QCOMPARE(ImageFiles::at(name), (ImageFiles{previous, noFile, noFile}));
 }
 
 QTEST_APPLESS_MAIN(TestImageReadBack)

@@ -21,7 +21,6 @@ using faultycalls::Call;
 
 namespace {
 
-const QByteArray none; ///< null: no such file
 const QByteArray older(70000, 'o');
 const QByteArray previous(50000, 'p');
 const QByteArray fresh = QByteArray(60000, 'f') + '\0' + QByteArray(1234, 'g');
@@ -80,12 +79,12 @@ void TestImageStore::place(const ImageFiles& files) const
 void TestImageStore::stores_data()
 {
     const Rows<ImageFiles, ImageFiles> row("before", "after");
-    row("first download", {}, {fresh, none, none});
-    row("second download", {previous, none, none}, {fresh, none, previous});
-    row("third download", {previous, none, older}, {fresh, none, previous});
-    row("a download was left over", {previous, older, none}, {fresh, none, previous});
-    row("killed between the two renames before", {none, older, previous}, {fresh, none, none});
-    row("only a backup is left", {none, none, previous}, {fresh, none, none});
+    row("first download", {}, {fresh, noFile, noFile});
+    row("second download", {previous, noFile, noFile}, {fresh, noFile, previous});
+    row("third download", {previous, noFile, older}, {fresh, noFile, previous});
+    row("a download was left over", {previous, older, noFile}, {fresh, noFile, previous});
+    row("killed between the two renames before", {noFile, older, previous}, {fresh, noFile, noFile});
+    row("only a backup is left", {noFile, noFile, previous}, {fresh, noFile, noFile});
 }
 
 void TestImageStore::stores()
@@ -95,7 +94,7 @@ void TestImageStore::stores()
     place(before);
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
-    QCOMPARE(found(), (ImageFiles{before.image, fresh, before.image.isNull() ? before.backup : none}));
+    QCOMPARE(found(), (ImageFiles{before.image, fresh, before.image.isNull() ? before.backup : noFile}));
     QVERIFY(store.replaceImage(true));
     QVERIFY(store.hasImage());
     QCOMPARE(found(), after);
@@ -115,7 +114,7 @@ void TestImageStore::storesAnySize()
     const QByteArray image = QByteArray("").leftJustified(size, 'z');
     QVERIFY(store.writeDownload(image));
     QVERIFY(store.replaceImage(true));
-    QCOMPARE(found(), (ImageFiles{image, none, none}));
+    QCOMPARE(found(), (ImageFiles{image, noFile, noFile}));
 }
 
 void TestImageStore::bytesReachTheDiskBeforeTheyBecomeTheImage()
@@ -133,13 +132,13 @@ void TestImageStore::bytesReachTheDiskBeforeTheyBecomeTheImage()
 void TestImageStore::linkIsNotFollowed()
 {
     const QString elsewhere = folder->filePath("elsewhere");
-    QVERIFY((ImageFiles{previous, none, none}.placeAt(elsewhere)));
+    QVERIFY((ImageFiles{previous, noFile, noFile}.placeAt(elsewhere)));
     QVERIFY(QFile::link(elsewhere, downloadOf(name)));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     QVERIFY(store.replaceImage(true));
     QCOMPARE(ImageFiles::at(elsewhere).image, previous);
-    QCOMPARE(found(), (ImageFiles{fresh, none, none}));
+    QCOMPARE(found(), (ImageFiles{fresh, noFile, noFile}));
     QVERIFY(!QFileInfo(name).isSymLink());
 }
 
@@ -158,11 +157,11 @@ void TestImageStore::diskRefuses()
     QFETCH(Call, call);
     QFETCH(int, error);
     QFETCH(QByteArray, bytes);
-    place({previous, none, none});
+    place({previous, noFile, noFile});
     const ImageStore store(name);
     faultycalls::fail(call, 1, error);
     QVERIFY(!store.writeDownload(bytes));
-    QCOMPARE(found(), (ImageFiles{previous, none, none}));
+    QCOMPARE(found(), (ImageFiles{previous, noFile, noFile}));
 }
 
 void TestImageStore::diskIsFullInMidFile()
@@ -179,14 +178,14 @@ void TestImageStore::diskIsFullInMidFile()
 
 void TestImageStore::nameTakenByAFolder()
 {
-    place({previous, none, none});
+    place({previous, noFile, noFile});
     QVERIFY(QDir().mkpath(downloadOf(name) + "/inside"));
     const ImageStore store(name);
     QVERIFY(!store.writeDownload(fresh));
-    QCOMPARE(found(), (ImageFiles{previous, none, none}));
+    QCOMPARE(found(), (ImageFiles{previous, noFile, noFile}));
     QVERIFY(store.replaceImage(true));
     QVERIFY2(!store.hasImage(), "neither the folder nor the previous image passes for the new one");
-    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+    QCOMPARE(found(), (ImageFiles{noFile, noFile, previous}));
 }
 
 void TestImageStore::folderIsGone()
@@ -209,63 +208,63 @@ void TestImageStore::onlyImageSurvivesAFailure_data()
 void TestImageStore::onlyImageSurvivesAFailure()
 {
     QFETCH(bool, isTaken);
-    place({none, older, previous});
+    place({noFile, older, previous});
     QVERIFY(!isTaken || QDir().mkpath(name + "/taken"));
     const ImageStore store(name);
     faultycalls::fail(Call::write, 1, ENOSPC);
     QVERIFY(!store.writeDownload(fresh));
     QCOMPARE(store.replaceImage(true), !isTaken);
-    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+    QCOMPARE(found(), (ImageFiles{noFile, noFile, previous}));
 }
 
 void TestImageStore::imageCannotBecomeTheBackup()
 {
-    place({previous, none, none});
+    place({previous, noFile, noFile});
     QVERIFY(QDir().mkpath(backupOf(name) + "/inside"));
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     QVERIFY(!store.replaceImage(true));
-    QCOMPARE(found(), (ImageFiles{previous, fresh, none}));
+    QCOMPARE(found(), (ImageFiles{previous, fresh, noFile}));
 }
 
 void TestImageStore::downloadCannotBecomeTheImage()
 {
-    place({previous, none, none});
+    place({previous, noFile, noFile});
     const ImageStore store(name);
     QVERIFY(store.writeDownload(fresh));
     faultycalls::fail(Call::rename, 2, EIO);
     faultycalls::fail(Call::write, 1, EIO); // the toolkit copies what it cannot rename
     QVERIFY(!store.replaceImage(true));
     QVERIFY(!store.hasImage());
-    QCOMPARE(found(), (ImageFiles{none, fresh, previous}));
+    QCOMPARE(found(), (ImageFiles{noFile, fresh, previous}));
 }
 
 void TestImageStore::replacingWithoutADownload()
 {
-    place({previous, none, none});
+    place({previous, noFile, noFile});
     const ImageStore store(name);
     QVERIFY(store.replaceImage(true));
     QVERIFY2(!store.hasImage(), "the previous image is never taken for the new one");
-    QCOMPARE(found(), (ImageFiles{none, none, previous}));
+    QCOMPARE(found(), (ImageFiles{noFile, noFile, previous}));
 }
 
 /// One that could not be removed: it is not the new image.
 void TestImageStore::replacingWithADownloadOfBefore()
 {
-    place({previous, older, none});
+    place({previous, older, noFile});
     const ImageStore store(name);
     QVERIFY(store.replaceImage(false));
     QVERIFY(!store.hasImage());
-    QCOMPARE(found(), (ImageFiles{none, older, previous}));
+    QCOMPARE(found(), (ImageFiles{noFile, older, previous}));
 }
 
 void TestImageStore::killedAtAnyCall_data()
 {
     QTest::addColumn<ImageFiles>("before");
-    QTest::newRow("an image") << ImageFiles{previous, none, none};
-    QTest::newRow("an image and its backup") << ImageFiles{previous, none, older};
-    QTest::newRow("killed between the two renames before") << ImageFiles{none, fresh, previous};
-    QTest::newRow("only a backup") << ImageFiles{none, none, previous};
+    QTest::newRow("an image") << ImageFiles{previous, noFile, noFile};
+    QTest::newRow("an image and its backup") << ImageFiles{previous, noFile, older};
+    QTest::newRow("killed between the two renames before") << ImageFiles{noFile, fresh, previous};
+    QTest::newRow("only a backup") << ImageFiles{noFile, noFile, previous};
 }
 
 /// Stores in a process that is killed before its nth file call. False once it got to its end alive.

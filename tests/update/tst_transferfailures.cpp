@@ -1,4 +1,5 @@
 #include "tests/support/boxlines.h"
+#include "tests/support/programfiles.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
@@ -8,11 +9,6 @@
 #include <QtTest>
 
 namespace {
-
-QString programFile(const char* name)
-{
-    return QCoreApplication::applicationDirPath() + '/' + name;
-}
 
 void resize(const QString& name, qint64 bytes)
 {
@@ -163,11 +159,11 @@ void TestTransferFailures::stateChangeFirstThenThatBox()
 void TestTransferFailures::noImage_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no such file") << programFile("nowhere.sb");
+    QTest::newRow("no such file") << besideProgram("nowhere.sb");
     QTest::newRow("a directory") << QDir::tempPath();
     QTest::newRow("no file name") << QString();
-    QTest::newRow("empty") << programFile(filename::image);
-    QTest::newRow("one byte more than any image can have") << programFile(filename::download);
+    QTest::newRow("empty") << besideProgram(filename::image);
+    QTest::newRow("one byte more than any image can have") << besideProgram(filename::download);
 }
 
 void TestTransferFailures::noImage()
@@ -175,7 +171,7 @@ void TestTransferFailures::noImage()
     QFETCH(QString, name);
     TransferDesk desk(UNIT_HB4);
     placeFile(filename::image, "");
-    resize(programFile(filename::download), 64 * 1024 * 1024 + 1);
+    resize(besideProgram(filename::download), 64 * 1024 * 1024 + 1);
     desk.window->onChangeUpdateFileName(name);
     desk.load(imageOf(200)); // of an earlier update
     desk.window->updateDevice();
@@ -188,8 +184,8 @@ void TestTransferFailures::noImage()
 void TestTransferFailures::largestImage()
 {
     TransferDesk desk(UNIT_HB4);
-    resize(programFile(filename::download), 64 * 1024 * 1024);
-    desk.window->onChangeUpdateFileName(programFile(filename::download));
+    resize(besideProgram(filename::download), 64 * 1024 * 1024);
+    desk.window->onChangeUpdateFileName(besideProgram(filename::download));
     desk.window->updateDevice();
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
     desk.tick();
@@ -201,7 +197,7 @@ void TestTransferFailures::largestImage()
 void TestTransferFailures::noImageThenNothingIsSent()
 {
     TransferDesk desk(UNIT_HB4);
-    desk.window->onChangeUpdateFileName(programFile("nowhere.sb"));
+    desk.window->onChangeUpdateFileName(besideProgram("nowhere.sb"));
     QString underTheBox;
     desk.window.boxes.whileOpen = [&](QMessageBox&) { underTheBox = desk.phase(); };
     desk.window->updateDevice();

@@ -1,8 +1,8 @@
 #include "tests/net/scene.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/rows.h"
 #include "update/openeraddress.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -69,21 +69,18 @@ void TestUpdaterHandover::openerGetsTheAddress()
     scene.journal->events.clear();
 
     const QTemporaryDir folder;
-    QFile opener(folder.filePath("xdg-open"));
-    QVERIFY(opener.open(QIODevice::WriteOnly));
-    opener.write(
-        "#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > \"${0%/*}/new\" && mv \"${0%/*}/new\" \"${0%/*}/opened\"\n");
-    opener.close();
-    QVERIFY(opener.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const QString opener = folder.filePath("xdg-open");
+    QVERIFY(writeFile(
+        opener,
+        "#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > \"${0%/*}/new\" && mv \"${0%/*}/new\" \"${0%/*}/opened\"\n"));
+    QVERIFY(QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner));
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", folder.path().toUtf8() + ':' + path);
     scene.checker->onNeedDownloadNewMainFirmware();
     qputenv("PATH", path);
     QCOMPARE(scene.journal->events, QStringList{told::signal("startDownloadMainUpdate")});
-    QFile opened(folder.filePath("opened"));
-    QTRY_VERIFY(opened.exists());
-    QVERIFY(opened.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(opened.readAll()), "1|" + handedOver + '|');
+    QTRY_VERIFY(QFile::exists(folder.filePath("opened")));
+    QCOMPARE(QString::fromUtf8(contentOf(folder.filePath("opened"))), "1|" + handedOver + '|');
     QVERIFY(!scene.checker->isBusy());
 }
 

@@ -3,8 +3,6 @@
 #include "tests/harness/childprocess.h"
 #include "tests/harness/waiting.h"
 
-#include <QFile>
-
 QString Tool::program()
 {
     return TALVEX_CATALOGUE_TOOL;
@@ -37,17 +35,4 @@ Tool::Outcome Tool::runOnTerminal(const QString& arguments)
 Tool::Outcome Tool::runIntoFullDisk(const QStringList& arguments)
 {
     return run("sh", QStringList{"-c", "exec \"$0\" \"$@\" > /dev/full", program()} + arguments);
-}
-
-void Tool::write(const QString& name, const QByteArray& bytes) const
-{
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-}
-
-QByteArray Tool::read(const QString& name) const
-{
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
 }

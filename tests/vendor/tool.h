@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/filecontent.h"
 #include "tests/support/rawserver.h"
 
 #include <QProcessEnvironment>
@@ -26,8 +27,12 @@ public:
     /// The same, but writing to standard output fails.
     [[nodiscard]] Outcome runIntoFullDisk(const QStringList& arguments);
 
-    void write(const QString& name, const QByteArray& bytes) const;
-    [[nodiscard]] QByteArray read(const QString& name) const;
+    void write(const QString& name, const QByteArray& bytes) const
+    {
+        if (!writeFile(path(name), bytes))
+            qFatal("cannot write %s", qPrintable(path(name)));
+    }
+    [[nodiscard]] QByteArray read(const QString& name) const { return contentOf(path(name)); }
     [[nodiscard]] QString path(const QString& name) const { return directory.filePath(name); }
 
     [[nodiscard]] static QString program();

@@ -1,4 +1,5 @@
 #include "tests/harness/updateserver.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/limits.h"
 #include "tests/vendor/goodcatalogue.h"
 
@@ -13,12 +14,6 @@ namespace {
 const QByteArray oldImage = "image";
 const QByteArray newImage = "new image";
 const QByteArray password = "a password\n";
-
-QByteArray contentOf(const QString& name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QByteArray sha256(const QByteArray& bytes)
 {
@@ -41,7 +36,8 @@ private slots:
     void stopsAtAnError();
 
 private:
-    void write(const QString& name, const QByteArray& bytes) const;
+    [[nodiscard]] QString path(const QString& name) const { return directory.filePath(name); }
+    void write(const QString& name, const QByteArray& bytes) const { QVERIFY(writeFile(path(name), bytes)); }
     [[nodiscard]] bool type(const QByteArray& commands, const QByteArray& answers);
     [[nodiscard]] QString served(const QString& path) const { return server.root() + path; }
 
@@ -52,13 +48,6 @@ private:
     QByteArray shellLines;
     QByteArray output;
 };
-
-void TestVendorDocument::write(const QString& name, const QByteArray& bytes) const
-{
-    QFile file(directory.filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64(bytes.size()));
-}
 
 /// Runs the commands with a shell, in the directory. True if they succeed.
 bool TestVendorDocument::type(const QByteArray& commands, const QByteArray& answers)
@@ -103,7 +92,7 @@ void TestVendorDocument::initTestCase()
     write("HB4_28.txt", "new log");
     QVERIFY2(type(keyLine, password + password), output.constData());
     QVERIFY2(type(hashLines, {}), output.constData());
-    const QByteArray hashed = contentOf(directory.filePath("versions.txt"));
+    const QByteArray hashed = contentOf(path("versions.txt"));
     QCOMPARE(hashed.count("Sha256=" + sha256(oldImage) + '\n'), everyStem().size());
     MUST(server.publish("/wp-content/uploads/versions.txt", hashed));
 }
@@ -124,18 +113,18 @@ void TestVendorDocument::publishes()
     QVERIFY(catalogue.contains("\nHB4Bin=http://updates.example.com/bin/HB4_28.sb\n"));
     QCOMPARE(contentOf(served("/bin/HB4_28.sb")), newImage);
     QCOMPARE(contentOf(served("/logs/HB4_28.txt")), QByteArray("new log"));
-    const QByteArray secret = contentOf(directory.filePath("catalogue.key")).split('\n').value(1);
+    const QByteArray secret = contentOf(path("catalogue.key")).split('\n').value(1);
     QVERIFY(secret.startsWith("RWRTY0Iy")); // an unprotected key begins with RWQAAEIy
 }
 
 void TestVendorDocument::keepsLineEnds()
 {
-    const QByteArray before = contentOf(directory.filePath("versions.txt"));
+    const QByteArray before = contentOf(path("versions.txt"));
     write("versions.txt", goodCatalogue().replace("\n", "\r\n"));
     const int edit = shellLines.indexOf("sed -i");
     const QByteArray line = shellLines.mid(edit, shellLines.indexOf('\n', edit) - edit);
     QVERIFY2(type("site=http://host; " + line, {}), output.constData());
-    const QByteArray after = contentOf(directory.filePath("versions.txt"));
+    const QByteArray after = contentOf(path("versions.txt"));
     write("versions.txt", before);
     QVERIFY(after.contains("\r\nHB4Ver=28\r\nHB4Bin=http://host/bin/HB4_28.sb\r\n"
                            "HB4ChangeLog=http://host/logs/HB4_28.txt\r\n"));
@@ -156,7 +145,7 @@ void TestVendorDocument::stopsAtAFailedUpload()
 void TestVendorDocument::stopsAtAnError()
 {
     const QByteArray before = contentOf(served("/wp-content/uploads/versions.txt"));
-    QByteArray wrong = contentOf(directory.filePath("versions.txt"));
+    QByteArray wrong = contentOf(path("versions.txt"));
     write("versions.txt", wrong.replace("HB2Ver=27", "HB2Ver=2,8"));
     QVERIFY(!type(shellLines, password));
     QVERIFY2(output.endsWith("\n1 error, 0 notes\n"), output.constData());
