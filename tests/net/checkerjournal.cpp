@@ -76,9 +76,34 @@ QString savingProblem()
     return signal("youHaveProblem", {text::savingProblem, text::savingAdvice});
 }
 
-QStringList badAddress()
+QStringList upToDate()
 {
-    return {log("UpdateChecker::downloadError"), log("UpdateChecker::exitSlot"), problem()};
+    return {signal("youHaveLastVersion")};
+}
+
+QStringList offer(const QString& changeLog)
+{
+    return {signal("findNewVersion", {"27", changeLog})};
+}
+
+QStringList updaterOffer(const QString& changeLog)
+{
+    return {signal("findMainNewVersion", {updater::next, changeLog})};
+}
+
+QStringList imageStored()
+{
+    return {signal("newUpdateFileDownloaded", {"true"})};
+}
+
+QStringList silence()
+{
+    return {log("UpdateChecker::exitSlot"), problem()};
+}
+
+QStringList downloadError()
+{
+    return QStringList{log("UpdateChecker::downloadError")} + silence();
 }
 
 QStringList incomplete()

@@ -37,7 +37,12 @@ namespace told {
 [[nodiscard]] QString signal(const QString& name, const QStringList& parameters = {});
 [[nodiscard]] QString problem(); ///< the only network problem
 [[nodiscard]] QString savingProblem();
-[[nodiscard]] QStringList badAddress(); ///< of an address that cannot be taken apart
-[[nodiscard]] QStringList incomplete(); ///< of a catalogue without a value that is needed
+[[nodiscard]] QStringList upToDate();
+[[nodiscard]] QStringList offer(const QString& changeLog = "better");          ///< of firmware 27
+[[nodiscard]] QStringList updaterOffer(const QString& changeLog = "new look"); ///< of the next updater
+[[nodiscard]] QStringList imageStored();
+[[nodiscard]] QStringList silence();       ///< of a server; also of a catalogue that is too large
+[[nodiscard]] QStringList downloadError(); ///< of a bad address, or of a size that is too large
+[[nodiscard]] QStringList incomplete();    ///< of a catalogue without a value that is needed
 
 } // namespace told

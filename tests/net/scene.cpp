@@ -32,11 +32,17 @@ std::uint32_t crc32(const QByteArray& bytes)
 
 } // namespace
 
+QByteArray nameOf(Request request)
+{
+    constexpr std::array names{"catalogue", "change log", "updater's change log", "image"};
+    return names.at(static_cast<std::size_t>(request));
+}
+
 void addRequests()
 {
     QTest::addColumn<Request>("request");
-    for (std::size_t request = 0; request < requestNames.size(); ++request)
-        QTest::newRow(requestNames.at(request)) << static_cast<Request>(request);
+    for (const Request request : everyRequest)
+        QTest::newRow(nameOf(request)) << request;
 }
 
 Scene::Scene()
@@ -50,6 +56,8 @@ void Scene::reset()
     journal.reset();
     checker.reset();
     server.clear();
+    server.setAnswer(changeLogPath, ok("better"));
+    server.setAnswer(mainChangeLogPath, ok("new look"));
     checker = std::make_unique<UpdateChecker>();
     checker->setUnitType(UNIT_HB4);
     checker->setCurVersion(static_cast<unsigned char>(23));
@@ -78,6 +86,18 @@ void Scene::ask(Request request, const QString& address)
         checker->onNeedDownloadNewFirmware();
         break;
     }
+}
+
+void Scene::checkAgainst(const QByteArray& catalogue)
+{
+    server.setAnswer(cataloguePath, ok(catalogue));
+    checker->checkUpdate();
+}
+
+void Scene::letTheClockFire() const
+{
+    QTimerEvent event(clock().timerId());
+    QCoreApplication::sendEvent(&clock(), &event);
 }
 
 QString Scene::path(Request request)
@@ -118,9 +138,8 @@ void Scene::leaveStaleCatalogue()
 bool Scene::hasStaleCatalogue()
 {
     journal->events.clear();
-    server.setAnswer(cataloguePath, ok(catalogue({{"HB4Ver", {}}})));
     server.setAnswer(changeLogPath, ok("better"));
-    checker->checkUpdate();
+    checkAgainst(catalogue({{"HB4Ver", {}}}));
     (void)QTest::qWaitFor([this] { return rests(1); }, limits::hangMs());
     return journal->events == QStringList{told::signal("findNewVersion", {"99", "better"})};
 }

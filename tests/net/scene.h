@@ -16,11 +16,18 @@
 enum class Request { catalogue, changeLog, mainChangeLog, image };
 Q_DECLARE_METATYPE(Request)
 
-/// Their names, in that order.
-inline constexpr std::array requestNames{"catalogue", "change log", "updater's change log", "image"};
+/// All of them, in that order.
+inline constexpr std::array everyRequest{Request::catalogue, Request::changeLog, Request::mainChangeLog,
+                                         Request::image};
+
+[[nodiscard]] QByteArray nameOf(Request request);
 
 /// Adds a test row for each request, with the column "request".
 void addRequests();
+
+using Answer = RawServer::Answer;
+using End = RawServer::End;
+Q_DECLARE_METATYPE(Answer)
 
 /// An update checker for an HB4 at version 23, and its server. The vendor's host is reached through the
 /// system's proxy settings, as in the program; all other addresses point to the server itself.
@@ -29,7 +36,8 @@ class Scene
 public:
     Scene();
 
-    /// Creates a new checker and journal, and clears the server.
+    /// Creates a new checker and journal, and clears the server but for the change logs ("better" and "new
+    /// look").
     void reset();
 
     /// Makes the checker send the request. For changeLog, mainChangeLog and image, the checker first gets
@@ -39,6 +47,9 @@ public:
     /// At this address, as a catalogue would give it; the catalogue has an address of its own.
     void ask(Request request, const QString& address);
     [[nodiscard]] static QString path(Request request);
+
+    /// Has the server give this catalogue, and the checker ask for it.
+    void checkAgainst(const QByteArray& catalogue);
 
     /// What the checker reports when this request fails with a network error. The error text is taken from
     /// the reply that the checker then holds.
@@ -58,6 +69,8 @@ public:
     [[nodiscard]] QNetworkReply* reply() const { return state().reply; }
     /// The checker's timeout timer.
     [[nodiscard]] QTimer& clock() const { return *checker->findChild<QTimer*>(); }
+    /// As if its time were over: no test waits for it.
+    void letTheClockFire() const;
 
     /// Has a check fail that has received a firmware version: that is left behind.
     void leaveStaleCatalogue();

@@ -7,12 +7,7 @@
 
 #include <QTest>
 
-Q_DECLARE_METATYPE(RawServer::Answer)
-
 inline constexpr auto signaturePath = "/wp-content/uploads/versions.txt.minisig";
-
-/// What follows from the catalogue of SignedScene.
-inline const QString signedOffer = told::signal("findNewVersion", {"27", "better"});
 
 /// A checker with a key and its server, the owner of the key, and somebody else with another one.
 class SignedScene : public Scene
@@ -22,8 +17,6 @@ public:
     {
         testkey::set(signer.publicKey());
         Scene::reset();
-        server.setAnswer(changeLogPath, ok("better"));
-        server.setAnswer(mainChangeLogPath, ok("new look"));
     }
 
     /// A catalogue as of Scene, with the digest that a program with a key demands.
@@ -56,7 +49,7 @@ public:
     {
         journal->events.clear();
         checker->onNeedDownloadNewFirmware();
-        return journal->events == told::badAddress();
+        return journal->events == told::downloadError();
     }
 
     Signer signer;

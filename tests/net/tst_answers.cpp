@@ -1,17 +1,8 @@
 #include "tests/net/scene.h"
+#include "tests/support/rows.h"
 #include "tests/support/systemproxy.h"
 
-#include <QTimer>
 #include <QtTest>
-
-Q_DECLARE_METATYPE(RawServer::Answer)
-
-namespace {
-
-using Answer = RawServer::Answer;
-using End = RawServer::End;
-
-} // namespace
 
 /// What becomes of an answer that is not the plain one: odd but good answers are used, bad ones are a network
 /// error.
@@ -27,7 +18,6 @@ private slots:
     void nobodyListens();
     void good_data();
     void good();
-    void afterAnErrorTheNextAnswerCounts();
 
 private:
     Scene scene;
@@ -35,15 +25,13 @@ private:
 
 void TestAnswers::bad_data()
 {
-    QTest::addColumn<Request>("request");
-    QTest::addColumn<Answer>("answer");
+    const Rows<Request, Answer> rows("request", "answer");
     const QByteArray text(100, 'x');
     const QByteArray promise = announced(1000, text);
     const QByteArray openChunk = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n64\r\n" + text;
-    for (std::size_t index = 0; index < requestNames.size(); ++index) {
-        const auto request = static_cast<Request>(index);
-        const auto row = [index, request](const char* name, const Answer& answer) {
-            QTest::addRow("%s, %s", requestNames.at(index), name) << request << answer;
+    for (const Request request : everyRequest) {
+        const auto row = [&](const char* name, const Answer& answer) {
+            rows(nameOf(request) + ", " + name, request, answer);
         };
         row("body cut short", {{promise}});
         row("reset in mid body", {{promise}, End::reset});
@@ -77,8 +65,7 @@ void TestAnswers::bad()
     QFETCH(Answer, answer);
     scene.server.setAnswer(Scene::path(request), answer);
     scene.ask(request);
-    const qsizetype count = scene.networkError(request).size();
-    QTRY_VERIFY(scene.rests(count));
+    QTRY_VERIFY(scene.rests(scene.networkError(request).size()));
     QCOMPARE(scene.journal->events, scene.networkError(request));
     QVERIFY(scene.reply() != nullptr);
     QVERIFY(!scene.clock().isActive());
@@ -101,19 +88,17 @@ void TestAnswers::nobodyListens()
 
 void TestAnswers::good_data()
 {
-    QTest::addColumn<Request>("request");
-    QTest::addColumn<Answer>("answer");
+    const Rows<Request, Answer> rows("request", "answer");
     QByteArrayList manyHeaders;
     for (int i = 0; i < 500; ++i)
         manyHeaders.append("X-Filler: " + QByteArray(100, 'x'));
     const QByteArray log = "better";
     const QByteArray text = scene.catalogue({{"HB4Ver", "23"}});
-    for (std::size_t index = 0; index < requestNames.size(); ++index) {
-        const auto request = static_cast<Request>(index);
+    for (const Request request : everyRequest) {
         if (request == Request::image)
             continue; // what is stored of an image has tests of its own
-        const auto row = [index, request](const char* name, const Answer& answer) {
-            QTest::addRow("%s, %s", requestNames.at(index), name) << request << answer;
+        const auto row = [&](const char* name, const Answer& answer) {
+            rows(nameOf(request) + ", " + name, request, answer);
         };
         const QByteArray& body = request == Request::catalogue ? text : log;
         const QByteArray packed = gzip(body);
@@ -140,24 +125,13 @@ void TestAnswers::good()
     QFETCH(Answer, answer);
     scene.server.setAnswer(Scene::path(request), answer);
     scene.ask(request);
-    const QMap<Request, QString> outcome{
-        {Request::catalogue, told::signal("youHaveLastVersion")},
-        {Request::changeLog, told::signal("findNewVersion", {"27", "better"})},
-        {Request::mainChangeLog, told::signal("findMainNewVersion", {updater::next, "better"})},
+    const QMap<Request, QStringList> outcome{
+        {Request::catalogue, told::upToDate()},
+        {Request::changeLog, told::offer()},
+        {Request::mainChangeLog, told::updaterOffer("better")},
     };
-    QTRY_COMPARE(scene.journal->events, QStringList{outcome[request]});
+    QTRY_COMPARE(scene.journal->events, outcome[request]);
     QVERIFY(!scene.clock().isActive());
-}
-
-void TestAnswers::afterAnErrorTheNextAnswerCounts()
-{
-    scene.server.setAnswer(cataloguePath, {{}, End::reset});
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
-    scene.journal->events.clear();
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("youHaveLastVersion")});
 }
 
 QTEST_GUILESS_MAIN(TestAnswers)

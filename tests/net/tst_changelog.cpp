@@ -1,7 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/rows.h"
 
-#include <QTimer>
 #include <QtTest>
 
 /// The change logs of a newer firmware and of a newer updater. They differ in the address and in the signal.
@@ -13,7 +12,7 @@ private slots:
     void init() { scene.reset(); }
     void address_data();
     void address();
-    void badAddressAsksNobody_data() { bothLogs(); }
+    void badAddressAsksNobody_data();
     void badAddressAsksNobody();
     void secondUseOfAnAddressFails_data() { bothLogs(); }
     void secondUseOfAnAddressFails();
@@ -29,7 +28,7 @@ private slots:
 
 private:
     static void bothLogs();
-    [[nodiscard]] static QString offer(Request log, const QString& text);
+    [[nodiscard]] static QStringList offer(Request log, const QString& text);
 
     Scene scene;
 };
@@ -41,10 +40,9 @@ void TestChangeLog::bothLogs()
     QTest::newRow("updater") << Request::mainChangeLog;
 }
 
-QString TestChangeLog::offer(Request log, const QString& text)
+QStringList TestChangeLog::offer(Request log, const QString& text)
 {
-    return log == Request::changeLog ? told::signal("findNewVersion", {"27", text})
-                                     : told::signal("findMainNewVersion", {updater::next, text});
+    return log == Request::changeLog ? told::offer(text) : told::updaterOffer(text);
 }
 
 void TestChangeLog::address_data()
@@ -72,13 +70,19 @@ void TestChangeLog::address()
              scene.server.requests().first());
 }
 
+void TestChangeLog::badAddressAsksNobody_data()
+{
+    bothLogs();
+    QTest::newRow("image") << Request::image;
+}
+
 void TestChangeLog::badAddressAsksNobody()
 {
     QFETCH(Request, log);
     for (const QString bad : {"http://127.0.0.1", "127.0.0.1/a.txt", "http://127.0.0.1//a.txt", ""}) {
         scene.reset();
         scene.ask(log, bad);
-        QCOMPARE(scene.journal->all, told::badAddress());
+        QCOMPARE(scene.journal->all, told::downloadError());
         QVERIFY(!scene.checker->isBusy() && !scene.clock().isActive());
     }
 }
@@ -88,25 +92,22 @@ void TestChangeLog::secondUseOfAnAddressFails()
     QFETCH(Request, log);
     scene.server.setAnswer("/a.txt", ok("better"));
     scene.ask(log, scene.server.address("/a.txt"));
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "better")});
+    QTRY_COMPARE(scene.journal->events, offer(log, "better"));
     scene.journal->events.clear();
     if (log == Request::changeLog)
         scene.checker->downloadChangeLog();
     else
         scene.checker->downloadMainChangeLog();
-    QCOMPARE(scene.journal->events, told::badAddress());
+    QCOMPARE(scene.journal->events, told::downloadError());
     QCOMPARE(scene.server.requests().size(), 1);
 }
 
 void TestChangeLog::text_data()
 {
-    QTest::addColumn<Request>("log");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("shown");
+    const Rows<Request, QByteArray, QString> rows("log", "body", "shown");
     for (const Request log : {Request::changeLog, Request::mainChangeLog}) {
-        const auto row = [log](const char* name, const QByteArray& body, const QString& shown) {
-            QTest::addRow("%s, %s", log == Request::changeLog ? "firmware" : "updater", name)
-                << log << body << shown;
+        const auto row = [&](const char* name, const QByteArray& body, const QString& shown) {
+            rows(nameOf(log) + ", " + name, log, body, shown);
         };
         row("one line", "better", "better");
         row("carriage returns stay", "a\r\nb\r\n", "a\r\nb\r\n");
@@ -122,7 +123,7 @@ void TestChangeLog::text()
     QFETCH(QString, shown);
     scene.server.setAnswer(Scene::path(log), ok(body));
     scene.ask(log);
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, shown)});
+    QTRY_COMPARE(scene.journal->events, offer(log, shown));
 }
 
 void TestChangeLog::successLeavesNothing()
@@ -132,14 +133,14 @@ void TestChangeLog::successLeavesNothing()
     scene.server.setAnswer(Scene::path(log), ok("first"));
     scene.ask(log);
     const QPointer<QNetworkReply> reply = scene.reply();
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "first")});
+    QTRY_COMPARE(scene.journal->events, offer(log, "first"));
     QCOMPARE(scene.reply(), nullptr);
     QVERIFY(!scene.clock().isActive());
     QTRY_VERIFY(reply.isNull());
 
     scene.server.setAnswer(Scene::path(log), ok("second"));
     scene.ask(log);
-    QTRY_COMPARE(scene.journal->events, (QStringList{offer(log, "first"), offer(log, "second")}));
+    QTRY_COMPARE(scene.journal->events, offer(log, "first") + offer(log, "second"));
     QVERIFY(!scene.hasStaleCatalogue());
 }
 
@@ -155,30 +156,29 @@ void TestChangeLog::errorKeepsThePartialText()
     scene.journal->events.clear();
     scene.server.setAnswer(Scene::path(log), ok(", whole"));
     scene.ask(log);
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "half, whole")});
+    QTRY_COMPARE(scene.journal->events, offer(log, "half, whole"));
 }
 
 void TestChangeLog::eachPieceEndsAtItsNul()
 {
     QFETCH(Request, log);
     const QByteArray head = announced(10, "");
-    scene.server.setAnswer(
-        Scene::path(log),
-        {{head + "one" + '\0' + 'x', QByteArray("two\0y", 5)}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(Scene::path(log),
+                           {{head + "one" + '\0' + 'x', QByteArray("two\0y", 5)}, End::keepOpen, true});
     scene.ask(log);
     QTRY_COMPARE(scene.received(), 5); // the first piece
     scene.server.goOn();
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(log, "onetwo")});
+    QTRY_COMPARE(scene.journal->events, offer(log, "onetwo"));
 }
 
 void TestChangeLog::characterSplitBetweenPieces()
 {
-    scene.server.setAnswer(changeLogPath, {{announced(4, "a\xC3"), "\xA4z"}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(changeLogPath, {{announced(4, "a\xC3"), "\xA4z"}, End::keepOpen, true});
     scene.ask(Request::changeLog);
     QTRY_COMPARE(scene.received(), 2); // the first piece
     scene.server.goOn();
     const QString shown = 'a' + QString(2, QChar(QChar::ReplacementCharacter)) + 'z'; // each half by itself
-    QTRY_COMPARE(scene.journal->events, QStringList{offer(Request::changeLog, shown)});
+    QTRY_COMPARE(scene.journal->events, offer(Request::changeLog, shown));
 }
 
 QTEST_GUILESS_MAIN(TestChangeLog)

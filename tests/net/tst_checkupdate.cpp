@@ -2,7 +2,6 @@
 #include "tests/support/models.h"
 #include "tests/support/rows.h"
 
-#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -13,12 +12,6 @@ const QByteArray language = "Accept-Language: en-US,*";
 #else
 const QByteArray language = "Accept-Language: en,*";
 #endif
-
-const QString upToDate = told::signal("youHaveLastVersion");
-const QString offer = told::signal("findNewVersion", {"27", "better"});
-const QString updaterOffer = told::signal("findMainNewVersion", {updater::next, "new look"});
-const QStringList incomplete = told::incomplete();
-const QStringList oversized{told::log("UpdateChecker::exitSlot"), told::problem()};
 
 using Changes = QMap<QString, QString>;
 
@@ -31,7 +24,7 @@ class TestCheckUpdate : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { scene.reset(); }
     void requestBytes_data();
     void requestBytes();
     void outcome_data();
@@ -52,13 +45,6 @@ private slots:
 private:
     Scene scene;
 };
-
-void TestCheckUpdate::init()
-{
-    scene.reset();
-    scene.server.setAnswer(changeLogPath, ok("better"));
-    scene.server.setAnswer(mainChangeLogPath, ok("new look"));
-}
 
 void TestCheckUpdate::requestBytes_data()
 {
@@ -90,26 +76,27 @@ void TestCheckUpdate::outcome_data()
 {
     const Rows<Changes, QString, QStringList, QStringList> row("changes", "version", "events",
                                                                "furtherPaths");
-    row("newer firmware", {}, "23", {offer}, {changeLogPath});
-    row("same firmware", {}, "27", {upToDate}, {});
-    row("older firmware", {}, "30", {upToDate}, {});
-    row("newer updater", {{"MainVer", updater::next}}, "30", {updaterOffer}, {mainChangeLogPath});
-    row("newer updater and newer firmware", {{"MainVer", updater::next}}, "23", {updaterOffer},
+    row("newer firmware", {}, "23", told::offer(), {changeLogPath});
+    row("same firmware", {}, "27", told::upToDate(), {});
+    row("older firmware", {}, "30", told::upToDate(), {});
+    row("newer updater", {{"MainVer", updater::next}}, "30", told::updaterOffer(), {mainChangeLogPath});
+    row("newer updater and newer firmware", {{"MainVer", updater::next}}, "23", told::updaterOffer(),
         {mainChangeLogPath});
-    row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", incomplete, {});
-    row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", incomplete, {});
-    row("no firmware version", {{"HB4Ver", {}}}, "23", incomplete, {});
-    row("empty firmware version", {{"HB4Ver", ""}}, "23", incomplete, {});
-    row("no image address", {{"HB4Bin", {}}}, "23", incomplete, {});
-    row("no change log address", {{"HB4ChangeLog", {}}}, "30", incomplete, {});
-    row("no updater version", {{"MainVer", {}}}, "30", incomplete, {});
-    row("no updater address", {{"MacMainBin", {}}}, "30", incomplete, {});
+    row("key in other letters", {{"HB4Ver", {}}, {"hb4ver", "27"}}, "23", told::incomplete(), {});
+    row("key with a blank", {{"HB4Ver", {}}, {"HB4Ver ", "27"}}, "23", told::incomplete(), {});
+    row("no firmware version", {{"HB4Ver", {}}}, "23", told::incomplete(), {});
+    row("empty firmware version", {{"HB4Ver", ""}}, "23", told::incomplete(), {});
+    row("no image address", {{"HB4Bin", {}}}, "23", told::incomplete(), {});
+    row("no change log address", {{"HB4ChangeLog", {}}}, "30", told::incomplete(), {});
+    row("no updater version", {{"MainVer", {}}}, "30", told::incomplete(), {});
+    row("no updater address", {{"MacMainBin", {}}}, "30", told::incomplete(), {});
     row("no updater address, newer updater", {{"MacMainBin", {}}, {"MainVer", updater::next}}, "30",
-        incomplete, {});
-    row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", {upToDate}, {});
+        told::incomplete(), {});
+    row("no change log of the updater, not needed", {{"MainChangeLog", {}}}, "30", told::upToDate(), {});
     row("no change log of the newer updater", {{"MainChangeLog", {}}, {"MainVer", updater::next}}, "30",
-        told::badAddress(), {});
-    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", told::badAddress(), {});
+        told::downloadError(), {});
+    row("change log address without a path", {{"HB4ChangeLog", "http://host"}}, "23", told::downloadError(),
+        {});
 }
 
 void TestCheckUpdate::outcome()
@@ -118,9 +105,8 @@ void TestCheckUpdate::outcome()
     QFETCH(QString, version);
     QFETCH(QStringList, events);
     QFETCH(QStringList, furtherPaths);
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(changes)));
     scene.checker->setCurVersion(version);
-    scene.checker->checkUpdate();
+    scene.checkAgainst(scene.catalogue(changes));
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
     QCOMPARE(scene.server.paths(), QStringList{cataloguePath} + furtherPaths);
@@ -128,10 +114,9 @@ void TestCheckUpdate::outcome()
 
 void TestCheckUpdate::takesOverWhatItFinds()
 {
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
     scene.checker->setCurVersion(QString("27"));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+    scene.checkAgainst(scene.catalogue());
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
     QCOMPARE(scene.state().newVersion, QString("27"));
     QCOMPARE(scene.state().binUrl, scene.server.address(imagePath));
     QCOMPARE(scene.state().changeLogUrl, scene.server.address(changeLogPath));
@@ -143,9 +128,8 @@ void TestCheckUpdate::takesOverWhatItFinds()
 void TestCheckUpdate::incompleteCatalogueIsTakenOver()
 {
     const QByteArray text = scene.catalogue({{"MacMainBin", {}}});
-    scene.server.setAnswer(cataloguePath, ok(text));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, incomplete);
+    scene.checkAgainst(text);
+    QTRY_COMPARE(scene.journal->events, told::incomplete());
     QVERIFY2(scene.state().mainBinUrl.isEmpty(), "the placeholder goes too");
     QCOMPARE(scene.state().newVersion, QString("27"));
     QVERIFY(scene.state().reply != nullptr);
@@ -157,9 +141,8 @@ void TestCheckUpdate::lineEndsDoNotMatter()
 {
     QByteArray text = scene.catalogue();
     text.replace("\n", "\r\n");
-    scene.server.setAnswer(cataloguePath, ok(text));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{offer});
+    scene.checkAgainst(text);
+    QTRY_COMPARE(scene.journal->events, told::offer());
     QCOMPARE(scene.state().mainVersion, QString(updater::own));
 }
 
@@ -181,10 +164,9 @@ void TestCheckUpdate::model()
         all.insert(stem + "Bin", "http://host/" + stem);
         all.insert(stem + "ChangeLog", "http://host/" + stem);
     }
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(all)));
     scene.checker->setUnitType(type);
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{upToDate}); // these versions begin with no number
+    scene.checkAgainst(scene.catalogue(all));
+    QTRY_COMPARE(scene.journal->events, told::upToDate()); // these versions begin with no number
     QTEST(scene.state().newVersion, "version");
 }
 
@@ -201,29 +183,27 @@ void TestCheckUpdate::unknownModelReadsHb2()
     QFETCH(int, type);
     const QByteArray text =
         scene.catalogue({{"HB2Ver", "5"}, {"HB2Bin", "http://h/b"}, {"HB2ChangeLog", "http://h/l"}});
-    scene.server.setAnswer(cataloguePath, ok(text));
     scene.checker->setUnitType(static_cast<UnitType>(type));
-    scene.checker->checkUpdate();
-    const QStringList expected{told::log(QString("Can't recog unitType %1").arg(type)), upToDate};
-    QTRY_COMPARE(scene.journal->events, expected);
+    scene.checkAgainst(text);
+    const QStringList unknown{told::log(QString("Can't recog unitType %1").arg(type))};
+    QTRY_COMPARE(scene.journal->events, unknown + told::upToDate());
     QCOMPARE(scene.state().newVersion, QString("5"));
 }
 
 void TestCheckUpdate::versionByteIsNotCompared()
 {
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
     scene.checker->setCurVersion(static_cast<unsigned char>(99));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{offer});
+    scene.checkAgainst(scene.catalogue());
+    QTRY_COMPARE(scene.journal->events, told::offer());
 }
 
 void TestCheckUpdate::size_data()
 {
     const Rows<int, int, QStringList> row("bytes", "carriageReturns", "events");
-    row("10245 bytes", 10245, 0, {upToDate});
-    row("10246 bytes", 10246, 0, oversized + QStringList{upToDate});
-    row("10245 bytes without carriage returns", 10245, 50, {upToDate});
-    row("much more", 1000000, 0, oversized + QStringList{upToDate});
+    row("10245 bytes", 10245, 0, told::upToDate());
+    row("10246 bytes", 10246, 0, told::silence() + told::upToDate());
+    row("10245 bytes without carriage returns", 10245, 50, told::upToDate());
+    row("much more", 1000000, 0, told::silence() + told::upToDate());
 }
 
 void TestCheckUpdate::size()
@@ -232,19 +212,17 @@ void TestCheckUpdate::size()
     QFETCH(int, carriageReturns);
     QFETCH(QStringList, events);
     const QByteArray text = scene.catalogue().leftJustified(bytes, ' ') + QByteArray(carriageReturns, '\r');
-    scene.server.setAnswer(cataloguePath, ok(text));
     scene.checker->setCurVersion(QString("27"));
-    scene.checker->checkUpdate();
+    scene.checkAgainst(text);
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
 }
 
 void TestCheckUpdate::goodAnswerReleasesTheReply()
 {
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue({{"HB4Ver", "23"}})));
-    scene.checker->checkUpdate();
+    scene.checkAgainst(scene.catalogue({{"HB4Ver", "23"}}));
     const QPointer<QNetworkReply> reply = scene.state().reply;
-    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
     QCOMPARE(scene.state().reply, nullptr);
     QCOMPARE(scene.state().infoData, QByteArray());
     QVERIFY(!scene.clock().isActive());

@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QThread>
-#include <QTimer>
 #include <QtTest>
 
 namespace {

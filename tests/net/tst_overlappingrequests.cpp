@@ -4,16 +4,7 @@
 #include "tests/support/ticks.h"
 
 #include <QFile>
-#include <QTimer>
 #include <QtTest>
-
-namespace {
-
-const QString upToDate = told::signal("youHaveLastVersion");
-const QString offer = told::signal("findNewVersion", {"27", "better"});
-const QStringList incomplete = told::incomplete();
-
-} // namespace
 
 /// What one request leaves to the next, and what two of them at once do to each other.
 class TestOverlappingRequests : public QObject
@@ -21,7 +12,7 @@ class TestOverlappingRequests : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { scene.reset(); }
     void staleLines_data();
     void staleLines();
     void secondCheckInFlight_data();
@@ -34,22 +25,17 @@ private:
     Scene scene;
 };
 
-void TestOverlappingRequests::init()
-{
-    scene.reset();
-    scene.server.setAnswer(changeLogPath, ok("better"));
-}
-
 void TestOverlappingRequests::staleLines_data()
 {
     // ofTheChangeLog: what follows when it is asked for (once more)
     const Rows<QByteArray, QStringList, QStringList> row("stale", "events", "ofTheChangeLog");
-    row("duplicate key takes the fresh value", "HB4Ver=99\n", {offer}, told::badAddress());
-    row("other keys still count", "HB4Ver=99\nMainVer=99\n", {offer},
-        told::badAddress()); // the fresh MainVer is our own
-    row("last line without its end runs into the first fresh line", "HB4Ver=99\nremark ", incomplete,
-        {offer});
-    row("NUL byte hides what is fresh", QByteArray("HB4Ver=99\n\0\n", 12), incomplete, told::badAddress());
+    row("duplicate key takes the fresh value", "HB4Ver=99\n", told::offer(), told::downloadError());
+    row("other keys still count", "HB4Ver=99\nMainVer=99\n", told::offer(),
+        told::downloadError()); // the fresh MainVer is our own
+    row("last line without its end runs into the first fresh line", "HB4Ver=99\nremark ", told::incomplete(),
+        told::offer());
+    row("NUL byte hides what is fresh", QByteArray("HB4Ver=99\n\0\n", 12), told::incomplete(),
+        told::downloadError());
 }
 
 /// A first answer is cut short; what arrived of it stands before the second answer.
@@ -63,8 +49,7 @@ void TestOverlappingRequests::staleLines()
     QTRY_COMPARE(scene.journal->events, scene.networkError(Request::catalogue));
 
     scene.journal->events.clear();
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue()));
-    scene.checker->checkUpdate();
+    scene.checkAgainst(scene.catalogue());
     QTRY_VERIFY(scene.rests(events.size()));
     QCOMPARE(scene.journal->events, events);
     scene.checker->downloadChangeLog();
@@ -83,11 +68,7 @@ void TestOverlappingRequests::secondCheckInFlight()
 {
     QFETCH(bool, inMidAnswer);
     const QByteArray answer = httpAnswer("200 OK", scene.catalogue());
-    const int half = answer.size() / 2;
-    scene.server.setAnswer(cataloguePath,
-                           {{answer.left(inMidAnswer ? half : 0), answer.mid(inMidAnswer ? half : 0)},
-                            RawServer::End::keepOpen,
-                            true});
+    scene.server.setAnswer(cataloguePath, inTwoSteps(answer, inMidAnswer ? answer.size() / 2 : 0));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 1);
     scene.checker->checkUpdate();
@@ -100,14 +81,13 @@ void TestOverlappingRequests::secondCheckInFlight()
     scene.server.setAnswer(cataloguePath,
                            ok('\n' + scene.catalogue({{"HB4Ver", "23"}}))); // behind what is left
     scene.checker->checkUpdate();                                           // and the checker still works
-    QTRY_COMPARE(scene.journal->events, QStringList{upToDate});
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
 }
 
 /// The first answer is whole and the second one silent: the first completion judges the second reply.
 void TestOverlappingRequests::completionActsOnTheReplyInFlight()
 {
-    scene.server.setAnswer(cataloguePath,
-                           {{"", httpAnswer("200 OK", scene.catalogue())}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(cataloguePath, inTwoSteps(httpAnswer("200 OK", scene.catalogue()), 0));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.server.requests().size(), 1);
     scene.server.setAnswer(cataloguePath, silence());
@@ -131,9 +111,8 @@ void TestOverlappingRequests::checkDuringADownload()
 {
     QFETCH(QByteArray, answer);
     const QByteArray image = httpAnswer("200 OK", QByteArray(1000, 'i'));
-    scene.server.setAnswer(imagePath,
-                           {{image.chopped(500), image.right(500)}, RawServer::End::keepOpen, true});
-    scene.server.setAnswer(cataloguePath, {{answer}, RawServer::End::keepOpen});
+    scene.server.setAnswer(imagePath, inTwoSteps(image, image.size() - 500));
+    scene.server.setAnswer(cataloguePath, {{answer}, End::keepOpen});
     scene.ask(Request::image);
     QTRY_COMPARE(scene.received(), 500);
     QNetworkReply* const download = scene.reply();

@@ -1,5 +1,6 @@
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
+#include "tests/support/rows.h"
 #include "tests/support/selfsigned.h"
 
 #include <QtTest>
@@ -58,7 +59,7 @@ void TestRedirects::followed()
     scene.server.setAnswer(cataloguePath, redirect(status, "/second"));
     scene.server.setAnswer("/second", redirect(status, scene.server.address("/new/versions.txt")));
     scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("youHaveLastVersion")});
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
     QCOMPARE(scene.server.paths(), (QStringList{cataloguePath, "/second", "/new/versions.txt"}));
 }
 
@@ -67,14 +68,11 @@ void TestRedirects::imageIsTheLastAnswersBody()
 {
     const QByteArray image(100000, 'i');
     scene.server.setAnswer(imagePath, redirect("302 Found", "/mirror/HB4.sb"));
-    RawServer::Answer slow = ok(image);
-    slow.pieces = {slow.pieces.first().left(5000), slow.pieces.first().mid(5000)};
-    slow.stepwise = true;
-    scene.server.setAnswer("/mirror/HB4.sb", slow);
+    scene.server.setAnswer("/mirror/HB4.sb", inTwoSteps(httpAnswer("200 OK", image), 5000));
     scene.ask(Request::image);
     QTRY_VERIFY(scene.received() > 0);
     scene.server.goOn();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
+    QTRY_COMPARE(scene.journal->events, told::imageStored());
     QCOMPARE(ImageFiles::at(programImage()).image, image);
     QVERIFY(ImageFiles{}.placeAt(programImage()));
 }
@@ -83,7 +81,7 @@ void TestRedirects::everyRequestKeepsItsHeader()
 {
     scene.server.setAnswer(cataloguePath, redirect("302 Found", "/new/versions.txt"));
     scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("youHaveLastVersion")});
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
     QCOMPARE(scene.server.requests().size(), 2);
     for (const QByteArray& head : scene.server.requests())
         QVERIFY(head.contains("\r\nUser-Agent: MyOwnBrowser 1.0\r\n"));
@@ -91,16 +89,13 @@ void TestRedirects::everyRequestKeepsItsHeader()
 
 void TestRedirects::refused_data()
 {
-    QTest::addColumn<Request>("request");
-    QTest::addColumn<QString>("location");
-    for (const auto& [request, name] :
-         {std::pair(Request::catalogue, "catalogue"), std::pair(Request::changeLog, "change log"),
-          std::pair(Request::mainChangeLog, "updater's change log"), std::pair(Request::image, "image")}) {
-        QTest::addRow("%s, in a circle", name) << request << Scene::path(request);
-        QTest::addRow("%s, to a missing page", name) << request << "/missing";
-        QTest::addRow("%s, to a file of the disk", name) << request << "file:///etc/hostname";
-        QTest::addRow("%s, to another protocol", name) << request << "ftp://127.0.0.1/x";
-        QTest::addRow("%s, to nowhere", name) << request << "http://";
+    const Rows<Request, QString> row("request", "location");
+    for (const Request request : everyRequest) {
+        row(nameOf(request) + ", in a circle", request, Scene::path(request));
+        row(nameOf(request) + ", to a missing page", request, "/missing");
+        row(nameOf(request) + ", to a file of the disk", request, "file:///etc/hostname");
+        row(nameOf(request) + ", to another protocol", request, "ftp://127.0.0.1/x");
+        row(nameOf(request) + ", to nowhere", request, "http://");
     }
 }
 
@@ -110,8 +105,7 @@ void TestRedirects::refused()
     QFETCH(QString, location);
     scene.server.setAnswer(Scene::path(request), redirect("302 Found", location));
     scene.ask(request);
-    const qsizetype count = scene.networkError(request).size();
-    QTRY_VERIFY(scene.rests(count));
+    QTRY_VERIFY(scene.rests(scene.networkError(request).size()));
     QCOMPARE(scene.journal->events, scene.networkError(request));
     QVERIFY2(scene.server.requests().size() <= 60, "a circle is left");
 }
@@ -127,7 +121,7 @@ void TestRedirects::toTlsWithAnyCertificate()
     secure.setAnswer("/versions.txt", ok(upToDate));
     scene.server.setAnswer(cataloguePath, redirect("302 Found", secure.address("/versions.txt")));
     scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("youHaveLastVersion")});
+    QTRY_COMPARE(scene.journal->events, told::upToDate());
     QCOMPARE(secure.paths(), QStringList{"/versions.txt"});
 }
 

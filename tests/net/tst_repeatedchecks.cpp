@@ -3,15 +3,7 @@
 #include "tests/support/imagefiles.h"
 #include "tests/support/rows.h"
 
-#include <QTimer>
 #include <QtTest>
-
-namespace {
-
-using Answer = RawServer::Answer;
-using End = RawServer::End;
-
-} // namespace
 
 /// A program with a key checks again: nothing of an earlier check or download gets into the later one.
 class TestRepeatedChecks : public QObject
@@ -47,29 +39,29 @@ void TestRepeatedChecks::failedCheckLeavesNothing()
     scene.server.setAnswer(cataloguePath, catalogueAnswer);
     scene.server.setAnswer(signaturePath, signatureAnswer);
     scene.check(2);
-    QVERIFY(!scene.journal->events.contains(signedOffer));
+    QVERIFY(!scene.journal->events.contains(told::offer().first()));
     scene.publish(scene.signable());
     scene.check(1);
-    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QCOMPARE(scene.journal->events, told::offer());
 }
 
 /// What is left of an earlier check neither ends the later one nor gets into its bytes.
 void TestRepeatedChecks::onlyTheLatestCheckCounts()
 {
     const QByteArray old = httpAnswer("200 OK", "HB4Ver=99\n" + scene.signable());
-    scene.server.setAnswer(cataloguePath, {{old.chopped(20), old.right(20)}, End::keepOpen, true});
+    scene.server.setAnswer(cataloguePath, inTwoSteps(old, old.size() - 20));
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.received() > 0);
     const QPointer<QNetworkReply> first = scene.reply();
     const QByteArray plain = scene.signable();
     const QByteArray answer = httpAnswer("200 OK", plain);
-    scene.server.setAnswer(cataloguePath, {{answer.chopped(20), answer.right(20)}, End::keepOpen, true});
+    scene.server.setAnswer(cataloguePath, inTwoSteps(answer, answer.size() - 20));
     scene.server.setAnswer(signaturePath, ok(scene.signer.sign(plain)));
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.received() > 0);
     scene.server.goOn(); // with both, if the first is still there
     QTRY_VERIFY(scene.rests(1));
-    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QCOMPARE(scene.journal->events, told::offer());
     QTRY_VERIFY(first.isNull());
     QVERIFY(!scene.clock().isActive());
 }
@@ -84,14 +76,14 @@ void TestRepeatedChecks::checkDuringADownload()
     scene.publish(scene.signable({{"HB4Sha256", catalogue::digestOf(first)}}));
     scene.check(1);
     const QByteArray answer = httpAnswer("200 OK", first);
-    scene.server.setAnswer(imagePath, {{answer.left(1000), answer.mid(1000)}, End::keepOpen, true});
+    scene.server.setAnswer(imagePath, inTwoSteps(answer, 1000));
     scene.checker->onNeedDownloadNewFirmware();
     QTRY_VERIFY(scene.received() > 0);
 
     scene.publish(scene.signable({{"HB4Sha256", catalogue::digestOf(second)}}));
     scene.check(1);
     scene.server.goOn();
-    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QCOMPARE(scene.journal->events, told::offer());
     QVERIFY(!scene.checker->mayBeSent(first) && !scene.checker->mayBeSent(second));
     QCOMPARE(ImageFiles::at(programImage()), ImageFiles{});
 
@@ -99,7 +91,7 @@ void TestRepeatedChecks::checkDuringADownload()
     scene.server.setAnswer(imagePath, ok(second));
     scene.checker->onNeedDownloadNewFirmware();
     QTRY_VERIFY(scene.rests(1));
-    QCOMPARE(scene.journal->events, QStringList{told::signal("newUpdateFileDownloaded", {"true"})});
+    QCOMPARE(scene.journal->events, told::imageStored());
     QCOMPARE(ImageFiles::at(programImage()).image, second);
     QVERIFY(!scene.checker->mayBeSent(first) && scene.checker->mayBeSent(second));
 }

@@ -2,20 +2,14 @@
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
-#include <QTimer>
 #include <QtTest>
 
 namespace {
 
-using Answer = RawServer::Answer;
 using Changes = CatalogueEntries;
-using End = RawServer::End;
 
-const QString upToDate = told::signal("youHaveLastVersion");
-const QString updaterOffer = told::signal("findMainNewVersion", {updater::next, "new look"});
-const QStringList incomplete = told::incomplete();
 const QStringList noDigest =
-    QStringList{told::log("The catalogue gives no SHA-256 of the image")} + incomplete;
+    QStringList{told::log("The catalogue gives no SHA-256 of the image")} + told::incomplete();
 const QStringList noSignature{told::log("The catalogue's signature could not be downloaded"),
                               told::problem()};
 
@@ -81,11 +75,11 @@ void TestSignedCheck::requestBytes()
 void TestSignedCheck::outcome_data()
 {
     const Rows<Changes, QString, QStringList> row("changes", "version", "events");
-    row("newer firmware", {}, "23", {signedOffer});
-    row("same firmware", {}, "27", {upToDate});
-    row("an old catalogue", {{"HB4Ver", "20"}}, "23", {upToDate});
-    row("newer updater", {{"MainVer", updater::next}}, "23", {updaterOffer});
-    row("digest in capital letters", {{"HB4Sha256", QString(64, 'A')}}, "23", {signedOffer});
+    row("newer firmware", {}, "23", told::offer());
+    row("same firmware", {}, "27", told::upToDate());
+    row("an old catalogue", {{"HB4Ver", "20"}}, "23", told::upToDate());
+    row("newer updater", {{"MainVer", updater::next}}, "23", told::updaterOffer());
+    row("digest in capital letters", {{"HB4Sha256", QString(64, 'A')}}, "23", told::offer());
     row("no digest", {{"HB4Sha256", {}}}, "23", noDigest);
     row("no digest, same firmware", {{"HB4Sha256", {}}}, "27", noDigest);
     row("no digest, newer updater", {{"HB4Sha256", {}}, {"MainVer", updater::next}}, "23", noDigest);
@@ -93,7 +87,7 @@ void TestSignedCheck::outcome_data()
     row("malformed digest", {{"HB4Sha256", QString(63, 'a')}}, "23", noDigest);
     row("digest of another model alone", {{"HB4Sha256", {}}, {"HB2Sha256", QString(64, 'a')}}, "23",
         noDigest);
-    row("no image address", {{"HB4Bin", {}}}, "23", incomplete);
+    row("no image address", {{"HB4Bin", {}}}, "23", told::incomplete());
 }
 
 void TestSignedCheck::outcome()
@@ -137,7 +131,7 @@ void TestSignedCheck::goodAnswers()
     scene.server.setAnswer(cataloguePath, catalogueAnswer);
     scene.server.setAnswer(signaturePath, signatureAnswer);
     scene.check(1);
-    QCOMPARE(scene.journal->events, QStringList{signedOffer});
+    QCOMPARE(scene.journal->events, told::offer());
     QVERIFY(!scene.clock().isActive());
 }
 
@@ -189,8 +183,8 @@ void TestSignedCheck::signatureBeyondTheLimitInTwoPieces()
     const QByteArray plain = scene.signable();
     const QByteArray file = scene.signer.sign(plain).leftJustified(16 * 1024 + 1, '\n');
     scene.server.setAnswer(cataloguePath, ok(plain));
-    scene.server.setAnswer(signaturePath,
-                           {{announced(file.size(), file.chopped(1)), file.right(1)}, End::keepOpen, true});
+    const QByteArray answer = httpAnswer("200 OK", file);
+    scene.server.setAnswer(signaturePath, inTwoSteps(answer, answer.size() - 1));
     scene.checker->checkUpdate();
     QTRY_COMPARE(scene.received(), qint64(file.size() - 1));
     QVERIFY(scene.checker->isBusy());
@@ -261,17 +255,15 @@ void TestSignedCheck::silenceIsReported()
     QVERIFY(scene.checker->isBusy());
     QVERIFY(scene.clock().isActive());
     QCOMPARE(scene.clock().interval(), 30000);
-    QTimerEvent over(scene.clock().timerId());
-    QCoreApplication::sendEvent(&scene.clock(), &over);
-    QCOMPARE(scene.journal->events, (QStringList{told::log("UpdateChecker::exitSlot"), told::problem()}));
+    scene.letTheClockFire();
+    QCOMPARE(scene.journal->events, told::silence());
 }
 
 void TestSignedCheck::largeCatalogueIsReported()
 {
     scene.publish(scene.signable().leftJustified(10246, ' '));
     scene.check(3);
-    QCOMPARE(scene.journal->events,
-             (QStringList{told::log("UpdateChecker::exitSlot"), told::problem(), signedOffer}));
+    QCOMPARE(scene.journal->events, told::silence() + told::offer());
 }
 
 QTEST_GUILESS_MAIN(TestSignedCheck)

@@ -3,18 +3,7 @@
 #include <QTimer>
 #include <QtTest>
 
-namespace {
-
-constexpr int silenceLimitMs = 30000; ///< the program's; no test waits for it
-
-/// As if the time were over.
-void letFire(QTimer* timer)
-{
-    QTimerEvent event(timer->timerId());
-    QCoreApplication::sendEvent(timer, &event);
-}
-
-} // namespace
+constexpr int silenceLimitMs = 30000; ///< the program's
 
 /// Servers that do not go on: reported every 30 s without progress, never given up.
 class TestSilence : public QObject
@@ -52,8 +41,8 @@ void TestSilence::silenceIsReportedAgainAndAgain()
     QStringList expected;
     for (int report = 1; report <= 3; ++report) {
         QVERIFY(timer->isActive());
-        letFire(timer);
-        expected += {told::log("UpdateChecker::exitSlot"), told::problem()};
+        scene.letTheClockFire();
+        expected += told::silence();
         QCOMPARE(scene.journal->all, expected);
         QVERIFY(scene.checker->isBusy());
     }
@@ -62,15 +51,12 @@ void TestSilence::silenceIsReportedAgainAndAgain()
 void TestSilence::silenceInMidAnswer()
 {
     const QByteArray answer = httpAnswer("200 OK", scene.catalogue({{"HB4Ver", "23"}}));
-    scene.server.setAnswer(
-        cataloguePath, {{answer.left(answer.size() - 9), answer.right(9)}, RawServer::End::keepOpen, true});
+    scene.server.setAnswer(cataloguePath, inTwoSteps(answer, answer.size() - 9));
     scene.checker->checkUpdate();
     QTRY_VERIFY(scene.received() > 0);
-    letFire(&scene.clock());
+    scene.letTheClockFire();
     scene.server.goOn(); // the answer that comes late is used all the same
-    const QStringList expected{told::log("UpdateChecker::exitSlot"), told::problem(),
-                               told::signal("youHaveLastVersion")};
-    QTRY_COMPARE(scene.journal->events, expected);
+    QTRY_COMPARE(scene.journal->events, told::silence() + told::upToDate());
     QVERIFY(!scene.clock().isActive());
 }
 

@@ -278,6 +278,11 @@ QByteArray inChunks(const QByteArray& body, int chunkSize)
     return bytes + "0\r\n\r\n";
 }
 
+RawServer::Answer inTwoSteps(const QByteArray& answer, int first)
+{
+    return {{answer.left(first), answer.mid(first)}, RawServer::End::keepOpen, true};
+}
+
 RawServer::Answer silence()
 {
     return {{}, RawServer::End::keepOpen};

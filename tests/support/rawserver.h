@@ -94,6 +94,9 @@ private:
 /// Status 200 and the body in chunks of this many bytes.
 [[nodiscard]] QByteArray inChunks(const QByteArray& body, int chunkSize);
 
+/// The first bytes of an answer, and the rest once goOn() is called; the connection stays open.
+[[nodiscard]] RawServer::Answer inTwoSteps(const QByteArray& answer, int first);
+
 /// Accepts the request and sends nothing.
 [[nodiscard]] RawServer::Answer silence();
 

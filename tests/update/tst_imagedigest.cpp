@@ -6,17 +6,12 @@
 #include <QCryptographicHash>
 #include <QtTest>
 
-Q_DECLARE_METATYPE(RawServer::Answer)
-
 namespace {
-
-using Answer = RawServer::Answer;
 
 const QByteArray image = QByteArray(40000, 'n') + '\0' + QByteArray(9, '\r');
 const QByteArray previous(30000, 'p');
 const ImageFiles before{previous, noFile, "older"};
 
-const QString done = told::signal("newUpdateFileDownloaded", {"true"});
 const QString damaged = told::signal("youHaveProblem", {text::damagedImage, text::nothingChanged});
 const QStringList differs{told::log("The image's SHA-256 differs from the catalogue's"), damaged};
 const QStringList malformed{told::log("The catalogue's SHA-256 of the image is malformed"), damaged};
@@ -52,16 +47,14 @@ void TestImageDigest::init()
 {
     QVERIFY(before.placeAt(programImage()));
     scene.reset();
-    scene.server.setAnswer(changeLogPath, ok("better"));
 }
 
 /// From the check to the image, as if the user said Yes.
 void TestImageDigest::checkAndDownload(const QMap<QString, QString>& changes, const Answer& imageAnswer)
 {
-    scene.server.setAnswer(cataloguePath, ok(scene.catalogue(changes)));
     scene.server.setAnswer(imagePath, imageAnswer);
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, QStringList{told::signal("findNewVersion", {"27", "better"})});
+    scene.checkAgainst(scene.catalogue(changes));
+    QTRY_COMPARE(scene.journal->events, told::offer());
     scene.journal->events.clear();
     scene.checker->onNeedDownloadNewFirmware();
     QTRY_VERIFY(scene.rests(1));
@@ -71,12 +64,12 @@ void TestImageDigest::digest_data()
 {
     const Rows<QString, QStringList> row("digest", "events");
     const QString good = sha256(image);
-    row("none", {}, {done});
-    row("empty", "", {done});
-    row("lower case", good, {done});
-    row("upper case", good.toUpper(), {done});
-    row("both cases", good.left(32).toUpper() + good.mid(32), {done});
-    row("before a carriage return", good + '\r', {done});
+    row("none", {}, told::imageStored());
+    row("empty", "", told::imageStored());
+    row("lower case", good, told::imageStored());
+    row("upper case", good.toUpper(), told::imageStored());
+    row("both cases", good.left(32).toUpper() + good.mid(32), told::imageStored());
+    row("before a carriage return", good + '\r', told::imageStored());
     row("of another image", sha256(previous), differs);
     row("of an empty image", sha256(""), differs);
     row("another last digit", good.chopped(1) + (good.endsWith('0') ? '1' : '0'), differs);
@@ -98,7 +91,7 @@ void TestImageDigest::digest()
     QFETCH(QStringList, events);
     checkAndDownload({{"HB4Sha256", digest}});
     QCOMPARE(scene.journal->events, events);
-    const bool stored = events.contains(done);
+    const bool stored = events == told::imageStored();
     QCOMPARE(ImageFiles::at(programImage()), stored ? (ImageFiles{image, noFile, previous}) : before);
 }
 
@@ -119,14 +112,14 @@ void TestImageDigest::answer()
     QFETCH(Answer, answer);
     QFETCH(bool, isGood);
     checkAndDownload({{"HB4Sha256", sha256(image)}}, answer);
-    QCOMPARE(scene.journal->events, isGood ? QStringList{done} : differs);
+    QCOMPARE(scene.journal->events, isGood ? told::imageStored() : differs);
     QCOMPARE(ImageFiles::at(programImage()), isGood ? (ImageFiles{image, noFile, previous}) : before);
 }
 
 void TestImageDigest::digestOfAnotherModel()
 {
     checkAndDownload({{"HB2Sha256", sha256(previous)}, {"hb4Sha256", "x"}, {"HB4Sha256 ", "x"}});
-    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(scene.journal->events, told::imageStored());
 }
 
 void TestImageDigest::refusedImageLeavesNothingBehind()
@@ -136,7 +129,7 @@ void TestImageDigest::refusedImageLeavesNothingBehind()
     QVERIFY(!scene.checker->isBusy());
     scene.journal->events.clear();
     checkAndDownload({{"HB4Sha256", sha256(image)}}); // and a later one is taken
-    QCOMPARE(scene.journal->events, QStringList{done});
+    QCOMPARE(scene.journal->events, told::imageStored());
     QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{image, noFile, previous}));
 }
 

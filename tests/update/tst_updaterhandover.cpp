@@ -60,12 +60,8 @@ void TestUpdaterHandover::openerGetsTheAddress()
 #endif
     QFETCH(QString, address);
     QFETCH(QString, handedOver);
-    scene.server.setAnswer(cataloguePath,
-                           ok(scene.catalogue({{"MainVer", updater::next}, {"MacMainBin", address}})));
-    scene.server.setAnswer(mainChangeLogPath, ok("new"));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events,
-                 QStringList{told::signal("findMainNewVersion", {updater::next, "new"})});
+    scene.checkAgainst(scene.catalogue({{"MainVer", updater::next}, {"MacMainBin", address}}));
+    QTRY_COMPARE(scene.journal->events, told::updaterOffer());
     scene.journal->events.clear();
 
     const QTemporaryDir folder;
