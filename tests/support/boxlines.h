@@ -40,6 +40,12 @@ inline const QString damagedImage =
 }
 /// @}
 
+/// So many boxes that all say the same.
+[[nodiscard]] inline QStringList repeated(int times, const QString& line)
+{
+    return QVector<QString>(times, line).toList();
+}
+
 /// How many of these boxes end the program.
 [[nodiscard]] inline qsizetype closing(const QStringList& lines)
 {

@@ -23,14 +23,32 @@ void TransferDesk::tick(int count)
         window->transmitSlot();
 }
 
-void TransferDesk::startStream(const QByteArray& image)
+void TransferDesk::writeRequest(const QByteArray& image)
 {
     load(image);
     tick();
-    unit->sayStatus(0x90);
-    if (second)
-        second->sayStatus(0x90);
+}
+
+void TransferDesk::sayStatus(int status, int ofSecond)
+{
+    if (status != silent)
+        unit->sayStatus(static_cast<std::uint8_t>(status));
+    if (ofSecond != silent)
+        second->sayStatus(static_cast<std::uint8_t>(ofSecond));
+}
+
+void TransferDesk::startStream(const QByteArray& image)
+{
+    writeRequest(image);
+    sayStatus(0x90, second ? 0x90 : silent);
     tick();
+}
+
+std::vector<Bytes> TransferDesk::packets() const
+{
+    std::vector<Bytes> all = writes();
+    all.erase(all.begin());
+    return all;
 }
 
 QStringList TransferDesk::calls() const

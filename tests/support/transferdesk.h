@@ -17,6 +17,13 @@ public:
     /// Runs this many ticks of the transfer's timer in sequence.
     void tick(int count = 1);
 
+    /// Loads the image and runs the first tick, which writes the request.
+    void writeRequest(const QByteArray& image = imageOf(200));
+
+    /// Has the unit, or each deck, say a report with this status byte; `silent`: it says nothing.
+    void sayStatus(int status, int ofSecond = silent);
+    static constexpr int silent = -1;
+
     /// Lets the unit accept the image and advances the window until the first packet has been written.
     void startStream(const QByteArray& image);
 
@@ -30,6 +37,8 @@ public:
 
     /// The writes to the unit, or to the second deck, so far: 65 bytes each.
     [[nodiscard]] std::vector<Bytes> writes() const { return virtualbus::writesTo(1); }
+    /// Those behind the request, which was written.
+    [[nodiscard]] std::vector<Bytes> packets() const;
     [[nodiscard]] std::vector<Bytes> secondWrites() const { return virtualbus::writesTo(2); }
 
     /// The hidapi calls since the handles were opened, as lines without the bytes.

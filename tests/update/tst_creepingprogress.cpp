@@ -15,7 +15,7 @@ const std::pair atStart(transferstate::fakeProgressValue, transferstate::fakePro
 void startInstalling(TransferDesk& desk)
 {
     desk.followInstallation();
-    desk.unit->sayStatus(0xE0);
+    desk.sayStatus(0xE0);
     desk.tick();
     virtualbus::unplug(desk.unit->number);
 }
@@ -82,14 +82,14 @@ void TestCreepingProgress::beforeAnythingElseInATick()
 {
     TransferDesk desk(UNIT_HB4);
     desk.followInstallation();
-    desk.unit->sayStatus(0xE0);
+    desk.sayStatus(0xE0);
     desk.tick(); // starts the creeping, does not step
     QCOMPARE(transferstate::fakeProgressTick, 0);
-    desk.unit->sayStatus(0x05);
+    desk.sayStatus(0x05);
     desk.tick();
     QCOMPARE(transferstate::fakeProgressTick, 1);
     QVERIFY(quits([&] {
-        desk.unit->sayStatus(0xF0);
+        desk.sayStatus(0xF0);
         desk.tick(); // steps to 0, then finishes
     }));
     QCOMPARE(transferstate::fakeProgressValue, 1);
@@ -112,7 +112,7 @@ void TestCreepingProgress::silentUnit()
     transferstate::fakeProgressValue = 97;
     placeFile(filename::image, imageOf(10));
     desk.followInstallation();
-    desk.unit->sayStatus(0xE0);
+    desk.sayStatus(0xE0);
     desk.window->updateDevice();
     QTRY_COMPARE(desk.window.bar("progressBarUpdate").value(), 98);
     QTRY_COMPARE(desk.window.bar("progressBarUpdate").value(), 99);
@@ -128,8 +128,8 @@ void TestCreepingProgress::finishedStaysAtHundred()
     TransferDesk desk(UNIT_HB4);
     desk.followInstallation();
     QVERIFY(quits([&] {
-        desk.unit->sayStatus(0xE0);
-        desk.unit->sayStatus(0xF0);
+        desk.sayStatus(0xE0);
+        desk.sayStatus(0xF0);
         desk.tick(2);
     }));
     virtualbus::unplug(desk.unit->number);

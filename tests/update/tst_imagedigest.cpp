@@ -1,9 +1,9 @@
+#include "net/catalogue.h"
 #include "tests/net/scene.h"
 #include "tests/support/imagefiles.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
 
-#include <QCryptographicHash>
 #include <QtTest>
 
 namespace {
@@ -16,10 +16,7 @@ const QString damaged = told::signal("youHaveProblem", {text::damagedImage, text
 const QStringList differs{told::log("The image's SHA-256 differs from the catalogue's"), damaged};
 const QStringList malformed{told::log("The catalogue's SHA-256 of the image is malformed"), damaged};
 
-QString sha256(const QByteArray& bytes)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-}
+using catalogue::digestOf;
 
 } // namespace
 
@@ -63,15 +60,15 @@ void TestImageDigest::checkAndDownload(const QMap<QString, QString>& changes, co
 void TestImageDigest::digest_data()
 {
     const Rows<QString, QStringList> row("digest", "events");
-    const QString good = sha256(image);
+    const QString good = digestOf(image);
     row("none", {}, told::imageStored());
     row("empty", "", told::imageStored());
     row("lower case", good, told::imageStored());
     row("upper case", good.toUpper(), told::imageStored());
     row("both cases", good.left(32).toUpper() + good.mid(32), told::imageStored());
     row("before a carriage return", good + '\r', told::imageStored());
-    row("of another image", sha256(previous), differs);
-    row("of an empty image", sha256(""), differs);
+    row("of another image", digestOf(previous), differs);
+    row("of an empty image", digestOf(""), differs);
     row("another last digit", good.chopped(1) + (good.endsWith('0') ? '1' : '0'), differs);
     row("all zeros", QString(64, '0'), differs);
     row("a digit short", good.chopped(1), malformed);
@@ -111,24 +108,24 @@ void TestImageDigest::answer()
 {
     QFETCH(Answer, answer);
     QFETCH(bool, isGood);
-    checkAndDownload({{"HB4Sha256", sha256(image)}}, answer);
+    checkAndDownload({{"HB4Sha256", digestOf(image)}}, answer);
     QCOMPARE(scene.journal->events, isGood ? told::imageStored() : differs);
     QCOMPARE(ImageFiles::at(programImage()), isGood ? (ImageFiles{image, noFile, previous}) : before);
 }
 
 void TestImageDigest::digestOfAnotherModel()
 {
-    checkAndDownload({{"HB2Sha256", sha256(previous)}, {"hb4Sha256", "x"}, {"HB4Sha256 ", "x"}});
+    checkAndDownload({{"HB2Sha256", digestOf(previous)}, {"hb4Sha256", "x"}, {"HB4Sha256 ", "x"}});
     QCOMPARE(scene.journal->events, told::imageStored());
 }
 
 void TestImageDigest::refusedImageLeavesNothingBehind()
 {
-    checkAndDownload({{"HB4Sha256", sha256(previous)}});
+    checkAndDownload({{"HB4Sha256", digestOf(previous)}});
     QCOMPARE(scene.journal->events, differs);
     QVERIFY(!scene.checker->isBusy());
     scene.journal->events.clear();
-    checkAndDownload({{"HB4Sha256", sha256(image)}}); // and a later one is taken
+    checkAndDownload({{"HB4Sha256", digestOf(image)}}); // and a later one is taken
     QCOMPARE(scene.journal->events, told::imageStored());
     QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{image, noFile, previous}));
 }

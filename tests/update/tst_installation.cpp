@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int silent = -1; ///< instead of a status
-
 /// A window whose image is sent: every tick follows the installation.
 struct InstallationDesk : TransferDesk
 {
@@ -23,7 +21,7 @@ struct InstallationDesk : TransferDesk
 
     void tickWith(int status)
     {
-        unit->sayStatus(static_cast<std::uint8_t>(status));
+        sayStatus(status);
         tick();
     }
 };
@@ -50,15 +48,15 @@ class TestInstallation : public QObject
 private slots:
     void poll();
     void failingRead();
-    void started_data();
+    void started_data() { addBytes({0xE}); }
     void started();
-    void finished_data();
+    void finished_data() { addBytes({0xF}); }
     void finished();
     void finishedWithoutStart();
     void programEndsWithTheBox();
-    void errors_data();
+    void errors_data() { addBytes({0x7, 0xC}); }
     void errors();
-    void ignored_data();
+    void ignored_data() { addBytes({0x0, 0x1, 0x2, 0x3, 0x4, 0x5, 0x6, 0x8, 0x9, 0xA, 0xB, 0xD}); }
     void ignored();
     void placeOfTheStatus_data();
     void placeOfTheStatus();
@@ -87,11 +85,6 @@ void TestInstallation::failingRead()
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
 }
 
-void TestInstallation::started_data()
-{
-    addBytes({0xE});
-}
-
 void TestInstallation::started()
 {
     QFETCH(UnitType, type);
@@ -107,11 +100,6 @@ void TestInstallation::started()
     QVERIFY(desk.window.label("labelUpdate").isEnabled());
     QCOMPARE(desk.window.label("labelUpdate").text(), QString(text::updateInProgress));
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
-}
-
-void TestInstallation::finished_data()
-{
-    addBytes({0xF});
 }
 
 void TestInstallation::finished()
@@ -149,11 +137,6 @@ void TestInstallation::programEndsWithTheBox()
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::finished});
 }
 
-void TestInstallation::errors_data()
-{
-    addBytes({0x7, 0xC});
-}
-
 /// The display stays as it was, the program goes on, and so does the polling.
 void TestInstallation::errors()
 {
@@ -175,11 +158,6 @@ void TestInstallation::errors()
     for (int tick = 0; tick < 2; ++tick)
         desk.tickWith(0x05);
     QCOMPARE(desk.window.bar("progressBarUpdate").value(), creeping); // one step ahead, if it crept before
-}
-
-void TestInstallation::ignored_data()
-{
-    addBytes({0x0, 0x1, 0x2, 0x3, 0x4, 0x5, 0x6, 0x8, 0x9, 0xA, 0xB, 0xD});
 }
 
 void TestInstallation::ignored()
@@ -232,7 +210,7 @@ void TestInstallation::pairIsPolledInOrder()
 {
     InstallationDesk desk(UNIT_TRK300_RIGHT, UNIT_TRK300_LEFT);
     desk.tick(); // the first deck says nothing: the other one is not asked
-    desk.unit->sayStatus(0x05);
+    desk.sayStatus(0x05);
     desk.tick();
     QCOMPARE(desk.calls(), (QStringList{"hid_read_timeout handle=1 length=64 timeout=100 result=0",
                                         "hid_read_timeout handle=1 length=64 timeout=100 result=64",
@@ -245,8 +223,8 @@ void TestInstallation::pair_data()
     row("both started", 0xE0, 0xE0, true);
     row("the second one's status counts", 0x00, 0xE0, true);
     row("the first one's does not", 0xE0, 0x00, false);
-    row("first alone", 0xE0, silent, false);
-    row("second alone", silent, 0xE0, false);
+    row("first alone", 0xE0, TransferDesk::silent, false);
+    row("second alone", TransferDesk::silent, 0xE0, false);
 }
 
 void TestInstallation::pair()
@@ -255,10 +233,7 @@ void TestInstallation::pair()
     QFETCH(int, second);
     QFETCH(bool, isStarted);
     InstallationDesk desk(UNIT_TRK300_RIGHT, UNIT_TRK300_LEFT);
-    if (first != silent)
-        desk.unit->sayStatus(static_cast<std::uint8_t>(first));
-    if (second != silent)
-        desk.second->sayStatus(static_cast<std::uint8_t>(second));
+    desk.sayStatus(first, second);
     desk.tick();
     QCOMPARE(desk.window.label("labelTransfer").text(),
              QString(isStarted ? text::transferCompleted : text::transferInProgress));

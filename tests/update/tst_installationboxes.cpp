@@ -10,6 +10,7 @@
 #include <QtTest>
 
 using Script = std::function<void()>;
+using Statuses = QList<std::pair<int, int>>; ///< each with the number of times it is said
 
 namespace {
 
@@ -92,7 +93,7 @@ public:
 private:
     void sayOnce(int status)
     {
-        unit->sayStatus(static_cast<std::uint8_t>(status));
+        sayStatus(status);
         ++said;
     }
 
@@ -121,14 +122,11 @@ class TestInstallationBoxes : public QObject
 private slots:
     void repeatedStatusOpensFurtherBoxes_data();
     void repeatedStatusOpensFurtherBoxes();
-    void sixteenAtMost();
+    void openBoxes_data();
+    void openBoxes();
     void roomAfterADismissal();
     void creepingGoesOnUnderABox();
     void startUnderABox();
-    void finishedUnderAnErrorBox();
-    void finishedTwice();
-    void finishedManyTimes();
-    void finishedUnderSixteenErrors();
 };
 
 void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes_data()
@@ -156,14 +154,32 @@ void TestInstallationBoxes::repeatedStatusOpensFurtherBoxes()
         QCOMPARE(box.text, shown);
 }
 
-void TestInstallationBoxes::sixteenAtMost()
+void TestInstallationBoxes::openBoxes_data()
 {
+    const Rows<Statuses, QList<int>, QStringList> row("said", "open", "boxes");
+    row("sixteen at most", {{0xC0, 15}, {0xC0, 1}, {0xC0, 10}, {0x70, 1}}, {15, 16, 16, 16},
+        boxline::repeated(16, boxline::wrongDigest));
+    row("finished under an error", {{0xC0, 1}, {0xF0, 1}}, {1, 2}, {boxline::wrongDigest, boxline::finished});
+    row("finished twice", {{0xF0, 1}, {0xF0, 1}}, {1, 2}, boxline::repeated(2, boxline::finished));
+    row("finished many times", {{0xF0, 20}}, {16}, boxline::repeated(16, boxline::finished));
+    row("finished under sixteen errors", {{0x70, 20}, {0xF0, 1}, {0xF0, 1}}, {16, 17, 17},
+        boxline::repeated(16, boxline::rejected) + QStringList{boxline::finished});
+}
+
+/// The good end is no repeat: it is told, and ends the program, whatever is open.
+void TestInstallationBoxes::openBoxes()
+{
+    QFETCH(Statuses, said);
+    QFETCH(QStringList, boxes);
     RunningInstallation desk;
     QList<int> open;
-    desk.follow(
-        [&] { open << desk.say(0xC0, 15) << desk.say(0xC0) << desk.say(0xC0, 10) << desk.say(0x70); });
-    QCOMPARE(open, (QList<int>{15, 16, 16, 16}));
-    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{16});
+    const bool quit = desk.follow([&] {
+        for (const auto& [status, times] : said)
+            open += desk.say(status, times);
+    });
+    QTEST(open, "open");
+    QCOMPARE(desk.window.boxes.lines(), boxes);
+    QCOMPARE(quit, boxes.contains(boxline::finished));
 }
 
 void TestInstallationBoxes::roomAfterADismissal()
@@ -208,42 +224,6 @@ void TestInstallationBoxes::startUnderABox()
     });
     QCOMPARE(open, (QList<int>{1, 1}));
     QCOMPARE(label, QString(text::transferCompleted));
-}
-
-void TestInstallationBoxes::finishedUnderAnErrorBox()
-{
-    RunningInstallation desk;
-    QList<int> open;
-    QVERIFY(desk.follow([&] { open << desk.say(0xC0) << desk.say(0xF0); }));
-    QCOMPARE(open, (QList<int>{1, 2}));
-    QCOMPARE(desk.window.boxes.lines().constLast(), boxline::finished);
-}
-
-void TestInstallationBoxes::finishedTwice()
-{
-    RunningInstallation desk;
-    QList<int> open;
-    QVERIFY(desk.follow([&] { open << desk.say(0xF0) << desk.say(0xF0); }));
-    QCOMPARE(open, (QList<int>{1, 2}));
-    QCOMPARE(desk.window.boxes.lines(), (QStringList{boxline::finished, boxline::finished}));
-}
-
-void TestInstallationBoxes::finishedManyTimes()
-{
-    RunningInstallation desk;
-    int open = 0;
-    QVERIFY(desk.follow([&] { open = desk.say(0xF0, 20); }));
-    QCOMPARE(open, 16);
-}
-
-/// The good end is no repeat: it is told, and ends the program, whatever is open.
-void TestInstallationBoxes::finishedUnderSixteenErrors()
-{
-    RunningInstallation desk;
-    QList<int> open;
-    QVERIFY(desk.follow([&] { open << desk.say(0x70, 20) << desk.say(0xF0) << desk.say(0xF0); }));
-    QCOMPARE(open, (QList<int>{16, 17, 17}));
-    QCOMPARE(desk.window.boxes.lines().constLast(), boxline::finished);
 }
 
 QTEST_MAIN(TestInstallationBoxes)

@@ -10,6 +10,7 @@
 namespace {
 
 using Answer = std::function<void(Boxes&)>;
+using Offer = std::function<void(MainWindow&, QString, QString)>; ///< version and change log
 
 /// The window with nobody behind its requests, so that an accepted offer starts no download and no browser.
 struct OfferDesk
@@ -25,37 +26,23 @@ struct OfferDesk
     QSignalSpy nothing{&*window, SIGNAL(notNeedDownloadNewFirmware())};
 };
 
-void pressYes(Boxes& boxes)
-{
-    boxes.answerWith(QMessageBox::Yes);
-}
-
-void pressNo(Boxes& boxes)
-{
-    boxes.answerWith(QMessageBox::No);
-}
-
-void pressEscape(Boxes& boxes)
-{
-    boxes.answerWithEscape();
-}
-
-void pressEnter(Boxes& boxes)
-{
+const Answer pressYes = [](Boxes& boxes) { boxes.answerWith(QMessageBox::Yes); };
+const Answer pressNo = [](Boxes& boxes) { boxes.answerWith(QMessageBox::No); };
+const Answer pressEscape = [](Boxes& boxes) { boxes.answerWithEscape(); };
+const Answer pressEnter = [](Boxes& boxes) {
     boxes.leaveOpen();
     boxes.whileOpen = [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); };
-}
-
+};
 /// The box goes with the program, unanswered.
-void endTheProgram(Boxes& boxes)
-{
+const Answer endTheProgram = [](Boxes& boxes) {
     boxes.leaveOpen();
     boxes.whileOpen = [](QMessageBox&) { QCoreApplication::quit(); };
-}
+};
 
 } // namespace
 
 Q_DECLARE_METATYPE(Answer)
+Q_DECLARE_METATYPE(Offer)
 
 class TestOffer : public QObject
 {
@@ -68,11 +55,8 @@ private slots:
     void updaterText();
     void box_data();
     void box();
-    void noChangeLog();
-    void firmwareAnswer_data();
-    void firmwareAnswer();
-    void updaterAnswer_data();
-    void updaterAnswer();
+    void answer_data();
+    void answer();
     void requestPrecedesTheLabel();
 };
 
@@ -126,48 +110,47 @@ void TestOffer::updaterText()
 
 void TestOffer::box_data()
 {
-    QTest::addColumn<bool>("isUpdater");
-    QTest::newRow("firmware") << false;
-    QTest::newRow("updater") << true;
+    const Rows<Offer, QString> row("offer", "changeLog");
+    row("firmware", &MainWindow::onFindNewVersion, "line 1\nline 2");
+    row("updater", &MainWindow::onFindMainNewVersion, "line 1\nline 2");
+    row("no change log", &MainWindow::onFindNewVersion, "");
 }
 
 void TestOffer::box()
 {
-    QFETCH(bool, isUpdater);
+    QFETCH(Offer, offer);
+    QFETCH(QString, changeLog);
     OfferDesk desk;
     QVERIFY(QTest::qWaitForWindowActive(&*desk.window,
                                         limits::hangMs())); // an active window could become the box's parent
     pressNo(desk.window.boxes);
-    if (isUpdater)
-        desk.window->onFindMainNewVersion("12", "line 1\nline 2");
-    else
-        desk.window->onFindNewVersion("12", "line 1\nline 2");
+    offer(*desk.window, "12", changeLog);
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     const SeenBox& box = desk.window.boxes.seen().front();
-    QVERIFY2(box == offerBox(box.text, "line 1\nline 2"), qPrintable(box.line()));
+    QVERIFY2(box == offerBox(box.text, changeLog), qPrintable(box.line()));
     QVERIFY(!box.hasParent);
 }
 
-void TestOffer::noChangeLog()
+void TestOffer::answer_data()
 {
-    OfferDesk desk;
-    pressNo(desk.window.boxes);
-    desk.window->onFindNewVersion("12", "");
-    QCOMPARE(desk.window.boxes.seen().front().buttons, (QStringList{"Yes", "No"}));
+    const Rows<Offer, Answer, QList<int>, bool> row("offer", "answer", "requests", "startsDownload");
+    const Offer firmware = &MainWindow::onFindNewVersion;
+    row("firmware, Yes", firmware, pressYes, {1, 0, 0}, true);
+    row("firmware, Enter is Yes", firmware, pressEnter, {1, 0, 0}, true);
+    row("firmware, No", firmware, pressNo, {0, 0, 0}, false);
+    row("firmware, Escape is No", firmware, pressEscape, {0, 0, 0}, false);
+    row("firmware, neither", firmware, endTheProgram, {0, 0, 1}, false);
+    const Offer updater = &MainWindow::onFindMainNewVersion;
+    row("updater, Yes", updater, pressYes, {0, 1, 0}, false); // no widget is touched
+    row("updater, Enter is Yes", updater, pressEnter, {0, 1, 0}, false);
+    row("updater, No", updater, pressNo, {0, 0, 0}, false);
+    row("updater, Escape is No", updater, pressEscape, {0, 0, 0}, false);
+    row("updater, neither", updater, endTheProgram, {0, 0, 1}, false);
 }
 
-void TestOffer::firmwareAnswer_data()
+void TestOffer::answer()
 {
-    const Rows<Answer, QList<int>, bool> row("answer", "requests", "startsDownload");
-    row("Yes", pressYes, {1, 0, 0}, true);
-    row("Enter is Yes", pressEnter, {1, 0, 0}, true);
-    row("No", pressNo, {0, 0, 0}, false);
-    row("Escape is No", pressEscape, {0, 0, 0}, false);
-    row("neither", endTheProgram, {0, 0, 1}, false);
-}
-
-void TestOffer::firmwareAnswer()
-{
+    QFETCH(Offer, offer);
     QFETCH(Answer, answer);
     QFETCH(QList<int>, requests);
     QFETCH(bool, startsDownload);
@@ -181,35 +164,10 @@ void TestOffer::firmwareAnswer()
             .replaceInStrings(QString("labelTransfer|disabled visible|%1|").arg(text::transferIdle),
                               QString("labelTransfer|enabled visible|%1|").arg(text::transferDownload))
             .replaceInStrings("progressBarTransfer|disabled", "progressBarTransfer|enabled");
-    desk.window->onFindNewVersion("12", "log");
+    offer(*desk.window, "12", "log");
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     QCOMPARE(desk.requests(), requests);
     QCOMPARE(desk.window.controls(), expected);
-}
-
-void TestOffer::updaterAnswer_data()
-{
-    const Rows<Answer, QList<int>> row("answer", "requests");
-    row("Yes", pressYes, {0, 1, 0});
-    row("Enter is Yes", pressEnter, {0, 1, 0});
-    row("No", pressNo, {0, 0, 0});
-    row("Escape is No", pressEscape, {0, 0, 0});
-    row("neither", endTheProgram, {0, 0, 1});
-}
-
-void TestOffer::updaterAnswer()
-{
-    QFETCH(Answer, answer);
-    QFETCH(QList<int>, requests);
-    OfferDesk desk;
-    answer(desk.window.boxes);
-    if (requests.last() > 0)
-        expectDiagnostic("Bug with avaible download window\n");
-    const QStringList before = desk.window.controls();
-    desk.window->onFindMainNewVersion("12", "log");
-    QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
-    QCOMPARE(desk.requests(), requests);
-    QCOMPARE(desk.window.controls(), before); // no widget is touched
 }
 
 void TestOffer::requestPrecedesTheLabel()

@@ -1,3 +1,4 @@
+#include "net/catalogue.h"
 #include "net/updatechecker.h"
 #include "tests/support/boxlines.h"
 #include "tests/support/inside.h"
@@ -7,7 +8,6 @@
 #include "tests/support/texts.h"
 #include "tests/support/transferdesk.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QtTest>
 
@@ -15,10 +15,7 @@ namespace {
 
 const QByteArray image = imageOf(200);
 
-QString sha256(const QByteArray& bytes)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-}
+using catalogue::digestOf;
 
 } // namespace
 
@@ -38,12 +35,12 @@ private slots:
 void TestSignedImage::press_data()
 {
     const Rows<QString, QByteArray, bool> row("downloaded", "onDisk", "isSent");
-    row("the image downloaded", sha256(image), image, true);
-    row("its digest in capital letters", sha256(image).toUpper(), image, true);
-    row("another image", sha256(image), imageOf(201), false);
-    row("one bit of it is another", sha256(image), withBitFlipped(image, 1000), false);
+    row("the image downloaded", digestOf(image), image, true);
+    row("its digest in capital letters", digestOf(image).toUpper(), image, true);
+    row("another image", digestOf(image), imageOf(201), false);
+    row("one bit of it is another", digestOf(image), withBitFlipped(image, 1000), false);
     row("nothing was downloaded", "", image, false);
-    row("empty image", sha256(""), "", false);
+    row("empty image", digestOf(""), "", false);
 }
 
 void TestSignedImage::press()

@@ -73,8 +73,7 @@ void TestTransfer::request()
     QFETCH(QByteArray, image);
     QFETCH(QByteArray, report);
     TransferDesk desk(type);
-    desk.load(image);
-    desk.tick();
+    desk.writeRequest(image);
     QCOMPARE(desk.calls(), (QStringList{silentRead, writing})); // the unit's status is looked at first
     QCOMPARE(hexOf(desk.writes().front()), report);
     QCOMPARE(desk.phase(), QString("0 0 1 0"));
@@ -95,10 +94,9 @@ void TestTransfer::acceptance()
 {
     QFETCH(UnitType, type);
     TransferDesk desk(type);
-    desk.load(imageOf(200));
-    desk.tick();
+    desk.writeRequest();
     desk.window.bar("progressBarTransfer").setValue(55); // as the download left it
-    desk.unit->sayStatus(0x95);
+    desk.sayStatus(0x95);
     desk.tick();
     QCOMPARE(desk.phase(), QString("1 0 1 1"));
     QVERIFY(desk.window.bar("progressBarTransfer").isEnabled());
@@ -116,7 +114,7 @@ void TestTransfer::acceptanceBeforeTheRequest()
     TransferDesk desk(UNIT_HB4);
     desk.load(imageOf(200));
     desk.window.bar("progressBarTransfer").setValue(55); // as the download left it
-    desk.unit->sayStatus(0x90);
+    desk.sayStatus(0x90);
     desk.tick();
     QCOMPARE(desk.phase(), QString("1 0 1 0"));
     QCOMPARE(desk.window.bar("progressBarTransfer").value(), 0);
@@ -146,8 +144,7 @@ void TestTransfer::packets()
     const std::vector<Bytes> expected = packetsOf(models::of(type), image);
     for (std::size_t i = 1; i < expected.size(); ++i)
         desk.tick(); // one packet each
-    std::vector<Bytes> written = desk.writes();
-    written.erase(written.begin()); // the request
+    const std::vector<Bytes> written = desk.packets();
     QCOMPARE(written.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i)
         QCOMPARE(hexOf(written[i]), hexOf(expected[i]));
@@ -159,7 +156,7 @@ void TestTransfer::nothingIsReadInTheStream()
     TransferDesk desk(UNIT_HB4);
     desk.startStream(imageOf(6000));
     for (int i = 0; i < 5; ++i)
-        desk.unit->sayStatus(0xB0); // a complaint that shows only later
+        desk.sayStatus(0xB0); // a complaint that shows only later
     desk.tick(20);
     QCOMPARE(desk.calls().filter("hid_read").size(), 2);
     QCOMPARE(desk.phase(), QString("1 0 1 21"));
@@ -183,11 +180,9 @@ void TestTransfer::anyStatusInTheStream()
     const QByteArray image = imageOf(200);
     TransferDesk desk(type);
     desk.startStream(image);
-    desk.unit->sayStatus(static_cast<std::uint8_t>(status));
+    desk.sayStatus(status);
     desk.tick(3);
-    std::vector<Bytes> packets = desk.writes();
-    packets.erase(packets.begin()); // the request
-    QVERIFY(packets == packetsOf(models::of(type), image));
+    QVERIFY(desk.packets() == packetsOf(models::of(type), image));
     QCOMPARE(desk.window.boxes.lines(), QStringList{});
 }
 

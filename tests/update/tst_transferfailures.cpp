@@ -60,8 +60,7 @@ void TestTransferFailures::requestToNoUnit()
 {
     TransferDesk desk(UNIT_HB4);
     desk.loseHandle();
-    desk.load(imageOf(200));
-    desk.tick();
+    desk.writeRequest();
     QCOMPARE(desk.window.boxes.lines(), QStringList{boxline::noRequest});
     QCOMPARE(desk.phase(), QString("0 1 0 0"));
     QCOMPARE(desk.calls(), QStringList{}); // the library never sees a null handle

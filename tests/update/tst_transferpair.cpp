@@ -7,20 +7,10 @@
 
 namespace {
 
-constexpr int silent = -1; ///< instead of a status
-
 /// Both decks of a player; handle 1 is `device`, handle 2 `secondDevice`.
 struct Pair : TransferDesk
 {
     Pair() : TransferDesk(UNIT_TRK300_RIGHT, UNIT_TRK300_LEFT) {}
-
-    void say(int first, int other)
-    {
-        if (first != silent)
-            unit->sayStatus(static_cast<std::uint8_t>(first));
-        if (other != silent)
-            second->sayStatus(static_cast<std::uint8_t>(other));
-    }
 };
 
 } // namespace
@@ -84,7 +74,7 @@ void TestTransferPair::requestNotTaken()
     QCOMPARE(pair.phase(), phase);
     QCOMPARE(pair.writes().size(), std::size_t{1});
     QCOMPARE(pair.secondWrites().size(), std::size_t{1});
-    QCOMPARE(pair.window.boxes.lines(), QStringList(QVector<QString>(boxes, boxline::noRequest).toList()));
+    QCOMPARE(pair.window.boxes.lines(), boxline::repeated(boxes, boxline::noRequest));
 }
 
 void TestTransferPair::answers_data()
@@ -97,9 +87,9 @@ void TestTransferPair::answers_data()
     row("second accepts, first idle", 0x05, 0x95, streaming, {});
     row("both accept", 0x95, 0x95, streaming, {});
     row("both idle", 0x05, 0x05, waiting, {});
-    row("only the first says anything", 0x95, silent, waiting, {});
-    row("only the second says anything", silent, 0x95, waiting, {});
-    row("only the first refuses", 0xA5, silent, waiting, {});
+    row("only the first says anything", 0x95, TransferDesk::silent, waiting, {});
+    row("only the second says anything", TransferDesk::silent, 0x95, waiting, {});
+    row("only the first refuses", 0xA5, TransferDesk::silent, waiting, {});
     row("first timed out", 0xA5, 0x05, over, {boxline::timedOut});
     row("second timed out", 0x05, 0xA5, over, {boxline::timedOut});
     row("both timed out: one box", 0xA5, 0xA5, over, {boxline::timedOut});
@@ -117,9 +107,8 @@ void TestTransferPair::answers()
     QFETCH(QString, phase);
     QFETCH(QStringList, boxes);
     Pair pair;
-    pair.load(imageOf(200));
-    pair.tick();
-    pair.say(first, second);
+    pair.writeRequest();
+    pair.sayStatus(first, second);
     pair.tick();
     QCOMPARE(pair.phase(), phase);
     QCOMPARE(pair.window.boxes.lines(), boxes);
@@ -129,14 +118,13 @@ void TestTransferPair::answers()
 void TestTransferPair::answersOfDifferentTicks()
 {
     Pair pair;
-    pair.load(imageOf(200));
+    pair.writeRequest();
+    pair.sayStatus(0x95, TransferDesk::silent);
     pair.tick();
-    pair.say(0x95, silent);
-    pair.tick();
-    pair.say(silent, 0x95);
+    pair.sayStatus(TransferDesk::silent, 0x95);
     pair.tick();
     QCOMPARE(pair.phase(), QString("0 0 1 0"));
-    pair.say(0x95, 0x05);
+    pair.sayStatus(0x95, 0x05);
     pair.tick();
     QCOMPARE(pair.phase(), QString("1 0 1 1"));
 }
@@ -156,10 +144,8 @@ void TestTransferPair::displayStaysAsItWas()
 void TestTransferPair::packetsGoToBoth_data()
 {
     QTest::addColumn<int>("size");
-    QTest::newRow("59 bytes") << 59;
-    QTest::newRow("60 bytes") << 60;
-    QTest::newRow("61 bytes") << 61;
-    QTest::newRow("1200 bytes") << 1200;
+    for (const int size : {59, 60, 61, 1200})
+        QTest::addRow("%d bytes", size) << size;
 }
 
 void TestTransferPair::packetsGoToBoth()
@@ -169,10 +155,8 @@ void TestTransferPair::packetsGoToBoth()
     const QByteArray image = imageOf(size);
     pair.startStream(image);
     pair.tick(size / 60);
-    std::vector<Bytes> written = pair.writes();
-    QVERIFY(written == pair.secondWrites());
-    written.erase(written.begin());
-    QVERIFY(written == packetsOf(models::plt70, image));
+    QVERIFY(pair.writes() == pair.secondWrites());
+    QVERIFY(pair.packets() == packetsOf(models::plt70, image));
     QCOMPARE(pair.phase(), QString("0 1 1 0"));
 }
 
@@ -195,11 +179,9 @@ void TestTransferPair::packetNotTaken()
     virtualbus::failNextWrites(pair.unit->number, firstFailures);
     virtualbus::failNextWrites(pair.second->number, secondFailures);
     pair.tick(2);
-    std::vector<Bytes> written = pair.writes();
-    QVERIFY(written == pair.secondWrites());
-    written.erase(written.begin());
+    QVERIFY(pair.writes() == pair.secondWrites());
     const std::vector<Bytes> packets = packetsOf(models::plt70, image);
-    QVERIFY(written == std::vector<Bytes>(packets.begin(), packets.begin() + 3));
+    QVERIFY(pair.packets() == std::vector<Bytes>(packets.begin(), packets.begin() + 3));
     QCOMPARE(pair.phase(), QString("1 0 1 3"));
     QCOMPARE(pair.window.boxes.lines(), QStringList{});
 }
@@ -209,8 +191,7 @@ void TestTransferPair::deckWithoutHandle()
 {
     Pair pair;
     pair.loseHandle();
-    pair.load(imageOf(200));
-    pair.tick();
+    pair.writeRequest();
     QCOMPARE(pair.window.boxes.lines(), QStringList{boxline::noRequest});
     QCOMPARE(pair.phase(), QString("0 1 1 0"));
     QCOMPARE(pair.calls(), (QStringList{"hid_read_timeout handle=2 length=64 timeout=1 result=0",

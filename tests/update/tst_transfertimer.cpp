@@ -15,20 +15,9 @@ namespace {
 
 using transferstate::transferTimer;
 
-void timeOut(TransferDesk& desk)
-{
-    desk.unit->sayStatus(0xA5);
-}
-
-void skipPackets(TransferDesk& desk)
-{
-    desk.unit->sayStatus(0xB5);
-}
-
-void takeNothing(TransferDesk& desk)
-{
-    virtualbus::failNextWrites(desk.unit->number, 1000);
-}
+const Trouble timeOut = [](TransferDesk& desk) { desk.sayStatus(0xA5); };
+const Trouble skipPackets = [](TransferDesk& desk) { desk.sayStatus(0xB5); };
+const Trouble takeNothing = [](TransferDesk& desk) { virtualbus::failNextWrites(desk.unit->number, 1000); };
 
 /// The stream stands behind the image's end, as nothing but a fault of the program could bring it there.
 void overrun(TransferDesk& desk)
@@ -103,13 +92,11 @@ void TestTransferTimer::imageUnderTheTimer()
     placeFile(filename::image, image);
     desk.window->updateDevice();
     QTRY_COMPARE(desk.writes().size(), std::size_t{1});
-    desk.unit->sayStatus(0x95);
+    desk.sayStatus(0x95);
     const QSignalSpy ticks(transferTimer, &QTimer::timeout);
     QTRY_VERIFY(!desk.calls().filter("timeout=100").isEmpty());               // the installation is followed
     QVERIFY2(ticks.size() >= 101, qPrintable(QString::number(ticks.size()))); // a packet a tick
-    std::vector<Bytes> written = desk.writes();
-    written.erase(written.begin());
-    QVERIFY(written == packetsOf(models::plt70, image));
+    QVERIFY(desk.packets() == packetsOf(models::plt70, image));
 }
 
 void TestTransferTimer::secondPressStopsTheTimer()
@@ -143,7 +130,7 @@ void TestTransferTimer::secondPressWithoutImage()
     TransferDesk desk(UNIT_HB4);
     const QByteArray image = imageOf(60000);
     placeFile(filename::image, image);
-    desk.unit->sayStatus(0x95);
+    desk.sayStatus(0x95);
     desk.window->updateDevice();
     QTRY_VERIFY(desk.writes().size() > 3);
     pressWithoutImage(desk);
@@ -153,9 +140,9 @@ void TestTransferTimer::secondPressWithoutImage()
 void TestTransferTimer::noStepUnderABox_data()
 {
     QTest::addColumn<Trouble>("trouble");
-    QTest::newRow("timed out") << Trouble(timeOut);
-    QTest::newRow("packets skipped") << Trouble(skipPackets);
-    QTest::newRow("request not taken") << Trouble(takeNothing);
+    QTest::newRow("timed out") << timeOut;
+    QTest::newRow("packets skipped") << skipPackets;
+    QTest::newRow("request not taken") << takeNothing;
     QTest::newRow("behind the image's end") << Trouble(overrun);
 }
 
@@ -189,7 +176,7 @@ void TestTransferTimer::repeatedRefusalIsShownOnce()
     desk.window->updateDevice();
     QTRY_COMPARE(desk.writes().size(), std::size_t{1});
     for (int i = 0; i < 10; ++i)
-        desk.unit->sayStatus(0xA5);
+        desk.sayStatus(0xA5);
     QTRY_COMPARE(desk.calls().filter("timeout=100").filter("result=64").size(),
                  9); // no verdict of an installation
     QCOMPARE(desk.window.boxes.lines().size(), 1);

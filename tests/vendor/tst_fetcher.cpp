@@ -1,4 +1,5 @@
 #include "base/sizelimit.h"
+#include "net/catalogue.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/rows.h"
 #include "tests/support/selfsigned.h"
@@ -11,10 +12,7 @@ namespace {
 constexpr auto path = "/file";
 constexpr int patient = 0x7FFFFFFF; ///< ms of silence
 
-QString sha256(const QByteArray& bytes)
-{
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
-}
+using catalogue::digestOf;
 
 /// The kinds of what is found about a file, asked for under this key.
 QStringList kindsOf(const Fetched& fetched, const catalogue::Entries& entries = {})
@@ -98,7 +96,7 @@ void TestFetcher::tells()
     if (!isAnswer)
         return;
     QCOMPARE(fetched.size, qint64(body.size()));
-    QCOMPARE(QString(fetched.digest), sha256(body));
+    QCOMPARE(QString(fetched.digest), digestOf(body));
 }
 
 void TestFetcher::image_data()
@@ -107,15 +105,15 @@ void TestFetcher::image_data()
     const QByteArray body("image");
     const QByteArray good = httpAnswer("200 OK", body);
     row("good", good, "", {});
-    row("good digest", good, sha256(body), {});
-    row("good digest in upper case", good, sha256(body).toUpper(), {});
-    row("wrong digest", good, sha256("other"), {"wrong-digest"});
+    row("good digest", good, digestOf(body), {});
+    row("good digest in upper case", good, digestOf(body).toUpper(), {});
+    row("wrong digest", good, digestOf("other"), {"wrong-digest"});
     row("a malformed digest is the catalogue's own matter", good, "12", {});
     row("page", httpAnswer("200 OK", body, {"Content-Type: Text/HTML"}), "", {"no-image"});
     row("encoded", httpAnswer("200 OK", body, {"Content-Encoding: br"}), "", {"no-image"});
     row("encoded as nothing", httpAnswer("200 OK", body, {"Content-Encoding: identity"}), "", {});
     row("empty", httpAnswer("200 OK", {}), "", {"empty-image"});
-    row("missing", httpAnswer("404 Not Found", "no"), sha256(body), {"no-answer"});
+    row("missing", httpAnswer("404 Not Found", "no"), digestOf(body), {"no-answer"});
     const QByteArray type("Content-Type: application/octet-stream");
     row("largest that is not reported", httpAnswer("200 OK", QByteArray(15000000, 'x'), {type}), "", {});
     row("reported", httpAnswer("200 OK", QByteArray(15000001, 'x'), {type}), "", {"large-answer"});
@@ -169,7 +167,7 @@ void TestFetcher::untrustedServer()
     const QString url = (isRedirected ? server : secure).address(path);
     const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", url, true}}).first();
     QVERIFY2(fetched.isAnswer, qPrintable(fetched.failure));
-    QCOMPARE(QString(fetched.digest), sha256("image"));
+    QCOMPARE(QString(fetched.digest), digestOf("image"));
     QCOMPARE(kindsOf(fetched), QStringList("bad-certificate"));
 }
 
@@ -210,7 +208,7 @@ void TestFetcher::followsRedirects()
     server.setAnswer(path, ok("image"));
     const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", server.address("/old"), true}}).first();
     QCOMPARE(fetched.status, 200);
-    QCOMPARE(QString(fetched.digest), sha256("image"));
+    QCOMPARE(QString(fetched.digest), digestOf("image"));
 }
 
 /// Holds every answer back until four have been requested, and checks that no fifth request comes.
@@ -238,7 +236,7 @@ void TestFetcher::fourAtOnce()
     QCOMPARE(most, 4);
     for (int number = 0; number < all.size(); ++number) {
         QCOMPARE(all[number].wanted.url, wanted[number].url);
-        QCOMPARE(QString(all[number].digest), sha256(QByteArray::number(number)));
+        QCOMPARE(QString(all[number].digest), digestOf(QByteArray::number(number)));
     }
 }
 
