@@ -3,8 +3,9 @@
 #include "fuzz/fuzzedunit.h"
 #include "fuzz/quietprogram.h"
 #include "log/logdownloader.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/inside.h"
-#include "tests/support/models.h"
+#include "tests/support/wire.h"
 
 namespace {
 
@@ -40,25 +41,14 @@ Expected expectedOf(const std::vector<fuzzedunit::Read>& reads)
 void checkWrites(UnitType type)
 {
     const int command = models::of(type).command();
+    const QByteArray request = wire::report({{command, 0x10}, {command + 1, 1}});
+    const QByteArray acknowledge = wire::report({{1, 0x30}});
+    const QByteArray resend = wire::report({{1, 0x70}});
     const QByteArrayList& writes = fuzzedunit::tried(0);
-    for (const QByteArray& bytes : writes) {
-        QByteArray request(65, '\0');
-        request[command] = 0x10;
-        request[command + 1] = 1;
-        QByteArray acknowledge(65, '\0');
-        acknowledge[1] = 0x30;
-        QByteArray resend(65, '\0');
-        resend[1] = 0x70;
+    for (const QByteArray& bytes : writes)
         expect(bytes == request || bytes == acknowledge || bytes == resend,
                "a request, an acknowledge or a resend");
-    }
     expect(!writes.isEmpty() && writes.front()[command] == 0x10, "the request goes first");
-}
-
-QByteArray contentOf(QFile& file)
-{
-    file.close();
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 void connectToItself(LogDownloader& downloader)
@@ -96,8 +86,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const Expected expected = expectedOf(fuzzedunit::reads());
     checkWrites(type);
     expect((finished > 0) == expected.finished, "the end is told, and only the end");
-    expect(contentOf(inside::of(downloader).logFile) == expected.file,
+    QFile& file = inside::of(downloader).logFile;
+    file.close();
+    expect(file.exists() && contentOf(file.fileName()) == expected.file,
            "every received byte is in the file, and none else");
-    inside::of(downloader).logFile.remove();
+    file.remove();
     return 0;
 }

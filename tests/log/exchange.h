@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QSignalSpy>
+#include <QTest>
 #include <QThread>
 
 #include <memory>
@@ -56,17 +57,24 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Exchange)
 
+    /// Asks for log 1 and waits for the end.
+    void download()
+    {
+        downloader->startDownload(1);
+        QTRY_VERIFY(!finished.isEmpty());
+    }
+
     [[nodiscard]] QByteArray stored() const
     {
         return QFile::exists(file) ? contentOf(file) : QByteArray("no file");
     }
-    /// The command byte of every written report: "10" request, "30" acknowledge, "70" resend.
-    [[nodiscard]] QByteArrayList commands() const
+    /// The command byte of every written report, as in "10 30 70": request, acknowledge, resend.
+    [[nodiscard]] QByteArray commands() const
     {
-        QByteArrayList commands;
+        QByteArray commands;
         for (const Bytes& bytes : virtualbus::writesTo(1))
-            commands += QByteArray(1, static_cast<char>(bytes[1])).toHex();
-        return commands;
+            commands += static_cast<char>(bytes[1]);
+        return commands.toHex(' ');
     }
 
     /// Blocks until the worker has handled everything queued so far.

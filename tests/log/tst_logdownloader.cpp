@@ -75,39 +75,53 @@ private slots:
         QFETCH(const UnitType, type);
         QFETCH(const int, index);
         Exchange exchange(unitSaying({{"`"}}), type);
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         std::vector<std::uint8_t> expected(65, 0);
         expected[static_cast<std::size_t>(index)] = 0x10;
         expected[static_cast<std::size_t>(index) + 1] = 1;
         QCOMPARE(virtualbus::writesTo(1), std::vector<std::vector<std::uint8_t>>({expected}));
     }
 
-    void noLogEndsAtOnceWithAnEmptyFile()
+    void download_data()
     {
-        Exchange exchange(unitSaying({{"`"}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(exchange.stored(), QByteArray(""));
-        QCOMPARE(exchange.commands(), QByteArrayList({"10"}));
+        const Rows<ScriptedUnit::Answers, QList<int>, QByteArray, QByteArray> row("script", "progress",
+                                                                                  "commands", "stored");
+        row("no log: an empty file at once", {{"`"}}, {}, "10", "");
+        row("three parts of 136 bytes",
+            {{headerReply(3)}, {partReply('a')}, {partReply('b')}, {lastReply(10, 'c')}}, {33, 66},
+            "10 30 30 30 30", QByteArray(63, 'a') + QByteArray(63, 'b') + QByteArray(10, 'c'));
+        row("an exact multiple ends with an empty last part",
+            {{headerReply(2)}, {partReply('a')}, {lastReply(0, 'x')}}, {50}, "10 30 30 30",
+            QByteArray(63, 'a'));
+        row("unknown replies while the header is awaited are ignored",
+            {{"Z", "@", "P", "0", headerReply(1)}, {lastReply(2, 'd')}}, {}, "10 30 30", "dd");
+        row("an unknown reply to a part is asked for again", {{headerReply(1)}, {"Z"}, {lastReply(2, 'd')}},
+            {}, "10 30 70 30", "dd");
+        row("a wrong count asks again and ends all the same",
+            {{headerReply(2)},
+             {partReply('a')},
+             {partReply('b')},
+             {partReply('c')},
+             {lastReply(1, 'd')}, // after the third part's acknowledge
+             {headerReply(4)}},   // after the new request; acknowledged, and so is the end
+            {50, 100, 150}, "10 30 30 30 30 10 30 30",
+            QByteArray(63, 'a') + QByteArray(63, 'b') + QByteArray(63, 'c') + 'd');
     }
-
-    void threePartsOf136Bytes()
+    void download()
     {
-        Exchange exchange(
-            unitSaying({{headerReply(3)}, {partReply('a')}, {partReply('b')}, {lastReply(10, 'c')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(exchange.stored(), QByteArray(63, 'a') + QByteArray(63, 'b') + QByteArray(10, 'c'));
-        QCOMPARE(valuesOf(exchange.progress), QList<int>({33, 66}));
-        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30", "30", "30"}));
+        QFETCH(const ScriptedUnit::Answers, script);
+        Exchange exchange(unitSaying(script));
+        exchange.download();
+        QCOMPARE(exchange.finished.size(), 1);
+        QTEST(valuesOf(exchange.progress), "progress");
+        QTEST(exchange.commands(), "commands");
+        QTEST(exchange.stored(), "stored");
     }
 
     void nothingIsReadBehindTheLastPart()
     {
         Exchange exchange(unitSaying({{headerReply(1)}, {lastReply(10, 'c')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         std::atomic<bool> later = false; // behind any timer of the download's own, on its thread
         QTimer::singleShot(2, exchange.downloader.get(), [&later] { later = true; });
         QTRY_VERIFY(later);
@@ -124,51 +138,8 @@ private slots:
         }
         script.push_back({lastReply(0, 'x')});
         Exchange exchange(unitSaying(script));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         QCOMPARE(valuesOf(exchange.progress), expected);
-    }
-
-    void anExactMultipleEndsWithAnEmptyLastPart()
-    {
-        Exchange exchange(unitSaying({{headerReply(2)}, {partReply('a')}, {lastReply(0, 'x')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(exchange.stored(), QByteArray(63, 'a'));
-    }
-
-    void aWrongCountAsksAgainAndEndsAllTheSame()
-    {
-        Exchange exchange(unitSaying({{headerReply(2)},
-                                      {partReply('a')},
-                                      {partReply('b')},
-                                      {partReply('c')},
-                                      {lastReply(1, 'd')}, // after the third part's acknowledge
-                                      {headerReply(4)}})); // after the new request
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(valuesOf(exchange.progress), QList<int>({50, 100, 150}));
-        // request; header and three parts acknowledged; new request; its header acknowledged; the end
-        // acknowledged
-        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30", "30", "30", "10", "30", "30"}));
-        QCOMPARE(exchange.stored().size(), 3 * 63 + 1);
-    }
-
-    void unknownRepliesWhileTheHeaderIsAwaitedAreIgnored()
-    {
-        Exchange exchange(unitSaying({{"Z", "@", "P", "0", headerReply(1)}, {lastReply(2, 'd')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30"}));
-        QCOMPARE(exchange.stored(), QByteArray("dd"));
-    }
-
-    void anUnknownReplyToAPartIsAskedForAgain()
-    {
-        Exchange exchange(unitSaying({{headerReply(1)}, {"Z"}, {lastReply(2, 'd')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
-        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "70", "30"}));
     }
 
     void anyByteInsteadOfTheHeader_data() { addBytes(); }
@@ -177,10 +148,9 @@ private slots:
         QFETCH(const int, byte);
         const QByteArray said = byte == 0x20 ? headerReply(1) : QByteArray(1, static_cast<char>(byte));
         Exchange exchange(unitSaying({{said, headerReply(1)}, {lastReply(1, 'd')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_VERIFY(!exchange.finished.isEmpty());
+        exchange.download();
         const QByteArray commands = byte == 0x60 ? "10" : byte == 0x20 ? "10 30 70 30" : "10 30 30";
-        QCOMPARE(exchange.commands().join(' '), commands);
+        QCOMPARE(exchange.commands(), commands);
         QCOMPARE(exchange.stored(), QByteArray(byte == 0x60 ? "" : "d"));
     }
 
@@ -190,8 +160,7 @@ private slots:
         QFETCH(const int, byte);
         const QByteArray said(64, static_cast<char>(byte));
         Exchange exchange(unitSaying({{headerReply(byte == 0x40 ? 2 : 1)}, {said}, {lastReply(1, 'd')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_VERIFY(!exchange.finished.isEmpty());
+        exchange.download();
         QByteArray commands = "10 30 70 30";
         QByteArray stored = "d";
         if (byte == 0x40) {
@@ -201,7 +170,7 @@ private slots:
             commands = "10 30 30";
             stored = QByteArray(62, 'P');
         }
-        QCOMPARE(exchange.commands().join(' '), commands);
+        QCOMPARE(exchange.commands(), commands);
         QCOMPARE(exchange.stored(), stored);
     }
 
@@ -222,7 +191,7 @@ private slots:
         exchange.downloader->resendMessage(next);
         QTEST(int(parts.size()), "parts");
         QTEST(int(headers.size()), "headers");
-        QCOMPARE(exchange.commands(), QByteArrayList({"70"}));
+        QCOMPARE(exchange.commands(), QByteArray("70"));
         virtualbus::failNextWrites(exchange.unit->number, 1);
         exchange.downloader->resendMessage(next);
         QTEST(int(parts.size()), "parts"); // a failed write ends the step

@@ -7,10 +7,7 @@
 #include <atomic>
 #include <thread>
 
-namespace {
-
 constexpr int someTicks = 20; ///< of 1 ms: that long a part's timer takes to fire
-} // namespace
 
 /// What a failing or hostile unit, and a stop at any moment, do to a download.
 class TestLogFailures : public QObject
@@ -23,8 +20,7 @@ private slots:
         const LogCapture log;
         Exchange exchange(
             unitSaying({{headerReply(9)}, {lastReply(1, 'd')}, {headerReply(4)}, {}, {partReply('x')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         QTRY_COMPARE(valuesOf(exchange.progress), QList<int>({25})); // the count starts anew
         QCOMPARE(log.lines(), QStringList());                        // it is no failure
         QCOMPARE(exchange.stored(), QByteArray("d"));
@@ -39,8 +35,7 @@ private slots:
                                                                            : lastReply(1, 'd'));
         };
         Exchange exchange(unit);
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         QCOMPARE(static_cast<int>(unit->written.size()),
                  unknown + 3); // request, header's acknowledge, resends, the end's acknowledge
         QCOMPARE(exchange.stored(), QByteArray("d"));
@@ -54,7 +49,7 @@ private slots:
         QTRY_COMPARE(virtualbus::callsOf("hid_read_timeout").back().result.value(), 0);
         exchange.awaitWorker(); // nothing must follow
         QCOMPARE(exchange.finished.size(), 0);
-        QCOMPARE(exchange.commands(), QByteArrayList({"10", "30", "30"}));
+        QCOMPARE(exchange.commands(), QByteArray("10 30 30"));
         const auto reads = virtualbus::callsOf("hid_read_timeout");
         QCOMPARE(reads.back().timeout.value(), 100);
         QCOMPARE(exchange.stored(), QByteArray(63, 'a')); // what came is on disk already
@@ -85,8 +80,7 @@ private slots:
     void zeroPartsAnnouncedThenAPart()
     {
         Exchange exchange(unitSaying({{headerReply(0)}, {partReply('a')}, {lastReply(1, 'b')}, {"`"}}));
-        exchange.downloader->startDownload(1);
-        QTRY_VERIFY(!exchange.finished.isEmpty());
+        exchange.download();
         QCOMPARE(exchange.progress.size(), 0);
         QCOMPARE(exchange.stored(), QByteArray(63, 'a') + "b");
     }
@@ -108,8 +102,7 @@ private slots:
     {
         QFETCH(const int, length);
         Exchange exchange(unitSaying({{headerReply(1)}, {lastReply(length, 'z')}}));
-        exchange.downloader->startDownload(1);
-        QTRY_COMPARE(exchange.finished.size(), 1);
+        exchange.download();
         QCOMPARE(exchange.stored(), QByteArray(62, 'z'));
     }
 

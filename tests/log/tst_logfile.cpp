@@ -33,8 +33,6 @@ QList<int> upTo(int last)
 
 } // namespace
 
-Q_DECLARE_METATYPE(QList<int>)
-
 /// The file that a start of the program creates for the unit's log.
 class TestLogFile : public QObject
 {

@@ -1,7 +1,7 @@
 #include "log/logprotocol.h"
-
-#include "tests/support/models.h"
 #include "tests/support/rows.h"
+#include "tests/support/testimage.h"
+#include "tests/support/wire.h"
 
 #include <QtTest>
 
@@ -10,15 +10,6 @@ namespace {
 QByteArray bytesOf(const report::Output& output)
 {
     return {reinterpret_cast<const char*>(output.data()), static_cast<int>(output.size())};
-}
-
-/// 65 zero bytes with the given ones in their places.
-QByteArray outputWith(std::initializer_list<std::pair<int, char>> places)
-{
-    QByteArray output(65, '\0');
-    for (const auto& [index, value] : places)
-        output[index] = value;
-    return output;
 }
 
 report::Input reply(const QByteArray& beginning)
@@ -39,10 +30,11 @@ private slots:
     {
         const Rows<int, QByteArray> row("type", "expected");
         for (const models::Model& model : models::all)
-            row(model.option, model.type, outputWith({{model.command(), 0x10}, {model.command() + 1, 0x01}}));
+            row(model.option, model.type,
+                wire::report({{model.command(), 0x10}, {model.command() + 1, 0x01}}));
         for (const int type : {-1, models::count})
             QTest::addRow("type %d, no model: bytes 1 and 2", type)
-                << type << outputWith({{1, 0x10}, {2, 0x01}});
+                << type << wire::report({{1, 0x10}, {2, 0x01}});
     }
     void requestOfEachModel()
     {
@@ -52,12 +44,11 @@ private slots:
 
     void requestSendsTheLowByteOfItsNumber()
     {
-        QCOMPARE(bytesOf(logprotocol::buildRequest(UNIT_HB4, 0x1FE)),
-                 outputWith({{1, 0x10}, {2, static_cast<char>(0xFE)}}));
+        QCOMPARE(bytesOf(logprotocol::buildRequest(UNIT_HB4, 0x1FE)), wire::report({{1, 0x10}, {2, 0xFE}}));
     }
 
-    void acknowledge() { QCOMPARE(bytesOf(logprotocol::buildAcknowledge()), outputWith({{1, '0'}})); }
-    void resend() { QCOMPARE(bytesOf(logprotocol::buildResend()), outputWith({{1, 'p'}})); }
+    void acknowledge() { QCOMPARE(bytesOf(logprotocol::buildAcknowledge()), wire::report({{1, '0'}})); }
+    void resend() { QCOMPARE(bytesOf(logprotocol::buildResend()), wire::report({{1, 'p'}})); }
 
     void replyCodesAreTheCharactersTheyLookLike()
     {
@@ -86,9 +77,7 @@ private slots:
 
     void dataPartHolds63Bytes()
     {
-        QByteArray data;
-        for (char c = 1; c <= 63; ++c)
-            data += c;
+        const QByteArray data = imageOf(63);
         QCOMPARE(logprotocol::dataPartBytes(reply("@" + data).data()), data);
     }
 
@@ -105,9 +94,7 @@ private slots:
     {
         QFETCH(const int, length);
         QFETCH(const int, expected);
-        QByteArray data;
-        for (char c = 1; c <= 62; ++c)
-            data += c;
+        const QByteArray data = imageOf(62);
         const report::Input input = reply("P" + QByteArray(1, static_cast<char>(length)) + data);
         QCOMPARE(logprotocol::lastPartBytes(input.data()), data.left(expected));
     }

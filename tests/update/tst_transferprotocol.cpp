@@ -1,4 +1,5 @@
 #include "tests/support/rows.h"
+#include "tests/support/testimage.h"
 #include "update/transferprotocol.h"
 
 #include <QtTest>
@@ -8,6 +9,7 @@
 using transferprotocol::ImageBytes;
 using transferprotocol::PacketKind;
 Q_DECLARE_METATYPE(PacketKind)
+Q_DECLARE_METATYPE(ReportLayout)
 
 namespace {
 
@@ -27,15 +29,6 @@ ImageBytes span(const QByteArray& bytes)
 QByteArray zeros(int bytes)
 {
     return QByteArray(2 * bytes, '0');
-}
-
-/// 1, 2, 3, ...: no byte is zero, so that padding shows.
-QByteArray counting(int size)
-{
-    QByteArray bytes(size, '\0');
-    for (int i = 0; i < size; ++i)
-        bytes[i] = static_cast<char>(i % 250 + 1);
-    return bytes;
 }
 
 } // namespace
@@ -65,71 +58,68 @@ private slots:
 void TestTransferProtocol::request_data()
 {
     const QByteArray digest = QByteArray(digestOfAbc).toHex();
-    const Rows<bool, QByteArray> row("isPlayer", "packet");
-    row("older family: command, digest behind it", false, "0080" + digest + zeros(31));
-    row("player: digest one byte into the data, command at 61", true,
+    const Rows<ReportLayout, QByteArray> row("layout", "packet");
+    row("older family: command, digest behind it", layoutA, "0080" + digest + zeros(31));
+    row("player: digest one byte into the data, command at 61", layoutB,
         "0000" + digest + zeros(27) + "80" + zeros(3));
 }
 
 void TestTransferProtocol::request()
 {
-    QFETCH(bool, isPlayer);
+    QFETCH(ReportLayout, layout);
     QFETCH(QByteArray, packet);
-    const auto request = transferprotocol::buildTransferRequest(isPlayer ? layoutB : layoutA, digestOfAbc);
-    QCOMPARE(hex(request), packet);
+    QCOMPARE(hex(transferprotocol::buildTransferRequest(layout, digestOfAbc)), packet);
 }
 
 void TestTransferProtocol::dataPacket_data()
 {
-    const QByteArray data = counting(60);
-    const Rows<bool, quint32, QByteArray, QByteArray> row("isPlayer", "number", "data", "packet");
-    row("older family: first packet", false, 1U, data, "0000000001" + data.toHex());
-    row("player: first packet", true, 1U, data, "00" + data.toHex() + "00000001");
-    row("older family: packet 74565", false, 74565U, data, "0000012345" + data.toHex());
-    row("player: packet 74565", true, 74565U, data, "00" + data.toHex() + "00012345");
-    row("older family: number in 28 bits", false, 0xFEDCBA98U, data, "000edcba98" + data.toHex());
-    row("player: number in 28 bits", true, 0xFEDCBA98U, data, "00" + data.toHex() + "0edcba98");
-    row("older family: no data at all", false, 3U, {}, "0000000003" + zeros(60));
-    row("player: no data at all", true, 3U, {}, "00" + zeros(60) + "00000003");
+    const QByteArray data = imageOf(60);
+    const Rows<ReportLayout, quint32, QByteArray, QByteArray> row("layout", "number", "data", "packet");
+    row("older family: first packet", layoutA, 1U, data, "0000000001" + data.toHex());
+    row("player: first packet", layoutB, 1U, data, "00" + data.toHex() + "00000001");
+    row("older family: packet 74565", layoutA, 74565U, data, "0000012345" + data.toHex());
+    row("player: packet 74565", layoutB, 74565U, data, "00" + data.toHex() + "00012345");
+    row("older family: number in 28 bits", layoutA, 0xFEDCBA98U, data, "000edcba98" + data.toHex());
+    row("player: number in 28 bits", layoutB, 0xFEDCBA98U, data, "00" + data.toHex() + "0edcba98");
+    row("older family: no data at all", layoutA, 3U, {}, "0000000003" + zeros(60));
+    row("player: no data at all", layoutB, 3U, {}, "00" + zeros(60) + "00000003");
 }
 
 void TestTransferProtocol::dataPacket()
 {
-    QFETCH(bool, isPlayer);
+    QFETCH(ReportLayout, layout);
     QFETCH(quint32, number);
     QFETCH(QByteArray, data);
     QFETCH(QByteArray, packet);
-    QCOMPARE(hex(transferprotocol::buildDataPacket(isPlayer ? layoutB : layoutA, number, span(data))),
-             packet);
+    QCOMPARE(hex(transferprotocol::buildDataPacket(layout, number, span(data))), packet);
 }
 
 void TestTransferProtocol::finalPacket_data()
 {
-    const Rows<bool, quint32, QByteArray, QByteArray> row("isPlayer", "number", "data", "packet");
-    const QByteArray most = counting(59);
-    row("older family: 59 bytes are packet 1", false, 1U, most, "00d03b0001" + most.toHex() + "00");
-    row("player: 59 bytes are packet 1", true, 1U, most, "00" + most.toHex() + "00d03b0001");
-    row("older family: no bytes behind two full packets", false, 3U, {}, "00d0000003" + zeros(60));
-    row("player: no bytes behind two full packets", true, 3U, {}, "00" + zeros(60) + "d0000003");
-    row("older family: one byte", false, 2U, "\x7F", "00d00100027f" + zeros(59));
-    row("player: one byte", true, 2U, "\x7F", "007f" + zeros(59) + "d0010002");
-    row("older family: low 16 bits of 74565", false, 74565U, "\x7F", "00d00123457f" + zeros(59));
-    row("player: low 16 bits of 74565", true, 74565U, "\x7F", "007f" + zeros(59) + "d0012345");
+    const Rows<ReportLayout, quint32, QByteArray, QByteArray> row("layout", "number", "data", "packet");
+    const QByteArray most = imageOf(59);
+    row("older family: 59 bytes are packet 1", layoutA, 1U, most, "00d03b0001" + most.toHex() + "00");
+    row("player: 59 bytes are packet 1", layoutB, 1U, most, "00" + most.toHex() + "00d03b0001");
+    row("older family: no bytes behind two full packets", layoutA, 3U, {}, "00d0000003" + zeros(60));
+    row("player: no bytes behind two full packets", layoutB, 3U, {}, "00" + zeros(60) + "d0000003");
+    row("older family: one byte", layoutA, 2U, "\x7F", "00d00100027f" + zeros(59));
+    row("player: one byte", layoutB, 2U, "\x7F", "007f" + zeros(59) + "d0010002");
+    row("older family: low 16 bits of 74565", layoutA, 74565U, "\x7F", "00d00123457f" + zeros(59));
+    row("player: low 16 bits of 74565", layoutB, 74565U, "\x7F", "007f" + zeros(59) + "d0012345");
 }
 
 void TestTransferProtocol::finalPacket()
 {
-    QFETCH(bool, isPlayer);
+    QFETCH(ReportLayout, layout);
     QFETCH(quint32, number);
     QFETCH(QByteArray, data);
     QFETCH(QByteArray, packet);
-    QCOMPARE(hex(transferprotocol::buildFinalPacket(isPlayer ? layoutB : layoutA, number, span(data))),
-             packet);
+    QCOMPARE(hex(transferprotocol::buildFinalPacket(layout, number, span(data))), packet);
 }
 
 void TestTransferProtocol::overlongDataIsCutToThePacket()
 {
-    const QByteArray data = counting(61);
+    const QByteArray data = imageOf(61);
     const QByteArray expected = data.left(60).toHex();
     QCOMPARE(hex(transferprotocol::buildDataPacket(layoutA, 1, span(data))), "0000000001" + expected);
     QCOMPARE(hex(transferprotocol::buildDataPacket(layoutB, 1, span(data))), "00" + expected + "00000001");
@@ -176,7 +166,7 @@ void TestTransferProtocol::packetBytes()
     QFETCH(int, number);
     QFETCH(int, first);
     QFETCH(int, count);
-    const QByteArray image = counting(imageSize);
+    const QByteArray image = imageOf(imageSize);
     const ImageBytes bytes = transferprotocol::packetBytes(image, number);
     const QByteArray expected = image.mid(first, count);
     QVERIFY(std::ranges::equal(bytes, span(expected)));
