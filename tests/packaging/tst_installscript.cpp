@@ -2,6 +2,7 @@
 // the question. The rest is tested in the guest (tests/usb).
 
 #include "tests/packaging/bundlecopy.h"
+#include "tests/support/rows.h"
 
 #include <QtTest>
 
@@ -51,7 +52,7 @@ class tst_installscript : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
+    void cleanup() { base.reset(); }
 
     void menuStartsTheProgram_data();
     void menuStartsTheProgram();
@@ -63,9 +64,8 @@ private slots:
     void removalThatFails();
     void removalSparesAnotherCopy();
     void lineBreakInTheName();
-    void rootIsDenied();
-    void nobodyToAskForRoot();
-    void spaceUnknown();
+    void toolFails_data();
+    void toolFails();
     void startedAsRoot_data();
     void startedAsRoot();
     void unknownOption();
@@ -100,11 +100,6 @@ void tst_installscript::init()
     environment.insert("XDG_DATA_HOME", data());
     environment.insert("ASKED", base->filePath("asked"));
     environment.insert("STARTED", base->filePath("started"));
-}
-
-void tst_installscript::cleanup()
-{
-    base.reset();
 }
 
 QString tst_installscript::copyNamed(const QString& name)
@@ -236,35 +231,31 @@ void tst_installscript::lineBreakInTheName()
     QVERIFY(!QFile::exists(data() + entryName));
 }
 
-void tst_installscript::rootIsDenied()
+void tst_installscript::toolFails_data()
 {
-    if (hasRule())
-        QSKIP("this computer has the rule");
-    QVERIFY(writeExecutable(base->filePath("bin/sudo"), deniedSudo));
-    const ScriptRun installed = run(copyNamed("updater"));
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: the rule was not installed."), qPrintable(installed.output));
-    QVERIFY(QFile::exists(data() + entryName)); // which needs no root
+    const Rows<QString, QByteArray, QStringList> row("tool", "itsReplacement", "said"); // null: it is missing
+    const QString noRule = "FAILED: the rule was not installed.";
+    row("root is denied", "sudo", deniedSudo, {noRule});
+    row("nobody to ask for root", "sudo", {}, {"Neither pkexec nor sudo is there", noRule});
+    row("space unknown", "df", {}, {"FAILED: the system does not say how much space is free"});
 }
 
-void tst_installscript::nobodyToAskForRoot()
+void tst_installscript::toolFails()
 {
-    if (hasRule())
+    QFETCH(QString, tool);
+    QFETCH(QByteArray, itsReplacement);
+    QFETCH(QStringList, said);
+    if (tool == "sudo" && hasRule())
         QSKIP("this computer has the rule");
-    QFile::remove(base->filePath("bin/sudo"));
+    QVERIFY(QFile::remove(base->filePath("bin/" + tool)));
+    if (!itsReplacement.isNull())
+        QVERIFY(writeExecutable(base->filePath("bin/" + tool), itsReplacement));
     const ScriptRun installed = run(copyNamed("updater"));
     QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("Neither pkexec nor sudo is there"), qPrintable(installed.output));
-    QVERIFY(installed.says("FAILED: the rule was not installed."));
-}
-
-void tst_installscript::spaceUnknown()
-{
-    QVERIFY(QFile::remove(base->filePath("bin/df")));
-    const ScriptRun installed = run(copyNamed("updater"));
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: the system does not say how much space is free"),
-             qPrintable(installed.output));
+    for (const QString& text : qAsConst(said))
+        QVERIFY2(installed.says(text), qPrintable(installed.output));
+    if (tool == "sudo")
+        QVERIFY(QFile::exists(data() + entryName)); // which needs no root
 }
 
 void tst_installscript::startedAsRoot_data()

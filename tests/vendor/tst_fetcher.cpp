@@ -50,10 +50,11 @@ private slots:
     void wantsWhatCanBeAskedFor();
 
 private:
-    Fetched fetch(bool isImage)
+    static Fetched fetchFrom(const RawServer& whom, bool isImage = true, const QString& file = path)
     {
-        return Fetcher(patient).fetch({{"HB4Bin", server.address(path), isImage}}).first();
+        return Fetcher(patient).fetch({{"HB4Bin", whom.address(file), isImage}}).first();
     }
+    Fetched fetch(bool isImage) { return fetchFrom(server, isImage); }
 
     RawServer server;
 };
@@ -164,8 +165,7 @@ void TestFetcher::untrustedServer()
     RawServer secure(tls);
     secure.setAnswer(path, ok("image"));
     server.setAnswer(path, {{httpAnswer("302 Found", {}, {"Location: " + secure.address(path).toUtf8()})}});
-    const QString url = (isRedirected ? server : secure).address(path);
-    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", url, true}}).first();
+    const Fetched fetched = fetchFrom(isRedirected ? server : secure);
     QVERIFY2(fetched.isAnswer, qPrintable(fetched.failure));
     QCOMPARE(QString(fetched.digest), digestOf("image"));
     QCOMPARE(kindsOf(fetched), QStringList("bad-certificate"));
@@ -175,7 +175,7 @@ void TestFetcher::unreachable()
 {
     RawServer closed;
     closed.stopListening();
-    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", closed.address(path), true}}).first();
+    const Fetched fetched = fetchFrom(closed);
     QCOMPARE(fetched.status, 0);
     QVERIFY(!fetched.failure.isEmpty());
     QCOMPARE(kindsOf(fetched), QStringList("no-answer"));
@@ -193,9 +193,7 @@ void TestFetcher::silence()
 
 void TestFetcher::endless()
 {
-    RawServer::Answer answer{{httpHead({"HTTP/1.1 200 OK"}), QByteArray(1024 * 1024, 'x')}};
-    answer.endless = true;
-    server.setAnswer(path, answer);
+    server.setAnswer(path, ::endless(QByteArray(1024 * 1024, 'x')));
     const Fetched fetched = fetch(true);
     QVERIFY(!fetched.isAnswer);
     QCOMPARE(fetched.failure, QString("more than 67108864 bytes"));
@@ -206,7 +204,7 @@ void TestFetcher::followsRedirects()
 {
     server.setAnswer("/old", {{httpAnswer("302 Found", {}, {"Location: " + server.address(path).toUtf8()})}});
     server.setAnswer(path, ok("image"));
-    const Fetched fetched = Fetcher(patient).fetch({{"HB4Bin", server.address("/old"), true}}).first();
+    const Fetched fetched = fetchFrom(server, true, "/old");
     QCOMPARE(fetched.status, 200);
     QCOMPARE(QString(fetched.digest), digestOf("image"));
 }
@@ -219,7 +217,7 @@ void TestFetcher::fourAtOnce()
         const QString each = "/" + QString::number(number);
         wanted.append({"HB4Bin", server.address(each), true});
         const QByteArray answer = httpAnswer("200 OK", QByteArray::number(number));
-        server.setAnswer(each, {{answer.chopped(1), answer.right(1)}, RawServer::End::keepOpen, true});
+        server.setAnswer(each, inTwoSteps(answer, answer.size() - 1));
     }
     int ended = 0;
     int most = 0;

@@ -12,23 +12,29 @@ class TestHashCommand : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { tool = std::make_unique<Tool>(); }
+    void init();
     void writes();
     void changesNothing_data();
     void changesNothing();
     void tellsWhy_data();
     void tellsWhy();
-    void refusesALargeCatalogue();
     void keepsPermissions();
 
 private:
+    [[nodiscard]] Tool::Outcome hashA() { return tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"}); }
+
     std::unique_ptr<Tool> tool;
 };
+
+void TestHashCommand::init()
+{
+    tool = std::make_unique<Tool>();
+    tool->write("a.sb", "abc");
+}
 
 void TestHashCommand::writes()
 {
     tool->write("versions.txt", "HB4Ver=27\r\nHB2Ver=1\r\n");
-    tool->write("a.sb", "abc");
     tool->write("b.sb", "b");
     const Tool::Outcome outcome =
         tool->run({"hash", "versions.txt", "--image", "HB4=a.sb", "--image", "hb2=b.sb"});
@@ -41,7 +47,7 @@ void TestHashCommand::writes()
     QCOMPARE(outcome.errors,
              QByteArray("talvex-catalogue: versions.txt has changed: its signature is no longer valid, "
                         "sign it again\n"));
-    const Tool::Outcome again = tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"});
+    const Tool::Outcome again = hashA();
     QCOMPARE(again.exitCode, 0);
     QVERIFY(again.errors.isEmpty());
     QCOMPARE(QFileInfo(tool->path("a.sb")).dir().entryList(QDir::Files | QDir::Hidden),
@@ -64,7 +70,6 @@ void TestHashCommand::changesNothing()
     QFETCH(QStringList, images);
     const QByteArray before = "HB4Ver=27\nHB2Ver=1\n";
     tool->write("versions.txt", before);
-    tool->write("a.sb", "abc");
     tool->write("empty", "");
     tool->write("large", {});
     QVERIFY(QFile::resize(tool->path("large"), 64LL * 1024 * 1024 + 1));
@@ -79,6 +84,8 @@ void TestHashCommand::tellsWhy_data()
     const Rows<QByteArray, QByteArray> row("catalogue", "why");
     row("no line", "HB2Ver=1\n", "no line for HB4: run check");
     row("NUL", QByteArray("HB4Ver=1\n\0", 10), "contains a NUL byte: the updater ignores the rest");
+    const QByteArray large = "HB4Ver=27\n" + QByteArray(64 * 1024 * 1024, 'x'); // which is read only in part
+    row("large", large, "more than 67108864 bytes");
 }
 
 void TestHashCommand::tellsWhy()
@@ -86,32 +93,19 @@ void TestHashCommand::tellsWhy()
     QFETCH(QByteArray, catalogue);
     QFETCH(QByteArray, why);
     tool->write("versions.txt", catalogue);
-    tool->write("a.sb", "abc");
-    const Tool::Outcome outcome = tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"});
+    const Tool::Outcome outcome = hashA();
     QCOMPARE(outcome.exitCode, 1);
     QCOMPARE(outcome.errors, "talvex-catalogue: versions.txt: " + why + '\n');
-}
-
-/// It is read only in part, and must not be cut to it.
-void TestHashCommand::refusesALargeCatalogue()
-{
-    const qint64 size = 64LL * 1024 * 1024 + 2;
-    tool->write("versions.txt", "HB4Ver=27\n" + QByteArray(static_cast<int>(size) - 10, 'x'));
-    tool->write("a.sb", "abc");
-    const Tool::Outcome outcome = tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"});
-    QCOMPARE(outcome.exitCode, 1);
-    QCOMPARE(outcome.errors, QByteArray("talvex-catalogue: versions.txt: more than 67108864 bytes\n"));
-    QCOMPARE(QFileInfo(tool->path("versions.txt")).size(), size);
+    QVERIFY(tool->read("versions.txt") == catalogue); // not compared aloud: 64 MiB
 }
 
 void TestHashCommand::keepsPermissions()
 {
     tool->write("versions.txt", "HB4Ver=27\n");
-    tool->write("a.sb", "abc");
     const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser |
                              QFile::ReadGroup | QFile::ReadOther;
     QVERIFY(QFile::setPermissions(tool->path("versions.txt"), permissions));
-    QCOMPARE(tool->run({"hash", "versions.txt", "--image", "HB4=a.sb"}).exitCode, 0);
+    QCOMPARE(hashA().exitCode, 0);
     QCOMPARE(QFile::permissions(tool->path("versions.txt")), permissions);
 }
 

@@ -12,6 +12,8 @@
 #include <csignal>
 #include <memory>
 
+const QString served = "http://updates.example.com/versions.txt";
+
 /// talvex-catalogue as a process.
 class TestVendorTool : public QObject
 {
@@ -133,19 +135,19 @@ void TestVendorTool::colourOnATerminalOnly()
 void TestVendorTool::checksAnAddress()
 {
     tool->server.setAnswer("/versions.txt", ok(catalogueWith("HB4Ver=27", "HB4Ver=2,8")));
-    const Tool::Outcome outcome = tool->run({"check", "http://updates.example.com/versions.txt"});
+    const Tool::Outcome outcome = tool->run({"check", served});
     QCOMPARE(outcome.exitCode, 1);
-    QVERIFY(outcome.output.startsWith("http://updates.example.com/versions.txt, "));
+    QVERIFY(outcome.output.startsWith(served.toUtf8() + ", "));
     QVERIFY(outcome.output.endsWith("\n1 error, 0 notes\n"));
     QCOMPARE(tool->server.paths(), QStringList("/versions.txt"));
 }
 
 void TestVendorTool::checksAnAddressThatIsNotServed()
 {
-    const Tool::Outcome outcome = tool->run({"check", "http://updates.example.com/versions.txt"});
+    const Tool::Outcome outcome = tool->run({"check", served});
     QCOMPARE(outcome.exitCode, 1);
     QVERIFY(outcome.output.isEmpty());
-    QVERIFY(outcome.errors.startsWith("talvex-catalogue: http://updates.example.com/versions.txt: "));
+    QVERIFY(outcome.errors.startsWith("talvex-catalogue: " + served.toUtf8() + ": "));
 }
 
 void TestVendorTool::checksAnAddressOfAnUntrustedServer()
@@ -165,7 +167,7 @@ void TestVendorTool::checksAnAddressOfAnUntrustedServer()
 void TestVendorTool::fetches()
 {
     serveAll();
-    const Tool::Outcome outcome = tool->run({"check", "--fetch", "http://updates.example.com/versions.txt"});
+    const Tool::Outcome outcome = tool->run({"check", "--fetch", served});
     QCOMPARE(outcome.exitCode, 0);
     QVERIFY2(outcome.output.endsWith("\n0 errors, 0 notes\n"), outcome.output.constData());
     QCOMPARE(tool->server.requests().size(), 1 + 1 + 2 * 9);
@@ -223,8 +225,7 @@ void TestVendorTool::judgesASignatureThatIsServed()
     const Signer signer;
     tool->server.setAnswer("/versions.txt", ok(catalogueWithDigests(someDigest)));
     tool->server.setAnswer("/versions.txt.minisig", ok(signer.sign(catalogueWithDigests(someDigest))));
-    const QString address = "http://updates.example.com/versions.txt";
-    const Tool::Outcome outcome = tool->run({"check", address, "--json", "--key", signer.publicKey()});
+    const Tool::Outcome outcome = tool->run({"check", served, "--json", "--key", signer.publicKey()});
     QCOMPARE(outcome.exitCode, 0);
     QVERIFY(QJsonDocument::fromJson(outcome.output).object()["isGenuine"].toBool());
     QCOMPARE(tool->server.paths(), QStringList({"/versions.txt", "/versions.txt.minisig"}));
