@@ -8,7 +8,6 @@
 struct hid_device_
 {
     int number = 0;
-    QByteArrayList written;
     QByteArrayList tried;
 };
 
@@ -76,7 +75,7 @@ void begin(Input& input, std::uint8_t failing)
     failingWrites = failing;
     writes = 0;
     allReads.clear();
-    units = {hid_device{0, {}, {}}, hid_device{1, {}, {}}};
+    units = {hid_device{0, {}}, hid_device{1, {}}};
 }
 
 hid_device* handle(int unit)
@@ -87,11 +86,6 @@ hid_device* handle(int unit)
 const std::vector<Read>& reads()
 {
     return allReads;
-}
-
-const QByteArrayList& written(int unit)
-{
-    return handle(unit)->written;
 }
 
 const QByteArrayList& tried(int unit)
@@ -109,7 +103,6 @@ int hid_write(hid_device* device, const unsigned char* data, size_t length)
     device->tried += bytes;
     if ((fuzzedunit::failingWrites >> (fuzzedunit::writes++ % 8) & 1) != 0)
         return -1;
-    device->written += bytes;
     return static_cast<int>(length);
 }
 

@@ -36,8 +36,7 @@ void begin(Input& input, std::uint8_t failing);
 
 [[nodiscard]] const std::vector<Read>& reads();
 
-/// The successful writes to this unit, 65 bytes each; tried() also includes those that failed.
-[[nodiscard]] const QByteArrayList& written(int unit);
+/// The writes to this unit, 65 bytes each, including those that failed.
 [[nodiscard]] const QByteArrayList& tried(int unit);
 
 } // namespace fuzzedunit

@@ -110,7 +110,7 @@ private slots:
     void fileOfTheSameSecondGoesOn();
     void laterSecondSameFile();
     void lineStamp();
-    void digits_data();
+    void digits_data() { addEasternLocales(); }
     void digits();
     void fileAndEcho_data();
     void fileAndEcho();
@@ -208,13 +208,6 @@ void TestLogMessageOutput::lineStamp()
         const QDateTime stamped = QDateTime::fromString(match.captured(1), "yyyy-MM-dd_hh:mm:ss");
         QVERIFY(stamped >= start && stamped <= QDateTime::currentDateTime());
     }
-}
-
-void TestLogMessageOutput::digits_data()
-{
-    QTest::addColumn<QByteArray>("locale");
-    for (const QByteArray& locale : easternLocales())
-        QTest::newRow(locale) << locale;
 }
 
 /// 0 to 9, in the name and in the lines.

@@ -45,8 +45,7 @@ void TestPercent::rows()
 {
     QFETCH(qint64, done);
     QFETCH(qint64, total);
-    QFETCH(int, shown);
-    QCOMPARE(percent(done, total), shown);
+    QTEST(percent(done, total), "shown");
 }
 
 QTEST_APPLESS_MAIN(TestPercent)

@@ -1,6 +1,6 @@
 #include "tests/net/scene.h"
+#include "tests/support/filecontent.h"
 
-#include <QFile>
 #include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
@@ -14,17 +14,13 @@ constexpr qint64 memoryLimit = 512 * mebibyte; ///< the process's peak: client, 
 /// From now on the peak counts afresh. Linux.
 void forgetMemoryPeak()
 {
-    QFile refs("/proc/self/clear_refs");
-    QVERIFY(refs.open(QIODevice::WriteOnly) && refs.write("5") == 1 && refs.flush());
+    QVERIFY(writeFile("/proc/self/clear_refs", "5"));
 }
 
 /// Most memory the process held, in bytes; 0: unknown.
 qint64 memoryPeak()
 {
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = status.readAll().split('\n');
+    const QList<QByteArray> lines = contentOf("/proc/self/status").split('\n');
     for (const QByteArray& line : lines)
         if (line.startsWith("VmHWM:"))
             return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;

@@ -30,8 +30,8 @@ private slots:
     void everyRequestKeepsItsHeader();
     void refused_data();
     void refused();
-    void toTlsWithAnyCertificate();
-    void neverFromTlsToPlain();
+    void throughTls_data();
+    void throughTls();
 
 private:
     Scene scene;
@@ -110,34 +110,28 @@ void TestRedirects::refused()
     QVERIFY2(scene.server.requests().size() <= 60, "a circle is left");
 }
 
-void TestRedirects::toTlsWithAnyCertificate()
+void TestRedirects::throughTls_data()
 {
-#ifdef Q_OS_WIN
-    QSKIP("no certificate can be made there: openssl is a program of this system");
-#endif
-    const auto tls = selfSigned();
-    QVERIFY2(tls.has_value(), "needs the package openssl");
-    RawServer secure(tls);
-    secure.setAnswer("/versions.txt", ok(upToDate));
-    scene.server.setAnswer(cataloguePath, redirect("302 Found", secure.address("/versions.txt")));
-    scene.checker->checkUpdate();
-    QTRY_COMPARE(scene.journal->events, told::upToDate());
-    QCOMPARE(secure.paths(), QStringList{"/versions.txt"});
+    QTest::addColumn<bool>("isLedBack");
+    QTest::newRow("to TLS, with any certificate") << false;
+    QTest::newRow("never from TLS to plain") << true;
 }
 
-void TestRedirects::neverFromTlsToPlain()
+void TestRedirects::throughTls()
 {
 #ifdef Q_OS_WIN
     QSKIP("no certificate can be made there: openssl is a program of this system");
 #endif
+    QFETCH(bool, isLedBack);
     const auto tls = selfSigned();
     QVERIFY2(tls.has_value(), "needs the package openssl");
     RawServer secure(tls);
-    secure.setAnswer("/versions.txt", redirect("302 Found", scene.server.address("/new/versions.txt")));
+    const QString plain = scene.server.address("/new/versions.txt");
+    secure.setAnswer("/versions.txt", isLedBack ? redirect("302 Found", plain) : ok(upToDate));
     scene.server.setAnswer(cataloguePath, redirect("302 Found", secure.address("/versions.txt")));
     scene.checker->checkUpdate();
-    QTRY_VERIFY(scene.rests(2));
-    QCOMPARE(scene.journal->events, scene.networkError(Request::catalogue));
+    QTRY_VERIFY(scene.rests(isLedBack ? 2 : 1));
+    QCOMPARE(scene.journal->events, isLedBack ? scene.networkError(Request::catalogue) : told::upToDate());
     QCOMPARE(secure.paths(), QStringList{"/versions.txt"});
     QCOMPARE(scene.server.paths(), QStringList{cataloguePath});
 }

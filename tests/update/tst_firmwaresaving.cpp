@@ -1,6 +1,5 @@
 #include "tests/net/scene.h"
 #include "tests/support/faultycalls.h"
-#include "tests/support/filesizelimit.h"
 #include "tests/support/imagefiles.h"
 #include "tests/support/rows.h"
 #include "tests/support/texts.h"
@@ -36,7 +35,6 @@ private slots:
     void cleanup() { faultycalls::clear(); }
     void cannotBeSaved_data();
     void cannotBeSaved();
-    void diskIsFullInMidFile();
 
 private:
     Scene scene;
@@ -96,17 +94,6 @@ void TestFirmwareSaving::cannotBeSaved()
     if (hadImage)
         QCOMPARE(files.image.isNull() ? files.backup : files.image, previous);
     QCOMPARE(scene.reply(), nullptr);
-}
-
-void TestFirmwareSaving::diskIsFullInMidFile()
-{
-    QVERIFY((ImageFiles{previous, noFile, noFile}.placeAt(programImage())));
-    {
-        const FileSizeLimit limit(20000);
-        scene.ask(Request::image);
-        QTRY_COMPARE(scene.journal->events, notSaved + imageMissing + told::imageStored());
-    }
-    QCOMPARE(ImageFiles::at(programImage()), (ImageFiles{noFile, noFile, previous}));
 }
 
 QTEST_GUILESS_MAIN(TestFirmwareSaving)

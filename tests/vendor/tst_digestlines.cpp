@@ -56,10 +56,9 @@ void TestDigestLines::writes_data()
 void TestDigestLines::writes()
 {
     QFETCH(QByteArray, before);
-    QFETCH(QByteArray, after);
     const auto written = withDigest(before, "HB4", "new");
     QVERIFY(written.has_value());
-    QCOMPARE(*written, after);
+    QTEST(*written, "after");
 }
 
 void TestDigestLines::refuses_data()

@@ -42,6 +42,7 @@ private slots:
 
 private:
     void serveAll();
+    void interrupt(ChildProcess& process, const QString& command, const QStringList& arguments);
 
     std::unique_ptr<Tool> tool;
 };
@@ -231,17 +232,23 @@ void TestVendorTool::judgesASignatureThatIsServed()
     QCOMPARE(tool->server.paths(), QStringList({"/versions.txt", "/versions.txt.minisig"}));
 }
 
-void TestVendorTool::endsOnInterrupt()
+/// Starts the tool, interrupts it while it waits for the server, and awaits its end.
+void TestVendorTool::interrupt(ChildProcess& process, const QString& command, const QStringList& arguments)
 {
-    (void)std::signal(SIGINT, SIG_DFL); // inherited; a shell's background jobs ignore it
     tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
-    ChildProcess process;
     process.setProcessEnvironment(tool->environment());
-    process.start(Tool::program(), {"check", "--fetch", tool->path("good")});
+    process.start(command, arguments);
     QTRY_VERIFY(tool->server.paths().contains("/bin/HB4.sb"));
     kill(static_cast<pid_t>(process.processId()), SIGINT);
     QTRY_COMPARE(process.state(), QProcess::NotRunning);
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+}
+
+void TestVendorTool::endsOnInterrupt()
+{
+    (void)std::signal(SIGINT, SIG_DFL); // inherited; a shell's background jobs ignore it
+    ChildProcess process;
+    interrupt(process, Tool::program(), {"check", "--fetch", tool->path("good")});
     QCOMPARE(process.exitCode(), 130);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(process.readAllStandardError(), QByteArray("talvex-catalogue: interrupted\n"));
@@ -250,17 +257,10 @@ void TestVendorTool::endsOnInterrupt()
 /// As under nohup or in the background of a script: only the silence of the server ends it.
 void TestVendorTool::keepsIgnoringInterrupts()
 {
-    tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
     ChildProcess process;
-    process.setProcessEnvironment(tool->environment());
-    process.start("sh", {"-c", "trap '' INT; exec \"$0\" \"$@\"", Tool::program(), "check", "--fetch",
-                         "--timeout", "3", tool->path("good")});
-    QVERIFY(process.waitForStarted());
-    const auto pid = static_cast<pid_t>(process.processId());
-    QTRY_VERIFY(tool->server.paths().contains("/bin/HB4.sb"));
-    kill(pid, SIGINT);
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    interrupt(process, "sh",
+              {"-c", "trap '' INT; exec \"$0\" \"$@\"", Tool::program(), "check", "--fetch", "--timeout", "3",
+               tool->path("good")});
     QCOMPARE(process.exitCode(), 1);
     QVERIFY(process.readAllStandardOutput().contains("nothing received for 3 s"));
 }
