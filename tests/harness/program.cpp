@@ -9,7 +9,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace {
@@ -141,82 +140,18 @@ Outcome Program::waitFor(const QString& what, const std::function<bool(const Vie
 Outcome Program::waitForBox(const BoxText& expected)
 {
     STEP(waitFor("a box", [](const View& view) { return view.box().has_value(); }));
-    if (last.box() == expected)
-        return {};
-    return failed(
-        QString("another box than [%1] \"%2\" \"%3\" \"%4\" details \"%5\" buttons %6 default \"%7\"")
-            .arg(expected.icon, expected.title, expected.text, expected.informative, expected.detailed,
-                 expected.buttons.join('|'), expected.defaultButton));
+    return last.box() == expected ? Outcome() : failed("another box than " + expected.describe());
 }
 
 Outcome Program::waitForNoBox()
 {
-    return waitFor("no box", [](const View& view) { return view.boxCount() == 0; });
+    return waitFor("no box", std::not_fn(&View::hasBox));
 }
 
 Outcome Program::waitForText(const QString& name, const QString& text)
 {
     return waitFor(name + " reading \"" + text + '"',
                    [&](const View& view) { return view.text(name) == text; });
-}
-
-void Program::watchEnd()
-{
-    if (!ownTime)
-        ownTime.emplace(process.processId(), desktop);
-    else if (!isEndSeen)
-        ownTime->look();
-    isEndSeen = process.state() == QProcess::NotRunning;
-}
-
-bool Program::hasEnded()
-{
-    watchEnd();
-    return isEndSeen;
-}
-
-Outcome Program::waitForExit(int code)
-{
-    if (!waitUntil([&] { return hasEnded(); }))
-        return failed("the program does not end");
-    if (process.exitStatus() != QProcess::NormalExit)
-        return failed("the program crashed");
-    if (process.exitCode() != code)
-        return failed("exit code " + QString::number(process.exitCode()));
-    return {};
-}
-
-Outcome Program::waitForDeathBy(int signal)
-{
-    if (!waitUntil([&] { return hasEnded(); }))
-        return failed("still running");
-    const bool killed = process.exitStatus() == QProcess::CrashExit && process.exitCode() == signal;
-    return killed ? Outcome() : failed("ended with " + QString::number(process.exitCode()));
-}
-
-void Program::sendSignal(int signal)
-{
-    watchEnd();
-    if (const qint64 id = process.processId(); id > 0) // 0, when it has ended, would be all of this group
-        ::kill(static_cast<pid_t>(id), signal);
-}
-
-bool Program::isInSet(const QByteArray& set, int signal) const
-{
-    const QByteArray all = contentOf(QString("/proc/%1/status").arg(process.processId()));
-    const QByteArray members = all.mid(all.indexOf(set + ':') + set.size() + 1).trimmed().left(16);
-    return (members.toULongLong(nullptr, 16) >> (signal - 1) & 1U) != 0;
-}
-
-Outcome Program::waitForPromptExit(int code)
-{
-    constexpr std::chrono::seconds longest{3};
-    watchEnd();
-    const OwnTime::Span before = ownTime->taken();
-    const auto isLate = [&] { return ownTime->taken() - before > longest; };
-    return waitUntil([&] { return hasEnded() || isLate(); }) && isLate()
-               ? failed("the program does not end within 3 s of its own time")
-               : waitForExit(code);
 }
 
 Outcome Program::staysAway(const QString& what, const std::function<bool(const View&)>& unwanted, int looks)

@@ -79,6 +79,8 @@ public:
     /// Use the window manager's close button, of the main window or of the top box.
     Outcome closeWindow();
     Outcome closeBox();
+    /// Takes the screen away. The desktop must be a private one.
+    Outcome loseDisplay();
 
     /// Sends a signal to the process; does nothing if it has ended.
     void sendSignal(int signal);
@@ -88,7 +90,7 @@ public:
     [[nodiscard]] bool isPending(int signal) const { return isInSet("ShdPnd", signal); }
 
     /// Measures from now on how long a busy machine holds the program up, for an end that does not begin with
-    /// sendSignal() or closeWindow(): these do so, too.
+    /// sendSignal(), closeWindow() or loseDisplay(): these do so, too.
     void watchEnd();
     /// For how long it was held up, until the end was seen.
     [[nodiscard]] OwnTime::Span heldUp() const { return ownTime ? ownTime->heldUp() : OwnTime::Span(0); }

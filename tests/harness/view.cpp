@@ -113,11 +113,7 @@ QString View::describe() const
                      widget["enabled"].toBool() ? QString() : QString(" (disabled)"));
     }
     const QJsonArray boxes = all["boxes"].toArray();
-    for (const QJsonValue& box : boxes) {
-        const BoxText told = boxTextOf(box.toObject());
-        lines += QString("  box [%1] \"%2\" \"%3\" \"%4\" details \"%5\" buttons %6 default \"%7\"\n")
-                     .arg(told.icon, told.title, told.text, told.informative, told.detailed,
-                          told.buttons.join('|'), told.defaultButton);
-    }
+    for (const QJsonValue& box : boxes)
+        lines += "  box " + boxTextOf(box.toObject()).describe() + '\n';
     return lines;
 }

@@ -37,6 +37,7 @@ public:
     [[nodiscard]] int value(const QString& name) const { return widget(name)["value"].toInt(-1); }
 
     [[nodiscard]] int boxCount() const;
+    [[nodiscard]] bool hasBox() const { return boxCount() > 0; }
     /// The box that receives input; nullopt if no box is open.
     [[nodiscard]] std::optional<BoxText> box() const;
     /// The X window of the main window; 0 if it is not shown.

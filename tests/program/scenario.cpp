@@ -7,6 +7,8 @@
 
 #include <QCryptographicHash>
 
+#include <csignal>
+
 namespace scenario {
 
 QString unitOptions(const Program& program, const QString& model, const QString& more, const QString& label)
@@ -58,6 +60,11 @@ QStringList faultlessJournal(const QByteArray& image)
             "closed"};
 }
 
+Outcome publish(UpdateServer& server, const QByteArray& image, const QString& version)
+{
+    return publishFirmware(server, models::hb4.stem, version, image, changeLog);
+}
+
 Outcome offer(Program& program, UpdateServer& server, const models::Connection& connection,
               const QByteArray& image)
 {
@@ -103,12 +110,23 @@ Outcome acceptOffer(Program& program, const QString& version)
                            [](const View& view) { return view.enabled("updateDeviceButton"); });
 }
 
-Outcome declineOffer(Program& program)
+Outcome seeOffer(Program& program)
 {
     STEP(connectUnit(program));
-    STEP(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
+    return program.waitFor("the offer", &View::hasBox);
+}
+
+Outcome declineOffer(Program& program)
+{
+    STEP(seeOffer(program));
     STEP(program.answer("No"));
     return program.waitForNoBox();
+}
+
+Outcome acceptAnyOffer(Program& program)
+{
+    STEP(seeOffer(program));
+    return program.answer("Yes");
 }
 
 Outcome connectAndDownload(Program& program, const QString& message)
@@ -135,6 +153,12 @@ Outcome install(Program& program)
     return awaitInstallation(program);
 }
 
+Outcome updateByHand(Program& program)
+{
+    STEP(connectUnit(program));
+    return program.press("updateDeviceButton");
+}
+
 Outcome lookHostUp(Program& program)
 {
     const QString noted = program.scratchPath("looked-up");
@@ -146,12 +170,22 @@ Outcome lookHostUp(Program& program)
     return program.waitFor("the look-up", [&](const View&) { return QFile::exists(noted); });
 }
 
+Outcome pressLogKeys(Program& program)
+{
+    return program.pressKeys({XK_Control_L, XK_Shift_L, XK_l});
+}
+
+Outcome askForLog(Program& program, const QString& message)
+{
+    STEP(connectUnit(program, message));
+    STEP(program.waitForNoBox());
+    STEP(pressLogKeys(program));
+    return program.press("downloadLogFile");
+}
+
 Outcome fetchLog(Program& program, const QString& line)
 {
-    STEP(connectUnit(program));
-    STEP(program.waitForNoBox());
-    STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
-    STEP(program.press("downloadLogFile"));
+    STEP(askForLog(program));
     return program.waitFor(line, [&](const View&) { return journal(program).contains(line); });
 }
 
@@ -171,7 +205,7 @@ Outcome awaitInstallation(Program& program)
 
 Outcome seeFinished(Program& program)
 {
-    STEP(program.waitForBox(finishedBox()));
+    STEP(program.waitForBox(finishedBox));
     STEP(program.waitFor("the finished installation", [](const View& view) {
         return view.text("labelUpdate") == text::updateFinished && !view.enabled("labelUpdate") &&
                view.value("progressBarUpdate") == 100 && !view.enabled("progressBarUpdate") &&
@@ -183,25 +217,34 @@ Outcome seeFinished(Program& program)
     return program.waitForExit(0);
 }
 
+Outcome seeLastBox(Program& program, const BoxText& box)
+{
+    STEP(program.waitForBox(box));
+    STEP(program.answer("Ok"));
+    return program.waitForPromptExit(0);
+}
+
 Outcome leave(Program& program)
 {
     STEP(program.closeWindow());
     return program.waitForPromptExit(0);
 }
 
+Outcome closeAndWait(Program& program)
+{
+    STEP(program.closeWindow());
+    return program.waitForExit(0);
+}
+
+Outcome terminate(Program& program)
+{
+    program.sendSignal(SIGTERM);
+    return {};
+}
+
 QString offerText(const QString& version)
 {
     return firmwareOffer(version, "2.8");
-}
-
-BoxText finishedBox()
-{
-    return infoBox(text::finished);
-}
-
-BoxText networkProblemBox()
-{
-    return errorBox(QString(text::networkProblem) + '\n');
 }
 
 } // namespace scenario

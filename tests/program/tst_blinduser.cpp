@@ -26,7 +26,7 @@ void tst_blinduser::updatesAUnit()
     UpdateServer server;
     MUST(desktop.start());
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
     Program program(desktop);
     program.setVariable("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
     program.setVariable("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");

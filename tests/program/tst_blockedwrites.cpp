@@ -1,15 +1,14 @@
 // The program's end while a write to the unit is blocked: by a signal, or by closing the window.
 
 #include "tests/harness/attempts.h"
-#include "tests/harness/program.h"
 #include "tests/harness/waiting.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
-#include "tests/support/texts.h"
 
 #include <QtTest>
 
-#include <csignal>
+using scenario::Deed;
 
 namespace {
 
@@ -17,24 +16,10 @@ constexpr int forLong = 60'000; ///< ms; no end waits for it
 /// ms; longer than a thread is waited for that is in no write, and less than half of what one in a write is
 constexpr int forAWhile = 1000;
 
-using Deed = Outcome (*)(Program&);
-
-/// The write on the GUI thread: the first packet, behind the request; it would be sent once more.
-Outcome blockTransfer(Program& program)
-{
-    STEP(scenario::connectUnit(program));
-    return program.press("updateDeviceButton");
-}
-
 /// The write on the worker thread: the acknowledge of a log's header, behind the request.
 Outcome blockLog(Program& program)
 {
     return scenario::fetchLog(program, "not-taken");
-}
-
-Outcome closeWindow(Program& program)
-{
-    return program.closeWindow();
 }
 
 /// One write was blocked, it failed, and the last thing done was to close the unit.
@@ -48,23 +33,13 @@ Outcome seeNoOtherWrite(const Program& program)
     return isRight ? Outcome() : Outcome((journal + calls).join('\n'));
 }
 
-Outcome terminate(Program& program)
-{
-    program.sendSignal(SIGTERM);
-    return {};
-}
-
 } // namespace
 
-Q_DECLARE_METATYPE(Deed)
-
-class tst_blockedwrites : public QObject
+class tst_blockedwrites : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void blockedForLong_data() { addRows(); }
     void blockedForLong();
     void blockedForAWhile_data() { addRows(); }
@@ -72,27 +47,22 @@ private slots:
 
 private:
     static void addRows();
-    static Outcome endInBlockedWrite(Program& program, int blockedMs, Deed block, Deed end);
-
-    Desktop desktop;
+    static Outcome endInBlockedWrite(Program& program, int blockedMs, const Deed& block, const Deed& end);
 };
-
-void tst_blockedwrites::initTestCase()
-{
-    MUST(desktop.start());
-}
 
 void tst_blockedwrites::addRows()
 {
     QTest::addColumn<Deed>("block");
     QTest::addColumn<Deed>("end");
-    QTest::newRow("a transfer's, SIGTERM") << Deed(blockTransfer) << Deed(terminate);
-    QTest::newRow("a log's, SIGTERM") << Deed(blockLog) << Deed(terminate);
-    QTest::newRow("a log's, window closed") << Deed(blockLog) << Deed(closeWindow);
+    // On the GUI thread: the first packet, behind the request; it would be sent once more.
+    QTest::newRow("a transfer's, SIGTERM") << Deed(scenario::updateByHand) << Deed(scenario::terminate);
+    QTest::newRow("a log's, SIGTERM") << Deed(blockLog) << Deed(scenario::terminate);
+    QTest::newRow("a log's, window closed") << Deed(blockLog) << Deed(&Program::closeWindow);
 }
 
 /// Has the row's write blocked for so long, and then the row's end begin.
-Outcome tst_blockedwrites::endInBlockedWrite(Program& program, int blockedMs, Deed block, Deed end)
+Outcome tst_blockedwrites::endInBlockedWrite(Program& program, int blockedMs, const Deed& block,
+                                             const Deed& end)
 {
     program.setVariable("TALVEX_VIRTUAL_HID_TRACE", program.scratchPath("trace"));
     STEP(program.placeFile(filename::service, "image")); // so that no server is asked

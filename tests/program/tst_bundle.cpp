@@ -1,8 +1,7 @@
 // The program as it is unpacked on a system that has nothing of what it needs. TALVEX_TEST_PROGRAM is a
 // command that starts it there; scripts/package.sh makes both.
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/selfsigned.h"
@@ -36,27 +35,15 @@ QString strayFiles(const Program& program)
 
 } // namespace
 
-class tst_bundle : public QObject
+class tst_bundle : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void update_data();
     void update();
     void redirectToTls();
-
-private:
-    Desktop desktop;
-    UpdateServer server;
 };
-
-void tst_bundle::initTestCase()
-{
-    MUST(desktop.start());
-    MUST(server.start());
-}
 
 void tst_bundle::update_data()
 {
@@ -74,18 +61,15 @@ void tst_bundle::update()
 {
     QFETCH(int, size);
     QFETCH(QString, session);
-    const models::Connection connection = models::connectionOf("hb4");
     const QByteArray image = imageOf(size);
+    MUST(scenario::publish(server, image));
     Program program(desktop);
     program.setVariable("XDG_SESSION_TYPE", session);
-    MUST(scenario::offer(program, server, connection, image));
-    program.plugIn(scenario::options(program, connection));
-    MUST(program.start());
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::pressUpdate(program));
     MUST(scenario::seeFinished(program));
-    QCOMPARE(scenario::journal(program, "hb4"), scenario::faultlessJournal(image));
-    QVERIFY(scenario::receivedImage(program, "hb4") == image);
+    QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));
+    QVERIFY(scenario::receivedImage(program) == image);
     QTEST(ownWords(program), "words");
     QCOMPARE(strayFiles(program), QString());
 }

@@ -2,80 +2,39 @@
 
 #include "tests/harness/attempts.h"
 #include "tests/harness/halfserver.h"
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
-#include "tests/program/scenario.h"
+#include "tests/program/phases.h"
+#include "tests/program/programtest.h"
 #include "tests/support/silentserver.h"
-#include "tests/support/texts.h"
 
 #include <QtTest>
 
-namespace {
-
-constexpr int smallSize = 6000;
-
-using State = Outcome (*)(Program&);
-
-} // namespace
-
-Q_DECLARE_METATYPE(State)
-
-class tst_ending : public QObject
+class tst_ending : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void windowClosed_data();
     void windowClosed();
     void closedWhileTheServerIsSilent();
-    void closedWhileTheHostIsLookedUp();
     void closedWhileTheImageArrives();
     void boxClosed_data();
     void boxClosed();
-
-private:
-    Desktop desktop;
-    UpdateServer server;
-    QByteArray image;
 };
-
-void tst_ending::initTestCase()
-{
-    image = imageOf(60'000);
-    MUST(desktop.start());
-    MUST(server.start());
-}
 
 void tst_ending::windowClosed_data()
 {
-    QTest::addColumn<QString>("more"); // options of the unit
-    QTest::addColumn<State>("reach");
-    QTest::addColumn<int>("size"); // of the image
-    QTest::newRow("right after the start") << "" << State([](Program&) { return Outcome(); }) << smallSize;
-    QTest::newRow("after a declined offer") << "" << State(scenario::declineOffer) << smallSize;
-    QTest::newRow("with an image to send")
-        << "" << State([](Program& program) { return scenario::connectAndDownload(program); }) << smallSize;
-    QTest::newRow("while the unit does not answer")
-        << ",fault=never-answers" << State(scenario::pressUpdate) << smallSize;
-    QTest::newRow("in the middle of the transfer")
-        << "" << State(scenario::streamImage) << scenario::longOnItsWay;
-    QTest::newRow("during the installation")
-        << scenario::silentInstallation << State(scenario::install) << smallSize;
+    QTest::addColumn<Phase>("phase");
+    for (const Phase& phase : phases())
+        if (!phase.isUnderABox)
+            QTest::newRow(phase.name) << phase;
 }
 
 void tst_ending::windowClosed()
 {
-    QFETCH(QString, more);
-    QFETCH(State, reach);
-    QFETCH(int, size);
-    const QByteArray sent = imageOf(size);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, sent, scenario::changeLog));
+    QFETCH(Phase, phase);
     for (Attempts attempts; attempts.wantsAnother();) {
         Program program(desktop);
-        MUST(scenario::startWithUnit(program, server.proxy(), more));
-        MUST(reach(program));
+        MUST(reachPhase(phase, program, server));
         MUST(scenario::leave(program));
         MUST(attempts.judge(program, scenario::seeGivenBack(program)));
     }
@@ -89,24 +48,12 @@ void tst_ending::closedWhileTheServerIsSilent()
     MUST(scenario::leave(program));
 }
 
-void tst_ending::closedWhileTheHostIsLookedUp()
-{
-    for (Attempts attempts; attempts.wantsAnother();) {
-        Program program(desktop);
-        MUST(scenario::lookHostUp(program));
-        MUST(scenario::leave(program));
-        MUST(attempts.judge(program, scenario::seeGivenBack(program))); // though the look-up held the end up
-    }
-}
-
 void tst_ending::closedWhileTheImageArrives()
 {
     HalfServer half;
     Program program(desktop);
     MUST(scenario::startWithUnit(program, half.address()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-    MUST(program.answer("Yes"));
+    MUST(scenario::acceptAnyOffer(program));
     MUST(program.waitFor("the download under way", [](const View& view) {
         return view.text("labelTransfer") == text::transferDownload && view.value("progressBarTransfer") > 0;
     }));
@@ -131,18 +78,18 @@ void tst_ending::boxClosed()
     QFETCH(QString, version);
     QFETCH(bool, connects);
     QFETCH(bool, ends);
-    MUST(publishFirmware(server, "HB4", version, image, scenario::changeLog));
+    MUST(scenario::publish(server, "image", version));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, version.isEmpty() ? QString(scenario::deadProxy) : server.proxy()));
     if (connects)
         MUST(scenario::connectUnit(program));
     else
         MUST(program.press("connect_button"));
-    MUST(program.waitFor("the box", [](const View& view) { return view.boxCount() == 1; }));
+    MUST(program.waitFor("the box", &View::hasBox));
 
     // The window behind a box cannot be closed before the box is.
     MUST(program.closeWindow());
-    MUST(program.staysAway("no box", [](const View& view) { return view.boxCount() == 0; }));
+    MUST(program.staysAway("no box", std::not_fn(&View::hasBox)));
     MUST(program.closeBox());
     if (ends) {
         MUST(program.waitForPromptExit(0));

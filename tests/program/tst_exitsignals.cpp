@@ -3,11 +3,8 @@
 
 #include "tests/harness/attempts.h"
 #include "tests/harness/processtime.h"
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
-#include "tests/program/scenario.h"
-#include "tests/support/models.h"
-#include "tests/support/texts.h"
+#include "tests/program/phases.h"
+#include "tests/program/programtest.h"
 
 #include <QtTest>
 
@@ -15,61 +12,12 @@
 
 namespace {
 
-using State = Outcome (*)(Program&);
-
-struct Phase
-{
-    const char* name;
-    const char* fault; ///< of the unit, as an option
-    State reach;
-};
-
-Outcome doNothing(Program&)
-{
-    return {};
-}
-
-Outcome seeConnectionsBox(Program& program)
-{
-    STEP(program.press("connect_button"));
-    return program.waitForBox(infoBox(models::of(UNIT_HB4).connected));
-}
-
-Outcome seeOffer(Program& program)
-{
-    STEP(scenario::connectUnit(program));
-    return program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; });
-}
-
 /// The program has ended by itself, before any limit, and has given the unit back.
 Outcome seeOrderlyEnd(const Program& program)
 {
     STEP(scenario::seeGivenBack(program));
     return program.hasQuit() ? Outcome() : Outcome("ended by its limit");
 }
-
-Outcome connectAndDownload(Program& program)
-{
-    return scenario::connectAndDownload(program);
-}
-
-Outcome seeRefusal(Program& program)
-{
-    STEP(scenario::pressUpdate(program));
-    return program.waitFor("the box", [](const View& view) { return view.boxCount() == 1; });
-}
-
-constexpr std::array phases{
-    Phase{"right after the start", "", doNothing},
-    Phase{"under the connection's box", "", seeConnectionsBox},
-    Phase{"under the offer", "", seeOffer},
-    Phase{"after a declined offer", "", scenario::declineOffer},
-    Phase{"with an image to send", "", connectAndDownload},
-    Phase{"while the unit does not answer", ",fault=never-answers", scenario::pressUpdate},
-    Phase{"under a refusal's box", ",fault=refuses-timeout", seeRefusal},
-    Phase{"in the middle of the transfer", "", scenario::streamImage},
-    Phase{"during the installation", scenario::silentInstallation, scenario::install},
-};
 
 struct Signal
 {
@@ -95,43 +43,34 @@ private:
 
 } // namespace
 
-Q_DECLARE_METATYPE(State)
-
-class tst_exitsignals : public QObject
+class tst_exitsignals : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void signalEndsTheProgram_data();
     void signalEndsTheProgram();
-    void signalWhileTheHostIsLookedUp();
-    void signalWhileTheHeaderIsAwaited_data();
+    void signalWhileTheHeaderIsAwaited_data() { addSignals(); }
     void signalWhileTheHeaderIsAwaited();
-    void ignoredSignalStaysIgnored_data();
+    void ignoredSignalStaysIgnored_data() { addSignals(); }
     void ignoredSignalStaysIgnored();
-    void secondSignalEndsAtOnce_data();
+    void secondSignalEndsAtOnce_data() { addSignals(); }
     void secondSignalEndsAtOnce();
     void lostDisplay_data();
     void lostDisplay();
-    void lostDisplayWhileTheHostIsLookedUp();
 
 private:
-    void addSignals();
-    void addPhases(const QString& before, int signal);
+    static void addSignals();
 
-    Desktop desktop;
-    UpdateServer server;
+    Outcome begin() override;
 };
 
-void tst_exitsignals::initTestCase()
+Outcome tst_exitsignals::begin()
 {
     for (const Signal& signal : signalsOfAnEnd) // or the program would inherit a SIGHUP ignored by nohup
         (void)std::signal(signal.number, SIG_DFL);
-    MUST(desktop.start());
-    MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(60'000), scenario::changeLog));
+    STEP(ServedProgramTest::begin());
+    return scenario::publish(server, "image");
 }
 
 void tst_exitsignals::addSignals()
@@ -141,51 +80,26 @@ void tst_exitsignals::addSignals()
         QTest::newRow(signal.name) << signal.number;
 }
 
-void tst_exitsignals::addPhases(const QString& before, int signal)
-{
-    for (const Phase& phase : phases)
-        QTest::newRow(qPrintable(before + phase.name)) << signal << QString(phase.fault) << phase.reach;
-}
-
 void tst_exitsignals::signalEndsTheProgram_data()
 {
     QTest::addColumn<int>("signal");
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<State>("reach");
+    QTest::addColumn<Phase>("phase");
     for (const Signal& signal : signalsOfAnEnd)
-        addPhases(QString(signal.name) + ' ', signal.number);
+        for (const Phase& phase : phases())
+            QTest::addRow("%s %s", signal.name, phase.name) << signal.number << phase;
 }
 
 void tst_exitsignals::signalEndsTheProgram()
 {
     QFETCH(int, signal);
-    QFETCH(QString, fault);
-    QFETCH(State, reach);
+    QFETCH(Phase, phase);
     for (Attempts attempts; attempts.wantsAnother();) {
         Program program(desktop);
-        MUST(scenario::startWithUnit(program, server.proxy(), fault));
-        MUST(reach(program));
+        MUST(reachPhase(phase, program, server));
         program.sendSignal(signal);
         MUST(program.waitForPromptExit(0));
         MUST(attempts.judge(program, seeOrderlyEnd(program)));
     }
-}
-
-/// The look-up never comes back: the program ends at its limit, and gives the unit back all the same.
-void tst_exitsignals::signalWhileTheHostIsLookedUp()
-{
-    for (Attempts attempts; attempts.wantsAnother();) {
-        Program program(desktop);
-        MUST(scenario::lookHostUp(program));
-        program.sendSignal(SIGTERM);
-        MUST(program.waitForPromptExit(0));
-        MUST(attempts.judge(program, scenario::seeGivenBack(program)));
-    }
-}
-
-void tst_exitsignals::signalWhileTheHeaderIsAwaited_data()
-{
-    addSignals();
 }
 
 /// The worker is in a read without end: the unit cannot be closed under it.
@@ -202,11 +116,6 @@ void tst_exitsignals::signalWhileTheHeaderIsAwaited()
     QVERIFY(!scenario::journal(program).contains("closed"));
 }
 
-void tst_exitsignals::ignoredSignalStaysIgnored_data()
-{
-    addSignals();
-}
-
 void tst_exitsignals::ignoredSignalStaysIgnored()
 {
     QFETCH(int, signal);
@@ -218,16 +127,11 @@ void tst_exitsignals::ignoredSignalStaysIgnored()
         }
         QVERIFY(!program.handlesSignal(signal));
         program.sendSignal(signal);
-        MUST(seeOffer(program)); // it goes on
+        MUST(scenario::seeOffer(program)); // it goes on
         program.sendSignal(signal == SIGTERM ? SIGINT : SIGTERM);
         MUST(program.waitForPromptExit(0));
         MUST(attempts.judge(program, scenario::seeGivenBack(program)));
     }
-}
-
-void tst_exitsignals::secondSignalEndsAtOnce_data()
-{
-    addSignals();
 }
 
 void tst_exitsignals::secondSignalEndsAtOnce()
@@ -253,38 +157,20 @@ void tst_exitsignals::secondSignalEndsAtOnce()
 
 void tst_exitsignals::lostDisplay_data()
 {
-    QTest::addColumn<int>("signal"); // none
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<State>("reach");
-    addPhases("", 0);
+    QTest::addColumn<Phase>("phase");
+    for (const Phase& phase : phases())
+        QTest::newRow(phase.name) << phase;
 }
 
 void tst_exitsignals::lostDisplay()
 {
-    QFETCH(QString, fault);
-    QFETCH(State, reach);
+    QFETCH(Phase, phase);
     for (Attempts attempts; attempts.wantsAnother();) {
         Desktop ownDesktop;
         MUST(ownDesktop.start());
         Program program(ownDesktop);
-        MUST(scenario::startWithUnit(program, server.proxy(), fault));
-        MUST(reach(program));
-        program.watchEnd();
-        ownDesktop.takeAway();
-        MUST(program.waitForPromptExit(1));
-        MUST(attempts.judge(program, scenario::seeGivenBack(program)));
-    }
-}
-
-void tst_exitsignals::lostDisplayWhileTheHostIsLookedUp()
-{
-    for (Attempts attempts; attempts.wantsAnother();) {
-        Desktop ownDesktop;
-        MUST(ownDesktop.start());
-        Program program(ownDesktop);
-        MUST(scenario::lookHostUp(program));
-        program.watchEnd();
-        ownDesktop.takeAway();
+        MUST(reachPhase(phase, program, server));
+        MUST(program.loseDisplay());
         MUST(program.waitForPromptExit(1));
         MUST(attempts.judge(program, scenario::seeGivenBack(program)));
     }

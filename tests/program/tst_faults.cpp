@@ -1,19 +1,15 @@
 // A unit that misbehaves: what the user is told of it, and what the window shows afterwards.
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/transferfaults.h"
 
-#include <QCryptographicHash>
 #include <QtTest>
 
 namespace {
 
 /// Looks at a program that follows an installation: each waits for a poll of 100 ms.
 constexpr int somePolls = 6;
-
-constexpr int imageSize = 6000;
 
 /// A label and the bar that belongs to it.
 struct Display
@@ -51,13 +47,11 @@ Display displayOf(const char* label)
 
 Q_DECLARE_METATYPE(Display)
 
-class tst_faults : public QObject
+class tst_faults : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void transfer_data();
     void transfer();
     void unitThatCannotBeUsed_data();
@@ -71,28 +65,15 @@ private slots:
     void imageThatCannotBeSent();
 
 private:
-    Outcome startWithUnit(Program& program, const QStringList& units);
+    Outcome begin() override;
 
-    Desktop desktop;
-    UpdateServer server;
-    QByteArray image;
-    QString requestLine; ///< in the journal of a unit that was offered the image
+    const QByteArray image = imageOf(6000);
 };
 
-void tst_faults::initTestCase()
+Outcome tst_faults::begin()
 {
-    MUST(desktop.start());
-    MUST(server.start());
-    image = imageOf(imageSize);
-    requestLine = "request digest=" + QCryptographicHash::hash(image, QCryptographicHash::Md5).toHex();
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
-}
-
-Outcome tst_faults::startWithUnit(Program& program, const QStringList& units)
-{
-    program.setVariable("http_proxy", server.proxy());
-    program.plugIn(units);
-    return program.start();
+    STEP(ServedProgramTest::begin());
+    return scenario::publish(server, image);
 }
 
 void tst_faults::transfer_data()
@@ -113,25 +94,23 @@ void tst_faults::transfer()
                shows(view, "labelUpdate", "progressBarUpdate", update) &&
                !view.enabled("updateDeviceButton") && !view.enabled("connect_button");
     };
-    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
 
     Program program(desktop);
     const QString fault = QString(",fault=") + QTest::currentDataTag();
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy(), fault));
+    MUST(scenario::pressUpdate(program));
     if (expected.box != nullptr) {
         MUST(program.waitForBox(errorBox(expected.box, expected.title)));
         MUST(program.waitFor("the window under the box", shown));
         MUST(program.answer("Ok"));
     }
     MUST(program.waitFor("the window afterwards", shown));
-    MUST(program.staysAway("another box", boxOpen, somePolls));
+    MUST(program.staysAway("another box", &View::hasBox, somePolls));
     QVERIFY2(shown(program.look()), qPrintable(program.look().describe()));
 
     QStringList journal{"opened"};
     if (!expected.journal.isEmpty() && expected.journal.first() != "unplugged")
-        journal += requestLine;
+        journal += scenario::faultlessJournal(image).at(1); // the request
     QCOMPARE(scenario::journal(program), journal + expected.journal);
     MUST(scenario::leave(program));
 }
@@ -155,7 +134,8 @@ void tst_faults::unitThatCannotBeUsed()
     QFETCH(QString, unit);
     QFETCH(QString, line);
     Program program(desktop);
-    MUST(startWithUnit(program, {unit}));
+    program.plugIn({unit});
+    MUST(program.start());
     const View before = program.look();
     for (int press = 1; press <= 2; ++press)
         MUST(scenario::connectInVain(program));
@@ -170,12 +150,12 @@ void tst_faults::unitThatCannotBeUsed()
 void tst_faults::loneDeckBlocksConnect()
 {
     Program program(desktop);
-    MUST(startWithUnit(program, {"trk300-left", "plt65"}));
+    program.plugIn({"trk300-left", "plt65"});
+    MUST(program.start());
     MUST(scenario::connectInVain(program));
 
     MUST(program.press("connect_button"));
-    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("a box after the second press", boxOpen));
+    MUST(program.staysAway("a box after the second press", &View::hasBox));
     QVERIFY(program.look().enabled("connect_button"));
     MUST(scenario::leave(program));
 }
@@ -183,7 +163,7 @@ void tst_faults::loneDeckBlocksConnect()
 void tst_faults::unitThatSendsNoVersion()
 {
     Program program(desktop);
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=no-version-report")}));
+    MUST(scenario::startWithUnit(program, server.proxy(), ",fault=no-version-report"));
     MUST(scenario::connectUnit(program));
     MUST(scenario::acceptOffer(program, "0.0"));
     MUST(program.press("updateDeviceButton"));
@@ -194,9 +174,8 @@ void tst_faults::unitThatSendsNoVersion()
 void tst_faults::silentInstallationStopsAt99()
 {
     Program program(desktop);
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", ",fault=silent-installation")}));
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy(), scenario::silentInstallation));
+    MUST(scenario::pressUpdate(program));
     const auto creepingAt = [](int percent) {
         return [percent](const View& view) {
             return view.value("progressBarUpdate") >= percent &&
@@ -218,9 +197,8 @@ void tst_faults::repeatedComplaintOpensFurtherBoxes()
     constexpr int mostBoxes = 16;
     Program program(desktop);
     const QString fault = ",fault=wrong-digest,repeats-outcome=yes,period-ms=40";
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4", fault)}));
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy(), fault));
+    MUST(scenario::pressUpdate(program));
     MUST(program.waitFor("a pile of boxes", [](const View& view) { return view.boxCount() == mostBoxes; }));
     MUST(program.staysAway(
         "more boxes", [](const View& view) { return view.boxCount() > mostBoxes; }, somePolls));
@@ -230,14 +208,10 @@ void tst_faults::repeatedComplaintOpensFurtherBoxes()
 void tst_faults::repeatedSuccessEndsTheProgram()
 {
     Program program(desktop);
-    MUST(
-        startWithUnit(program, {scenario::unitOptions(program, "hb4", ",repeats-outcome=yes,period-ms=40")}));
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy(), ",repeats-outcome=yes,period-ms=40"));
+    MUST(scenario::pressUpdate(program));
     MUST(program.waitFor("a second box", [](const View& view) { return view.boxCount() > 1; }));
-    MUST(program.waitForBox(scenario::finishedBox()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, scenario::finishedBox));
 }
 
 void tst_faults::imageThatCannotBeSent_data()
@@ -251,7 +225,7 @@ void tst_faults::imageThatCannotBeSent()
 {
     QFETCH(bool, isThere);
     Program program(desktop);
-    MUST(startWithUnit(program, {scenario::unitOptions(program, "hb4")}));
+    MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectAndDownload(program));
     QVERIFY(QFile::remove(program.ownPath(filename::image)));
     if (isThere)
@@ -259,8 +233,7 @@ void tst_faults::imageThatCannotBeSent()
     MUST(program.press("updateDeviceButton"));
     MUST(program.waitForBox(errorBox(text::noImage)));
     MUST(program.answer("Ok"));
-    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("another box", boxOpen));
+    MUST(program.staysAway("another box", &View::hasBox));
     QCOMPARE(scenario::journal(program), QStringList{"opened"});
     MUST(scenario::leave(program));
 }

@@ -1,49 +1,25 @@
 // The program's end while something that it asked does not answer: it ends all the same.
 
 #include "tests/harness/attempts.h"
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
 #include "tests/program/scenario.h"
 
 #include <QLocalServer>
 #include <QtTest>
 
-#include <csignal>
+using scenario::Deed;
 
 namespace {
 
-using End = Outcome (*)(Program&, Desktop&);
-
-Outcome closeWindow(Program& program, Desktop&)
-{
-    return program.closeWindow();
-}
-
-Outcome terminate(Program& program, Desktop&)
-{
-    program.sendSignal(SIGTERM);
-    return {};
-}
-
-Outcome loseDisplay(Program& program, Desktop& desktop)
-{
-    program.watchEnd();
-    desktop.takeAway();
-    return {};
-}
-
 void addEnds()
 {
-    QTest::addColumn<End>("end");
+    QTest::addColumn<Deed>("end");
     QTest::addColumn<int>("exitCode");
-    QTest::newRow("window closed") << End(closeWindow) << 0;
-    QTest::newRow("SIGTERM") << End(terminate) << 0;
-    QTest::newRow("lost display") << End(loseDisplay) << 1;
+    QTest::newRow("window closed") << Deed(&Program::closeWindow) << 0;
+    QTest::newRow("SIGTERM") << Deed(scenario::terminate) << 0;
+    QTest::newRow("lost display") << Deed(&Program::loseDisplay) << 1;
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(End)
 
 class tst_hangingends : public QObject
 {
@@ -52,6 +28,8 @@ class tst_hangingends : public QObject
 private slots:
     void initTestCase();
 
+    void nameServerIsSilent_data() { addEnds(); }
+    void nameServerIsSilent();
     void systemBusIsSilent_data() { addEnds(); }
     void systemBusIsSilent();
     void unitCannotBeClosed_data() { addEnds(); }
@@ -64,14 +42,29 @@ private:
 void tst_hangingends::initTestCase()
 {
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
-                         scenario::changeLog));
+    MUST(scenario::publish(server, imageOf(scenario::longOnItsWay)));
+}
+
+/// The program ends at its limit, and gives the unit back all the same.
+void tst_hangingends::nameServerIsSilent()
+{
+    QFETCH(Deed, end);
+    QFETCH(int, exitCode);
+    for (Attempts attempts; attempts.wantsAnother();) {
+        Desktop desktop;
+        MUST(desktop.start());
+        Program program(desktop);
+        MUST(scenario::lookHostUp(program));
+        MUST(end(program));
+        MUST(program.waitForPromptExit(exitCode));
+        MUST(attempts.judge(program, scenario::seeGivenBack(program)));
+    }
 }
 
 /// The transfer asks it to keep the computer awake, on a thread that nothing can end.
 void tst_hangingends::systemBusIsSilent()
 {
-    QFETCH(End, end);
+    QFETCH(Deed, end);
     QFETCH(int, exitCode);
     for (Attempts attempts; attempts.wantsAnother();) {
         Desktop desktop;
@@ -84,7 +77,7 @@ void tst_hangingends::systemBusIsSilent()
         QVERIFY(bus.listen(address));
         MUST(scenario::streamImage(program));
         QTRY_VERIFY(bus.hasPendingConnections());
-        MUST(end(program, desktop));
+        MUST(end(program));
         MUST(program.waitForPromptExit(exitCode));
         MUST(attempts.judge(program, scenario::seeGivenBack(program)));
     }
@@ -92,7 +85,7 @@ void tst_hangingends::systemBusIsSilent()
 
 void tst_hangingends::unitCannotBeClosed()
 {
-    QFETCH(End, end);
+    QFETCH(Deed, end);
     QFETCH(int, exitCode);
     Desktop desktop;
     MUST(desktop.start());
@@ -100,7 +93,7 @@ void tst_hangingends::unitCannotBeClosed()
     program.preload(TALVEX_SILENT_CLOSE);
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::declineOffer(program));
-    MUST(end(program, desktop));
+    MUST(end(program));
     MUST(program.waitForPromptExit(exitCode));
     QVERIFY(!scenario::journal(program).contains("closed"));
 }

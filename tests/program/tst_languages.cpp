@@ -1,33 +1,19 @@
 // The shipped program where the user's language writes numbers with other digits than 0 to 9.
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/easternlocales.h"
 
 #include <QtTest>
 
-class tst_languages : public QObject
+class tst_languages : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void digits_data();
     void digits();
-
-private:
-    Desktop desktop;
-    UpdateServer server;
 };
-
-void tst_languages::initTestCase()
-{
-    MUST(desktop.start());
-    MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(6000), scenario::changeLog));
-}
 
 void tst_languages::digits_data()
 {
@@ -39,6 +25,7 @@ void tst_languages::digits_data()
 void tst_languages::digits()
 {
     QFETCH(QString, locale);
+    MUST(scenario::publish(server, "image"));
     Program program(desktop);
     program.setVariable("LC_ALL", locale);
     MUST(scenario::startWithUnit(program, server.proxy()));
@@ -49,8 +36,7 @@ void tst_languages::digits()
     MUST(program.waitForText("progressBarUpdate", "0%"));
     MUST(scenario::connectAndDownload(program)); // the offer's versions are among its texts
     MUST(program.waitForText("progressBarTransfer", "100%"));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
+    MUST(scenario::leave(program));
     QCOMPARE(program.errorOutput(), QString());
 }
 

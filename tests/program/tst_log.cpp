@@ -1,23 +1,16 @@
 // The unit's log, from the keys that offer it to the stored file.
 
-#include "tests/harness/program.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/silentserver.h"
 #include "tests/support/texts.h"
-
-#include <X11/keysym.h>
 
 #include <QtTest>
 
 namespace {
 
 constexpr int logSize = 30'000; ///< 477 parts
-
-Outcome pressLogKeys(Program& program)
-{
-    return program.pressKeys({XK_Control_L, XK_Shift_L, XK_l});
-}
 
 /// The log that the program stored; nothing: not exactly one file of that kind is there.
 std::optional<QByteArray> storedLog(const Program& program)
@@ -36,20 +29,15 @@ QStringList complaints(const Program& program)
     return scenario::journal(program).filter(QRegularExpression("^error "));
 }
 
-BoxText completeBox()
-{
-    return infoBox(text::logComplete);
-}
+const BoxText completeBox = infoBox(text::logComplete);
 
 } // namespace
 
-class tst_log : public QObject
+class tst_log : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void everyKindOfLayout_data();
     void everyKindOfLayout();
     void refusedLog();
@@ -64,32 +52,21 @@ private slots:
     void earlierLogsStay();
 
 private:
-    Outcome begin(Program& program, const QString& fault, const models::Model& model = models::hb4);
+    Outcome download(Program& program, const QString& fault, const models::Model& model = models::hb4);
 
-    Desktop desktop;
-    QTemporaryDir folder;
-    QByteArray log;
+    const QByteArray log = imageOf(logSize);
 };
 
-void tst_log::initTestCase()
-{
-    log = imageOf(logSize);
-    QVERIFY(writeFile(folder.filePath("unit.log"), log));
-    MUST(desktop.start());
-}
-
 /// Connects a unit that holds the log, and starts its download.
-Outcome tst_log::begin(Program& program, const QString& fault, const models::Model& model)
+Outcome tst_log::download(Program& program, const QString& fault, const models::Model& model)
 {
     STEP(program.placeFile(filename::service, "image")); // so that no server is asked
-    program.plugIn(
-        {scenario::unitOptions(program, model.option, ",log=" + folder.filePath("unit.log") + fault)});
+    const QString held = program.scratchPath("unit.log");
+    if (!writeFile(held, log))
+        return Outcome("cannot write " + held);
+    program.plugIn({scenario::unitOptions(program, model.option, ",log=" + held + fault)});
     STEP(program.start());
-    STEP(scenario::connectUnit(program, model.connected));
-    STEP(program.waitForNoBox());
-    STEP(pressLogKeys(program));
-    STEP(program.waitFor("the log button", offersLog));
-    STEP(program.press("downloadLogFile"));
+    STEP(scenario::askForLog(program, model.connected));
     return program.waitFor("the download's buttons", [](const View& view) {
         return !view.enabled("downloadLogFile") && view.widget("stopDownloadingFile")["visible"].toBool();
     });
@@ -106,14 +83,13 @@ void tst_log::everyKindOfLayout()
 {
     QFETCH(UnitType, type);
     Program program(desktop);
-    MUST(begin(program, {}, models::of(type)));
-    MUST(program.waitForBox(completeBox()));
+    MUST(download(program, {}, models::of(type)));
+    MUST(program.waitForBox(completeBox));
     const View view = program.look();
     QCOMPARE(view.value("progressBarTransfer"), 0);
     QVERIFY(!view.enabled("stopDownloadingFile"));
     QVERIFY(view.enabled("updateDeviceButton"));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, completeBox));
     QCOMPARE(storedLog(program), std::optional(log));
     QCOMPARE(complaints(program), QStringList());
     QCOMPARE(program.errorOutput(), QString());
@@ -122,10 +98,8 @@ void tst_log::everyKindOfLayout()
 void tst_log::refusedLog()
 {
     Program program(desktop);
-    MUST(begin(program, ",fault=no-log"));
-    MUST(program.waitForBox(completeBox()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(download(program, ",fault=no-log"));
+    MUST(scenario::seeLastBox(program, completeBox));
     QCOMPARE(storedLog(program), std::optional(QByteArray("")));
     QCOMPARE(complaints(program), QStringList());
 }
@@ -146,10 +120,8 @@ void tst_log::oddLog()
 {
     QFETCH(bool, whole);
     Program program(desktop);
-    MUST(begin(program, QString(",fault=") + QTest::currentDataTag()));
-    MUST(program.waitForBox(completeBox()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(download(program, QString(",fault=") + QTest::currentDataTag()));
+    MUST(scenario::seeLastBox(program, completeBox));
     const QByteArray stored = storedLog(program).value_or("no file");
     QVERIFY(stored.startsWith(log.left(logSize / 63 * 63)));
     QCOMPARE(stored == log, whole);
@@ -170,7 +142,7 @@ void tst_log::stoppedLog()
     QFETCH(int, stored);
     QFETCH(int, percent);
     Program program(desktop);
-    MUST(begin(program, QString(",fault=") + QTest::currentDataTag()));
+    MUST(download(program, QString(",fault=") + QTest::currentDataTag()));
     const auto stands = [&](const View& view) {
         return view.value("progressBarTransfer") == percent && view.enabled("stopDownloadingFile") &&
                !view.enabled("updateDeviceButton");
@@ -178,16 +150,14 @@ void tst_log::stoppedLog()
     MUST(program.waitFor("the download at its halt", stands));
     MUST(program.staysAway("an end by itself", [&](const View& view) { return !stands(view); }));
     MUST(program.press("stopDownloadingFile"));
-    MUST(program.waitForBox(completeBox()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, completeBox));
     QCOMPARE(storedLog(program), std::optional(log.left(stored)));
 }
 
 void tst_log::closedInMidLog()
 {
     Program program(desktop);
-    MUST(begin(program, ",fault=header-never-comes"));
+    MUST(download(program, ",fault=header-never-comes"));
     MUST(scenario::leave(program));
 }
 
@@ -221,7 +191,7 @@ void tst_log::keysOfferNothing()
         MUST(program.waitFor("the update's beginning",
                              [](const View& view) { return !view.enabled("updateDeviceButton"); }));
     }
-    MUST(pressLogKeys(program));
+    MUST(scenario::pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog));
     MUST(scenario::leave(program));
 }
@@ -232,7 +202,7 @@ void tst_log::keysOfferNothingWhileTheServerIsAsked()
     SilentServer silent;
     Program program(desktop);
     MUST(scenario::askSilentServer(program, silent));
-    MUST(pressLogKeys(program));
+    MUST(scenario::pressLogKeys(program));
     MUST(program.staysAway("the log button", offersLog));
     MUST(scenario::leave(program));
 }

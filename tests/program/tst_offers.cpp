@@ -1,7 +1,6 @@
 // What the server offers: nothing newer, a firmware, a newer updater; and what it fails to hand out.
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
@@ -15,8 +14,8 @@ Outcome placeFakeOpener(const Program& program)
 {
     const QString script = program.scratchPath("xdg-open");
     const QByteArray noted = program.scratchPath("opened").toUtf8();
-    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"" + noted + ".part\"\nmv \"" + noted +
-                            ".part\" \"" + noted + "\"\n";
+    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"" + noted + ".part\"\nmv \"" +
+                            noted + ".part\" \"" + noted + "\"\n";
     const bool isThere =
         writeFile(script, text) &&
         QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -25,13 +24,11 @@ Outcome placeFakeOpener(const Program& program)
 
 } // namespace
 
-class tst_offers : public QObject
+class tst_offers : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void unitIsUpToDate();
     void declinedOfferChangesNothing();
     void updaterOfferIsHandedToTheBrowser_data();
@@ -46,22 +43,13 @@ private slots:
 private:
     Outcome publishUpdater(const QByteArray& path = "/bin/updater.zip");
 
-    Desktop desktop;
-    UpdateServer server;
-    QByteArray image;
+    const QByteArray image = imageOf(60'000);
 };
-
-void tst_offers::initTestCase()
-{
-    image = imageOf(60'000);
-    MUST(desktop.start());
-    MUST(server.start());
-}
 
 /// A catalogue with a newer updater, and a newer firmware that must not be offered before it.
 Outcome tst_offers::publishUpdater(const QByteArray& path)
 {
-    STEP(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    STEP(scenario::publish(server, image));
     STEP(server.publish("/logs/updater.txt", "New window."));
     QByteArray catalogue =
         catalogueOf("HB4", scenario::offeredVersion, QString("http://%1/bin/HB4.sb").arg(updateHost),
@@ -73,7 +61,7 @@ Outcome tst_offers::publishUpdater(const QByteArray& path)
 
 void tst_offers::unitIsUpToDate()
 {
-    MUST(publishFirmware(server, "HB4", QString::number(scenario::unitVersion), image, scenario::changeLog));
+    MUST(scenario::publish(server, image, QString::number(scenario::unitVersion)));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectUnit(program));
@@ -86,7 +74,7 @@ void tst_offers::unitIsUpToDate()
 
 void tst_offers::declinedOfferChangesNothing()
 {
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
     server.forgetRequests();
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
@@ -126,8 +114,7 @@ void tst_offers::updaterOfferIsHandedToTheBrowser()
     const QString noted = program.scratchPath("opened");
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
     QCOMPARE(QString(contentOf(noted)), QString("1\nhttp://%1%2\n").arg(updateHost, QString(handedOver)));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, infoBox(text::handOver)));
 }
 
 void tst_offers::updaterOfferDeclined()
@@ -138,8 +125,7 @@ void tst_offers::updaterOfferDeclined()
     program.putFirstInPath(program.scratchPath(""));
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::declineOffer(program));
-    const auto boxOpen = [](const View& view) { return view.boxCount() != 0; };
-    MUST(program.staysAway("another offer", boxOpen));
+    MUST(program.staysAway("another offer", &View::hasBox));
     QVERIFY(!QFile::exists(program.scratchPath("opened")));
     MUST(scenario::leave(program));
 }
@@ -157,34 +143,24 @@ void tst_offers::missingOnTheServer()
 {
     QFETCH(QString, path);
     QFETCH(bool, offered);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
     server.withdraw(path);
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program));
-    if (offered) {
-        MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-        MUST(program.answer("Yes"));
-    }
-    MUST(program.waitForBox(scenario::networkProblemBox()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(offered ? scenario::acceptAnyOffer(program) : scenario::connectUnit(program));
+    MUST(scenario::seeLastBox(program, scenario::networkProblemBox));
     QVERIFY(!program.fileContent(filename::image));
 }
 
 void tst_offers::imageThatCannotBeSaved()
 {
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
     Program program(desktop);
     MUST(program.placeFile(filename::image, "an older image"));
     QVERIFY(QDir().mkpath(program.ownPath(filename::download) + "/in the way"));
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-    MUST(program.answer("Yes"));
-    MUST(program.waitForBox(errorBox(QString(text::savingProblem) + '\n' + text::savingAdvice)));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::acceptAnyOffer(program));
+    MUST(scenario::seeLastBox(program, errorBox(QString(text::savingProblem) + '\n' + text::savingAdvice)));
     QVERIFY(!program.fileContent(filename::image)); // an older image must never be taken for the new one
 }
 
@@ -203,14 +179,12 @@ void tst_offers::announcedSize()
     QFETCH(int, size);
     QFETCH(bool, isReported);
     const QByteArray large = imageOf(size);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, large, scenario::changeLog));
+    MUST(scenario::publish(server, large));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-    MUST(program.answer("Yes"));
+    MUST(scenario::acceptAnyOffer(program));
     if (isReported) {
-        MUST(program.waitForBox(scenario::networkProblemBox()));
+        MUST(program.waitForBox(scenario::networkProblemBox));
         MUST(program.staysAway("a second box", [](const View& view) { return view.boxCount() != 1; }));
         MUST(program.answer("Ok"));
     } else {

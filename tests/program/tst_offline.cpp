@@ -1,51 +1,37 @@
 // Without a server.
 
-#include "tests/harness/program.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
 
-class tst_offline : public QObject
+class tst_offline : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void noServer();
     void localImageIsInstalledWithoutServer();
-
-private:
-    Desktop desktop;
-    QByteArray image;
 };
-
-void tst_offline::initTestCase()
-{
-    image = imageOf(60'000);
-    MUST(desktop.start());
-}
 
 void tst_offline::noServer()
 {
     Program program(desktop);
     MUST(scenario::startWithUnit(program, scenario::deadProxy));
     MUST(scenario::connectUnit(program));
-    MUST(program.waitForBox(scenario::networkProblemBox()));
+    MUST(scenario::seeLastBox(program, scenario::networkProblemBox));
     QVERIFY2(program.errorOutput().contains("Error by download info file"),
              qPrintable(program.errorOutput()));
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
 }
 
 void tst_offline::localImageIsInstalledWithoutServer()
 {
+    const QByteArray image = imageOf(60'000);
     Program program(desktop);
     MUST(program.placeFile(filename::service, image));
     MUST(scenario::startWithUnit(program, scenario::deadProxy));
-    MUST(scenario::connectUnit(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::updateByHand(program));
     MUST(scenario::seeFinished(program));
     QCOMPARE(scenario::receivedImage(program), image);
     QCOMPARE(scenario::journal(program), scenario::faultlessJournal(image));

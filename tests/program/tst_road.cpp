@@ -1,7 +1,6 @@
 // The whole road of an update, from Connect to "Update: finished".
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/texts.h"
 
@@ -14,13 +13,11 @@ constexpr std::array sizes{1, 59, 60, 61, 120, 6000};
 
 } // namespace
 
-class tst_road : public QObject
+class tst_road : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void everyModel_data();
     void everyModel();
     void secondRunKeepsTheFirstImage();
@@ -28,16 +25,7 @@ private slots:
 
 private:
     void expectRequests(const QString& stem);
-
-    Desktop desktop;
-    UpdateServer server;
 };
-
-void tst_road::initTestCase()
-{
-    MUST(desktop.start());
-    MUST(server.start());
-}
 
 void tst_road::expectRequests(const QString& stem)
 {
@@ -93,34 +81,28 @@ void tst_road::secondRunKeepsTheFirstImage()
 {
     const QByteArray first = imageOf(61);
     const QByteArray second = imageOf(120);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, second, scenario::changeLog));
+    MUST(scenario::publish(server, second));
 
     Program program(desktop);
-    program.setVariable("http_proxy", server.proxy());
-    program.plugIn({scenario::unitOptions(program, "hb4")});
     MUST(program.placeFile(filename::image, first));
     MUST(program.placeFile(filename::backup, "the image before that"));
-    MUST(program.start());
+    MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectAndDownload(program));
     QCOMPARE(program.fileContent(filename::image), second);
     QCOMPARE(program.fileContent(filename::backup), first);
     QVERIFY(!QFile::exists(program.ownPath(filename::download)));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_road::largeImage()
 {
     // 100000 packets, not quite one a millisecond: the bar is on its way for so long that nobody misses it.
-    const QByteArray image = imageOf(6'000'000);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    const QByteArray image = imageOf(scenario::longOnItsWay);
+    MUST(scenario::publish(server, image));
 
     Program program(desktop);
-    program.setVariable("http_proxy", server.proxy());
-    program.plugIn({scenario::unitOptions(program, "hb4")});
-    MUST(program.start());
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::startWithUnit(program, server.proxy()));
+    MUST(scenario::pressUpdate(program));
     MUST(program.waitForText("labelTransfer", text::transferInProgress));
     const auto underWay = [](const View& view) {
         const int percent = view.value("progressBarTransfer");

@@ -1,7 +1,6 @@
 // The window on screens of other resolutions, and with the fonts of a user who sees badly.
 
-#include "tests/harness/program.h"
-#include "tests/support/texts.h"
+#include "tests/program/scenario.h"
 
 #include <QtTest>
 
@@ -21,11 +20,6 @@ QRect times(const QRect& rect, double factor)
 {
     return {qRound(rect.x() * factor), qRound(rect.y() * factor), qRound(rect.width() * factor),
             qRound(rect.height() * factor)};
-}
-
-unsigned long idOf(const View& view)
-{
-    return view.window()["winId"].toString().toULong();
 }
 
 } // namespace
@@ -75,15 +69,12 @@ void tst_scaling::resolution()
     MUST(program.start());
     const View view = program.look();
     const QRect window = times(QRect({}, layoutSize), factor);
-    QCOMPARE(desktop.screen().sizeOf(idOf(view)), window.size());
+    QCOMPARE(desktop.screen().sizeOf(view.mainWindow()), window.size());
     QCOMPARE(placeOf(view.widget("centralWidget")), window);
     QCOMPARE(placeOf(view.widget("progressBarUpdate")), times(layoutOfBar, factor));
     QCOMPARE(placeOf(view.widget("stopDownloadingFile")), times(layoutOfStop, factor));
-    MUST(program.press("connect_button")); // the mouse hits what is seen
-    MUST(program.waitForBox(errorBox(text::notFound)));
-    MUST(program.answer("Ok"));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
+    MUST(scenario::connectInVain(program)); // the mouse hits what is seen
+    MUST(scenario::leave(program));
 }
 
 void tst_scaling::largeFont()
@@ -102,10 +93,8 @@ void tst_scaling::largeFont()
     // The row of buttons ends within the window.
     const QRect row = placeOf(view.widget("layoutWidget"));
     const QRect button = placeOf(view.widget("connect_button")).translated(row.topLeft());
-    QVERIFY(QRect(QPoint(), desktop.screen().sizeOf(idOf(view))).contains(button));
-    MUST(program.press("connect_button"));
-    MUST(program.waitForBox(errorBox(text::notFound)));
-    MUST(program.answer("Ok"));
+    QVERIFY(QRect(QPoint(), desktop.screen().sizeOf(view.mainWindow())).contains(button));
+    MUST(scenario::connectInVain(program));
 }
 
 void tst_scaling::otherScreen_data()
@@ -134,7 +123,7 @@ void tst_scaling::otherScreen()
     Program program(desktop);
     program.setVariable("QT_SCREEN_SCALE_FACTORS", "1;2");
     MUST(program.start());
-    const unsigned long window = idOf(program.look());
+    const unsigned long window = program.look().mainWindow();
     XScreen& screen = desktop.screen();
     QTRY_COMPARE(screen.sizeOf(window), onFirst);
     screen.move(window, {1500, 100});
@@ -174,7 +163,7 @@ void tst_scaling::screensOfTheirOwn()
     program.setVariable("QT_SCREEN_SCALE_FACTORS", factors.replace("%1", desktop.name()));
     MUST(program.start());
     const View view = program.look();
-    QTRY_COMPARE(desktop.screen().sizeOf(idOf(view)), size);
+    QTRY_COMPARE(desktop.screen().sizeOf(view.mainWindow()), size);
     QCOMPARE(placeOf(view.widget("progressBarUpdate")), layoutOfBar);
 }
 

@@ -1,7 +1,6 @@
 // The program with a catalogue key: an update whose catalogue is signed, and what it makes of other answers.
 
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/signer.h"
@@ -26,12 +25,11 @@ QByteArray catalogueFor(const QByteArray& image, const QString& version = scenar
 } // namespace
 Q_DECLARE_METATYPE(BoxText)
 
-class tst_signed : public QObject
+class tst_signed : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
 
     void update();
@@ -44,22 +42,20 @@ private slots:
     void imageSwappedBeforeThePress();
 
 private:
+    Outcome begin() override;
     Outcome publish(const QByteArray& catalogue);
-    Outcome seeProblem(Program& program, const BoxText& box);
 
-    Desktop desktop;
-    UpdateServer server;
     const Signer signer{QString(TALVEX_SIGNING_KEY)};
     const QByteArray image = imageOf(6000);
 };
 
-void tst_signed::initTestCase()
+Outcome tst_signed::begin()
 {
-    QVERIFY2(QFile::exists(TALVEX_SIGNED_PROGRAM), "scripts/test.sh tests builds " TALVEX_SIGNED_PROGRAM);
+    if (!QFile::exists(TALVEX_SIGNED_PROGRAM))
+        return Outcome("scripts/test.sh tests builds " TALVEX_SIGNED_PROGRAM);
     qputenv("TALVEX_TEST_PROGRAM", TALVEX_SIGNED_PROGRAM);
-    MUST(desktop.start());
-    MUST(server.start());
-    MUST(server.publish(changeLogPath, scenario::changeLog));
+    STEP(ServedProgramTest::begin());
+    return server.publish(changeLogPath, scenario::changeLog);
 }
 
 void tst_signed::init()
@@ -74,14 +70,6 @@ Outcome tst_signed::publish(const QByteArray& catalogue)
 {
     STEP(server.publish(cataloguePath, catalogue));
     return server.publish(signaturePath, signer.sign(catalogue));
-}
-
-/// The problem's box, and the end of the program behind it.
-Outcome tst_signed::seeProblem(Program& program, const BoxText& box)
-{
-    STEP(program.waitForBox(box));
-    STEP(program.answer("Ok"));
-    return program.waitForPromptExit(0);
 }
 
 void tst_signed::update()
@@ -114,7 +102,7 @@ void tst_signed::refusedAnswer_data()
         << notGenuine;
     QTest::newRow("signature by a stranger") << good << Signer().sign(good) << notGenuine;
     QTest::newRow("empty signature") << good << QByteArray("") << notGenuine;
-    QTest::newRow("unsigned") << good << QByteArray() << scenario::networkProblemBox();
+    QTest::newRow("unsigned") << good << QByteArray() << scenario::networkProblemBox;
 }
 
 void tst_signed::refusedAnswer()
@@ -131,7 +119,7 @@ void tst_signed::refusedAnswer()
     MUST(program.placeFile(filename::image, "an older image"));
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectUnit(program));
-    MUST(seeProblem(program, box));
+    MUST(scenario::seeLastBox(program, box));
     QCOMPARE(server.requests().size(), 2);
     QCOMPARE(program.fileContent(filename::image), std::optional<QByteArray>("an older image"));
 }
@@ -146,7 +134,7 @@ void tst_signed::redirectToOtherBytes()
     Program program(desktop);
     MUST(scenario::startWithUnit(program, raw.address({})));
     MUST(scenario::connectUnit(program));
-    MUST(seeProblem(program, notGenuine));
+    MUST(scenario::seeLastBox(program, notGenuine));
     QCOMPARE(raw.paths(), (QStringList{cataloguePath, "/other", signaturePath}));
 }
 
@@ -158,15 +146,14 @@ void tst_signed::nextRunWorks()
         Program program(desktop);
         MUST(scenario::startWithUnit(program, server.proxy()));
         MUST(scenario::connectUnit(program));
-        MUST(seeProblem(program, notGenuine));
+        MUST(scenario::seeLastBox(program, notGenuine));
     }
     MUST(server.publish(cataloguePath, good));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, server.proxy()));
     MUST(scenario::connectAndDownload(program));
     QCOMPARE(program.fileContent(filename::image), std::optional(image));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_signed::olderCatalogueOffersNothing()
@@ -177,8 +164,7 @@ void tst_signed::olderCatalogueOffersNothing()
     MUST(scenario::connectUnit(program));
     MUST(program.waitForBox(infoBox(text::upToDate)));
     MUST(program.answer("Ok"));
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 void tst_signed::alteredImage()
@@ -187,13 +173,11 @@ void tst_signed::alteredImage()
     Program program(desktop);
     MUST(program.placeFile(filename::image, "an older image"));
     MUST(scenario::startWithUnit(program, server.proxy()));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-    MUST(program.answer("Yes"));
+    MUST(scenario::acceptAnyOffer(program));
     MUST(program.waitForBox(damaged));
     QVERIFY(!program.look().enabled("updateDeviceButton"));
     QCOMPARE(scenario::journal(program), QStringList{"opened"});
-    MUST(seeProblem(program, damaged));
+    MUST(scenario::seeLastBox(program, damaged));
     QCOMPARE(program.fileContent(filename::image), std::optional<QByteArray>("an older image"));
     QVERIFY(!program.fileContent(filename::download) && !program.fileContent(filename::backup));
 }
@@ -209,8 +193,7 @@ void tst_signed::imageSwappedBeforeThePress()
     MUST(program.answer("Ok"));
     MUST(program.waitForNoBox());
     QCOMPARE(scenario::journal(program), QStringList{"opened"});
-    MUST(program.closeWindow());
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::leave(program));
 }
 
 QTEST_GUILESS_MAIN(tst_signed)

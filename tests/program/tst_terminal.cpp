@@ -2,24 +2,20 @@
 // back.
 
 #include "tests/harness/attempts.h"
-#include "tests/harness/program.h"
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 
 #include <QtTest>
 
 #include <csignal>
 
-using State = Outcome (*)(Program&);
+using scenario::Deed;
 
-Q_DECLARE_METATYPE(State)
-
-class tst_terminal : public QObject
+class tst_terminal : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void cleanup() { program.reset(); }
 
     void closed_data();
@@ -27,25 +23,22 @@ private slots:
     void closedBehindAShell();
 
 private:
-    Outcome begin(const QString& fault = {});
+    Outcome begin() override;
+    Outcome start(const QString& fault = {});
 
-    Desktop desktop;
-    UpdateServer server;
     std::unique_ptr<Terminal> terminal;
     std::unique_ptr<Program> program;
 };
 
-void tst_terminal::initTestCase()
+Outcome tst_terminal::begin()
 {
     (void)std::signal(SIGHUP, SIG_DFL); // or the program would inherit it ignored, as under nohup
-    MUST(desktop.start());
-    MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
-                         scenario::changeLog));
+    STEP(ServedProgramTest::begin());
+    return scenario::publish(server, imageOf(scenario::longOnItsWay));
 }
 
 /// Starts the program in a terminal of its own.
-Outcome tst_terminal::begin(const QString& fault)
+Outcome tst_terminal::start(const QString& fault)
 {
     terminal = std::make_unique<Terminal>();
     if (terminal->programsEnd() < 0)
@@ -57,16 +50,16 @@ Outcome tst_terminal::begin(const QString& fault)
 
 void tst_terminal::closed_data()
 {
-    QTest::addColumn<State>("reach");
-    QTest::newRow("idle") << State(scenario::declineOffer);
-    QTest::newRow("in the middle of the transfer") << State(scenario::streamImage);
+    QTest::addColumn<Deed>("reach");
+    QTest::newRow("idle") << Deed(scenario::declineOffer);
+    QTest::newRow("in the middle of the transfer") << Deed(scenario::streamImage);
 }
 
 void tst_terminal::closed()
 {
-    QFETCH(State, reach);
+    QFETCH(Deed, reach);
     for (Attempts attempts; attempts.wantsAnother();) {
-        MUST(begin());
+        MUST(start());
         MUST(reach(*program));
         program->watchEnd();
         terminal->close();
@@ -80,7 +73,7 @@ void tst_terminal::closed()
 /// blocked keeps it there.
 void tst_terminal::closedBehindAShell()
 {
-    MUST(begin(",fault=takes-nothing:60000,fault=takes-nothing-from:1"));
+    MUST(start(",fault=takes-nothing:60000,fault=takes-nothing-from:1"));
     MUST(scenario::pressUpdate(*program));
     QTRY_VERIFY(scenario::journal(*program).contains("not-taken"));
     program->sendSignal(SIGHUP);

@@ -91,7 +91,7 @@ void tst_window::icon()
 {
     QFETCH(int, size);
     const QRgb arrow = qRgb(0xd9, 0x48, 0x0f);
-    for (const QImage& image : desktop.screen().icons(view.window()["winId"].toString().toULong())) {
+    for (const QImage& image : desktop.screen().icons(view.mainWindow())) {
         if (image.width() != size)
             continue;
         QCOMPARE(image.height(), size);
@@ -133,8 +133,7 @@ void tst_window::controls()
 void tst_window::onlyConnectResponds()
 {
     MUST(program->clickOn("updateDeviceButton"));
-    const auto boxOpen = [](const View& now) { return now.boxCount() != 0; };
-    MUST(program->staysAway("a box after Update Device", boxOpen));
+    MUST(program->staysAway("a box after Update Device", &View::hasBox));
     QVERIFY(!program->look().targetOfWidget("downloadLogFile")); // not to be seen, so not to be clicked
     QVERIFY(!program->look().targetOfWidget("stopDownloadingFile"));
     MUST(scenario::connectInVain(*program));

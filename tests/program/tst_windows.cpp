@@ -65,22 +65,19 @@ void tst_windows::initTestCase()
     image = imageOf(smallSize);
     MUST(desktop.start({"-screen", "0", "1600x1200x24"}));
     MUST(server.start());
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
 }
 
 Outcome tst_windows::update(Program& program)
 {
     STEP(scenario::startWithUnit(program, server.proxy()));
-    STEP(scenario::connectAndDownload(program));
-    STEP(program.press("updateDeviceButton"));
+    STEP(scenario::pressUpdate(program));
     return scenario::seeFinished(program);
 }
 
 Outcome tst_windows::failToSave(Program& program)
 {
-    STEP(scenario::connectUnit(program));
-    STEP(program.waitForBox(offerBox(scenario::offerText(), scenario::changeLog)));
-    STEP(program.answer("Yes"));
+    STEP(scenario::acceptAnyOffer(program));
     STEP(program.waitFor("the problem", [](const View& view) {
         return view.box().has_value() && view.box()->text.startsWith(text::savingProblem);
     }));
@@ -148,15 +145,12 @@ void tst_windows::browserGetsTheAddress()
     const QString explorer = wine::windowsPath("explorer.exe");
     QFile::remove(explorer);
     QVERIFY(QFile::copy(standIn, explorer));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitFor("the offer", [](const View& view) { return view.boxCount() == 1; }));
-    MUST(program.answer("Yes"));
+    MUST(scenario::acceptAnyOffer(program));
     MUST(program.waitForBox(infoBox(text::handOver)));
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
     QCOMPARE(QString::fromUtf8(contentOf(noted)).toLower(),
              QString(R"(c:\windows\explorer.exe  "http://%1%2")").arg(updateHost, handedOver).toLower());
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, infoBox(text::handOver)));
 }
 
 void tst_windows::staysAwakeDuringAnUpdate()
@@ -193,16 +187,13 @@ void tst_windows::sessionEnds()
     QFETCH(bool, underABox);
     UpdateServer own;
     MUST(own.start());
-    MUST(publishFirmware(own, "HB4", scenario::offeredVersion, imageOf(scenario::longOnItsWay),
-                         scenario::changeLog));
+    MUST(scenario::publish(own, imageOf(scenario::longOnItsWay)));
     Program program(desktop);
     MUST(scenario::startWithUnit(program, own.proxy()));
     if (streams)
         MUST(scenario::streamImage(program));
-    if (underABox) {
-        MUST(program.press("connect_button"));
-        MUST(program.waitFor("a box", [](const View& view) { return view.boxCount() == 1; }));
-    }
+    if (underABox)
+        MUST(scenario::seeOffer(program));
     MUST(wine::run({"wineboot", "--end-session"}));
     MUST(program.waitForPromptExit(0));
     QVERIFY(program.hasQuit());
@@ -217,9 +208,7 @@ void tst_windows::proxyScriptCannotBeHad()
     program.plugIn({scenario::unitOptions(program, "hb4")});
     MUST(program.start());
     MUST(scenario::connectUnit(program));
-    MUST(program.waitForBox(scenario::networkProblemBox())); // without a proxy, the host is unknown
-    MUST(program.answer("Ok"));
-    MUST(program.waitForPromptExit(0));
+    MUST(scenario::seeLastBox(program, scenario::networkProblemBox)); // without a proxy, the host is unknown
 }
 
 /// Windows lets no user write to its Program Files.

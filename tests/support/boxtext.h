@@ -19,6 +19,13 @@ struct BoxText
 
     /// "Critical|Error|text|Ok": the parts that every box has.
     [[nodiscard]] QString line() const { return (QStringList{icon, title, text} + buttons).join('|'); }
+
+    /// All of it, for a failed test's message.
+    [[nodiscard]] QString describe() const
+    {
+        return QString(R"([%1] "%2" "%3" "%4" details "%5" buttons %6 default "%7")")
+            .arg(icon, title, text, informative, detailed, buttons.join('|'), defaultButton);
+    }
 };
 
 /// An information box with one Ok button.

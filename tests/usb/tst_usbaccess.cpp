@@ -1,7 +1,7 @@
 // An ordinary user at a unit on a real bus. Somebody else has plugged the unit in: its journal and image are
 // in the directory that TALVEX_TEST_UNIT names (unit.journal, unit.image).
 
-#include "tests/harness/updateserver.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
@@ -11,27 +11,25 @@
 
 #include <unistd.h>
 
-class tst_usbaccess : public QObject
+class tst_usbaccess : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void withoutAccess();
     void withAccess();
 
 private:
-    Desktop desktop;
-    UpdateServer server;
+    Outcome begin() override;
 };
 
-void tst_usbaccess::initTestCase()
+Outcome tst_usbaccess::begin()
 {
-    QVERIFY2(geteuid() != 0, "this is a test of what an ordinary user sees");
-    QCOMPARE(PluggedUnits::nodes().size(), 1);
-    MUST(desktop.start());
-    MUST(server.start());
+    if (geteuid() == 0)
+        return Outcome("this is a test of what an ordinary user sees");
+    if (PluggedUnits::nodes().size() != 1)
+        return Outcome("not one unit plugged in: " + PluggedUnits::nodes().join(' '));
+    return ServedProgramTest::begin();
 }
 
 void tst_usbaccess::withoutAccess()
@@ -41,8 +39,7 @@ void tst_usbaccess::withoutAccess()
     MUST(program.start());
     for (int press = 1; press <= 2; ++press)
         MUST(scenario::connectInVain(program));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
+    MUST(scenario::closeAndWait(program));
     const QStringList lines = program.errorOutput().split('\n'); // one for each press
     QCOMPARE(lines.size(), 2);
     for (const QString& line : lines)
@@ -52,13 +49,12 @@ void tst_usbaccess::withoutAccess()
 void tst_usbaccess::withAccess()
 {
     const QByteArray image = imageOf(6000);
-    MUST(publishFirmware(server, "HB4", scenario::offeredVersion, image, scenario::changeLog));
+    MUST(scenario::publish(server, image));
     Program program(desktop);
     useRealBus(program);
     program.setVariable("http_proxy", server.proxy());
     MUST(program.start());
-    MUST(scenario::connectAndDownload(program));
-    MUST(program.press("updateDeviceButton"));
+    MUST(scenario::pressUpdate(program));
     MUST(scenario::seeFinished(program));
     QVERIFY(contentOf(qEnvironmentVariable("TALVEX_TEST_UNIT") + "/unit.image") == image);
 }

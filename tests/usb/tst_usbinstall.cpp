@@ -32,6 +32,13 @@ constexpr const char* deafUdevadm =
 constexpr const char* notices = "libhidapi-libusb0, Debian version 0.13.1-1\n    lib/libhidapi-libusb.so.0\n"
                                 "libqt5core5t64, Debian version 5.15.15\nlibxcb1, Debian version 1.15\n";
 
+/// The script said what is wrong, and that it did not do everything.
+void expectFailure(const ScriptRun& run, const QString& complaint)
+{
+    QVERIFY2(run.says(complaint), qPrintable(run.output));
+    QCOMPARE(run.code, 1);
+}
+
 } // namespace
 
 class tst_usbinstall : public QObject
@@ -48,8 +55,8 @@ private slots:
     void inUse_data();
     void inUse();
     void supportReport();
-    void readOnlyMenu();
-    void fullMenu();
+    void menu_data();
+    void menu();
     void readOnlyFolder();
     void smallFolder();
     void reason_data();
@@ -153,9 +160,7 @@ void tst_usbinstall::inUse()
     QFETCH(QString, name);
     OtherProgram other;
     MUST(other.hold(flavour));
-    const ScriptRun installed = run(installScript);
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("in use by a program: " + name + ": close it"), qPrintable(installed.output));
+    expectFailure(run(installScript), "in use by a program: " + name + ": close it");
     MUST(other.letGo());
     QVERIFY(!run(installScript).says("in use"));
 }
@@ -184,37 +189,31 @@ void tst_usbinstall::supportReport()
     QVERIFY(!report.says("with libxcb1"));
 }
 
-void tst_usbinstall::readOnlyMenu()
+void tst_usbinstall::menu_data()
 {
-    environment.insert("XDG_DATA_HOME", place + "/readonly/data");
-    const ScriptRun installed = run(installScript);
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: cannot create the folder of " + place + "/readonly/data/applications/"),
-             qPrintable(installed.output));
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("readonly") << "cannot create the folder of ";
+    QTest::newRow("full") << "cannot write ";
 }
 
-void tst_usbinstall::fullMenu()
+/// Its entries belong into a file system that does not take them.
+void tst_usbinstall::menu()
 {
-    environment.insert("XDG_DATA_HOME", place + "/full");
-    const ScriptRun installed = run(installScript);
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: cannot write " + place + "/full/applications/"),
-             qPrintable(installed.output));
-    QVERIFY(QDir(place + "/full/applications").isEmpty());
+    QFETCH(QString, complaint);
+    const QString data = place + '/' + QTest::currentDataTag();
+    environment.insert("XDG_DATA_HOME", data);
+    expectFailure(run(installScript), "FAILED: " + complaint + data + "/applications/");
+    QVERIFY(QDir(data + "/applications").isEmpty());
 }
 
 void tst_usbinstall::readOnlyFolder()
 {
-    const ScriptRun installed = runIn(place + "/readonly/updater");
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: it cannot be written to."), qPrintable(installed.output));
+    expectFailure(runIn(place + "/readonly/updater"), "FAILED: it cannot be written to.");
 }
 
 void tst_usbinstall::smallFolder()
 {
-    const ScriptRun installed = runIn(place + "/small/updater");
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("kB are free there, and an update may need"), qPrintable(installed.output));
+    expectFailure(runIn(place + "/small/updater"), "kB are free there, and an update may need");
     QVERIFY(!QFile::exists(place + "/small/updater/.write-test"));
 }
 
@@ -244,9 +243,7 @@ void tst_usbinstall::reason()
 void tst_usbinstall::removalDenied()
 {
     QVERIFY(writeCommand("sudo", deniedSudo));
-    const ScriptRun removed = run(installScript, {"--remove"});
-    QCOMPARE(removed.code, 1);
-    QVERIFY2(removed.says("FAILED: the rule was not removed.\n"), qPrintable(removed.output));
+    expectFailure(run(installScript, {"--remove"}), "FAILED: the rule was not removed.\n");
     QVERIFY(QFile::exists(rule));
 }
 
@@ -269,9 +266,7 @@ void tst_usbinstall::deviceManagerDeaf()
     QVERIFY(writeCommand("sudo", obedientSudo));
     QVERIFY(writeCommand("udevadm", deafUdevadm));
     const ScriptRun installed = run(installScript);
-    QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: the rule is installed, but not applied yet: unplug the unit"),
-             qPrintable(installed.output));
+    expectFailure(installed, "FAILED: the rule is installed, but not applied yet: unplug the unit");
     QCOMPARE(installed.output.count("was not yet applied to this unit: unplug it"), 2);
     QCOMPARE(contentOf(rule), contentOf(base->filePath("updater/share/70-talvex-updater.rules")));
     QCOMPARE(QFile::permissions(rule) & (QFile::WriteGroup | QFile::WriteOther | QFile::ReadOther),

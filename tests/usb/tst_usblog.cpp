@@ -1,12 +1,11 @@
 // A unit's log, downloaded over a real bus.
 
 #include "tests/harness/waiting.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
-
-#include <X11/keysym.h>
 
 #include <QtTest>
 
@@ -19,7 +18,7 @@ constexpr int looksAtAStall = 300; ///< a log of few parts is over in some ten
 bool seesTheEnd(Program& program)
 {
     for (int looks = 0; looks < looksAtAStall; ++looks) {
-        if (program.look().box().has_value())
+        if (program.look().hasBox())
             return true;
         letOthersRun();
     }
@@ -28,26 +27,17 @@ bool seesTheEnd(Program& program)
 
 } // namespace
 
-class tst_usblog : public QObject
+class tst_usblog : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void wholeLog_data();
     void wholeLog();
 
 private:
     void pullLog(bool& isStored);
-
-    Desktop desktop;
 };
-
-void tst_usblog::initTestCase()
-{
-    MUST(desktop.start());
-}
 
 void tst_usblog::wholeLog_data()
 {
@@ -86,9 +76,7 @@ void tst_usblog::pullLog(bool& isStored)
     PluggedUnits units;
     MUST(units.plugIn({scenario::unitOptions(program, models::of(type).option, ",log=" + logPath + more)}));
     MUST(program.start());
-    MUST(scenario::connectUnit(program, models::of(type).connected));
-    MUST(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
-    MUST(program.press("downloadLogFile"));
+    MUST(scenario::askForLog(program, models::of(type).connected));
     const bool isStalled = !seesTheEnd(program);
     if (isStalled)
         MUST(program.press("stopDownloadingFile"));

@@ -1,10 +1,8 @@
 // Units on a real bus are found, named and read, and given back afterwards; others are left alone.
 
-#include "tests/harness/updateserver.h"
 #include "tests/harness/waiting.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
-#include "tests/support/models.h"
-#include "tests/support/texts.h"
 #include "tests/usb/otherprogram.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -13,12 +11,6 @@
 namespace {
 
 constexpr bool allModels = TALVEX_USB_ALL_MODELS;
-
-Outcome close(Program& program)
-{
-    STEP(program.closeWindow());
-    return program.waitForExit(0);
-}
 
 /// Presses Connect until the unit is found: with libusb, a program that is running hears of a new unit from
 /// the device manager, and on a busy machine that may be after the kernel's own device file is there.
@@ -39,30 +31,18 @@ Outcome connectOnceHeardOf(Program& program, const QString& message)
 
 } // namespace
 
-class tst_usbmodels : public QObject
+class tst_usbmodels : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void everyModel_data();
     void everyModel();
     void otherNameIsLeftAlone();
     void unitPluggedInLater();
     void heldByAnotherProgram_data();
     void heldByAnotherProgram();
-
-private:
-    Desktop desktop;
-    UpdateServer server;
 };
-
-void tst_usbmodels::initTestCase()
-{
-    MUST(desktop.start());
-    MUST(server.start());
-}
 
 void tst_usbmodels::everyModel_data()
 {
@@ -86,7 +66,7 @@ void tst_usbmodels::everyModel()
     MUST(scenario::connectUnit(program, connection.message()));
     MUST(program.waitForBox(offerBox(scenario::offerText(), scenario::changeLog)));
     MUST(program.answer("No"));
-    MUST(close(program));
+    MUST(scenario::closeAndWait(program));
     MUST(units.seeGivenBack());
     QCOMPARE(program.errorOutput(), QString());
     for (const models::Model& unit : connection.units) {
@@ -106,7 +86,7 @@ void tst_usbmodels::otherNameIsLeftAlone()
     MUST(program.start());
     MUST(scenario::connectInVain(program));
     QCOMPARE(PluggedUnits::nodes(), nodes); // the system's driver was not taken off it
-    MUST(close(program));
+    MUST(scenario::closeAndWait(program));
     QCOMPARE(scenario::journal(program), QStringList());
 }
 
@@ -125,7 +105,7 @@ void tst_usbmodels::unitPluggedInLater()
     PluggedUnits after;
     MUST(after.plugIn({unit}));
     MUST(connectOnceHeardOf(program, models::plt70.connected));
-    MUST(close(program));
+    MUST(scenario::closeAndWait(program));
     MUST(after.seeGivenBack());
 }
 
@@ -154,7 +134,7 @@ void tst_usbmodels::heldByAnotherProgram()
         MUST(other.letGo());
     }
     MUST(scenario::connectUnit(program));
-    MUST(close(program));
+    MUST(scenario::closeAndWait(program));
     MUST(other.letGo());
     MUST(units.seeGivenBack());
 }

@@ -1,16 +1,17 @@
 // A unit that vanishes from a real bus, or lives on there without taking anything: the program neither
 // crashes nor spins, its window can be used, and it ends cleanly.
 
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 #include "tests/usb/pluggedunits.h"
 
-#include <X11/keysym.h>
-
 #include <QtTest>
 
 #include <csignal>
+
+using scenario::Deed;
 
 namespace {
 
@@ -20,7 +21,6 @@ constexpr int highestLoad = 75;
 constexpr int mostLooks = 5;
 
 constexpr int shortImage = 6000;
-constexpr int longImage = 6'000'000; ///< on its way for more than a minute
 constexpr const char* longInstallation = ",install-ms=3600000";
 
 /// Each step writes, and once more after a failure: so long does the HID library wait for a unit. Nothing
@@ -28,22 +28,14 @@ constexpr const char* longInstallation = ",install-ms=3600000";
 /// defect.
 constexpr int longestStepMs = 2200;
 
-using State = Outcome (*)(Program&);
-
 Outcome connectOnly(Program& program)
 {
     return scenario::connectUnit(program);
 }
 
-Outcome pressUpdate(Program& program)
-{
-    STEP(connectOnly(program));
-    return program.press("updateDeviceButton");
-}
-
 Outcome awaitAnswer(Program& program)
 {
-    STEP(pressUpdate(program));
+    STEP(scenario::updateByHand(program));
     return program.waitFor("the request at the unit", [&](const View&) {
         return !scenario::journal(program).filter(QRegularExpression("^unanswered")).isEmpty();
     });
@@ -51,21 +43,19 @@ Outcome awaitAnswer(Program& program)
 
 Outcome streamImage(Program& program)
 {
-    STEP(pressUpdate(program));
+    STEP(scenario::updateByHand(program));
     return scenario::awaitStream(program);
 }
 
 Outcome install(Program& program)
 {
-    STEP(pressUpdate(program));
+    STEP(scenario::updateByHand(program));
     return scenario::awaitInstallation(program);
 }
 
 Outcome awaitLogHeader(Program& program)
 {
-    STEP(connectOnly(program));
-    STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
-    STEP(program.press("downloadLogFile"));
+    STEP(scenario::askForLog(program));
     return program.waitFor("the download's button",
                            [](const View& view) { return view.enabled("stopDownloadingFile"); });
 }
@@ -73,22 +63,17 @@ Outcome awaitLogHeader(Program& program)
 /// Nothing is said of it, and the window can be closed.
 Outcome seeQuietEnd(Program& program)
 {
-    STEP(program.staysAway("a box", [](const View& view) { return view.boxCount() != 0; }));
-    STEP(program.closeWindow());
-    return program.waitForExit(0);
+    STEP(program.staysAway("a box", &View::hasBox));
+    return scenario::closeAndWait(program);
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(State)
-
-class tst_usbunplug : public QObject
+class tst_usbunplug : public ProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void unplugged_data();
     void unplugged();
     void vanishesByItself_data();
@@ -100,18 +85,12 @@ private slots:
 
 private:
     static void addWork();
-    Outcome reachRow(Program& program, PluggedUnits& units);
-    Outcome begin(Program& program, PluggedUnits& units, const QString& more, int imageSize = shortImage);
-
-    Desktop desktop;
+    static Outcome reachRow(Program& program, PluggedUnits& units);
+    static Outcome start(Program& program, PluggedUnits& units, const QString& more,
+                         int imageSize = shortImage);
 };
 
-void tst_usbunplug::initTestCase()
-{
-    MUST(desktop.start());
-}
-
-Outcome tst_usbunplug::begin(Program& program, PluggedUnits& units, const QString& more, int imageSize)
+Outcome tst_usbunplug::start(Program& program, PluggedUnits& units, const QString& more, int imageSize)
 {
     useRealBus(program);
     STEP(program.placeFile(filename::service, imageOf(imageSize))); // so that no server is asked
@@ -123,7 +102,7 @@ Outcome tst_usbunplug::begin(Program& program, PluggedUnits& units, const QStrin
 void tst_usbunplug::addWork()
 {
     QTest::addColumn<QString>("more"); // options of the unit
-    QTest::addColumn<State>("reach");
+    QTest::addColumn<Deed>("reach");
     QTest::addColumn<int>("imageSize");
 }
 
@@ -131,21 +110,21 @@ void tst_usbunplug::addWork()
 Outcome tst_usbunplug::reachRow(Program& program, PluggedUnits& units)
 {
     QFETCH(QString, more);
-    QFETCH(State, reach);
+    QFETCH(Deed, reach);
     QFETCH(int, imageSize);
-    STEP(begin(program, units, more, imageSize));
+    STEP(start(program, units, more, imageSize));
     return reach(program);
 }
 
 void tst_usbunplug::unplugged_data()
 {
     addWork();
-    QTest::newRow("idle") << "" << State(connectOnly) << shortImage;
-    QTest::newRow("while an answer is awaited") << ",fault=never-answers" << State(awaitAnswer) << shortImage;
-    QTest::newRow("in the stream") << "" << State(streamImage) << longImage;
-    QTest::newRow("during the installation") << longInstallation << State(install) << shortImage;
+    QTest::newRow("idle") << "" << Deed(connectOnly) << shortImage;
+    QTest::newRow("while an answer is awaited") << ",fault=never-answers" << Deed(awaitAnswer) << shortImage;
+    QTest::newRow("in the stream") << "" << Deed(streamImage) << scenario::longOnItsWay;
+    QTest::newRow("during the installation") << longInstallation << Deed(install) << shortImage;
     QTest::newRow("while a log header is awaited")
-        << ",fault=header-never-comes" << State(awaitLogHeader) << shortImage;
+        << ",fault=header-never-comes" << Deed(awaitLogHeader) << shortImage;
 }
 
 void tst_usbunplug::unplugged()
@@ -165,23 +144,23 @@ void tst_usbunplug::unplugged()
 
 void tst_usbunplug::vanishesByItself_data()
 {
-    QTest::addColumn<State>("reach");
-    QTest::newRow("unplugged-at:1") << State(pressUpdate);
-    QTest::newRow("unplugged-at:5") << State(pressUpdate);
+    QTest::addColumn<Deed>("reach");
+    QTest::newRow("unplugged-at:1") << Deed(scenario::updateByHand);
+    QTest::newRow("unplugged-at:5") << Deed(scenario::updateByHand);
     // The first one: a later one may never come, as the program waits 100 ms for each, too short for a busy
     // host.
-    QTest::newRow("unplugged-at-part:1") << State(awaitLogHeader);
+    QTest::newRow("unplugged-at-part:1") << Deed(awaitLogHeader);
 }
 
 void tst_usbunplug::vanishesByItself()
 {
-    QFETCH(State, reach);
+    QFETCH(Deed, reach);
     QTemporaryDir folder;
     const QString log = folder.filePath("unit.log");
     QVERIFY(writeFile(log, imageOf(shortImage)));
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, ",log=" + log + ",fault=" + QTest::currentDataTag()));
+    MUST(start(program, units, ",log=" + log + ",fault=" + QTest::currentDataTag()));
     MUST(reach(program));
     QTRY_VERIFY(!scenario::journal(program).filter(QRegularExpression("^unplugged")).isEmpty());
     MUST(seeQuietEnd(program));
@@ -192,28 +171,27 @@ void tst_usbunplug::hangsInMidTransfer()
     const bool answersBetweenWrites = flavour() == "libusb"; // hidraw: 5.1 s a write
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, "", longImage));
+    MUST(start(program, units, "", scenario::longOnItsWay));
     MUST(streamImage(program));
     units.freeze();
     // The kernel takes a few more reports, and nothing tells when it has enough of them.
     QTest::qWait(limits::lengthened(longestStepMs));
     for (int looks = 0; answersBetweenWrites && looks < 3; ++looks)
         QVERIFY(program.look().enabled("progressBarTransfer"));
-    MUST(program.closeWindow());
-    MUST(program.waitForExit(0));
+    MUST(scenario::closeAndWait(program));
 }
 
 void tst_usbunplug::endedInMidWork_data()
 {
     addWork();
     QTest::addColumn<int>("signal"); // 0: the window is closed
-    QTest::newRow("window closed, in the stream") << "" << State(streamImage) << longImage << 0;
+    QTest::newRow("window closed, in the stream") << "" << Deed(streamImage) << scenario::longOnItsWay << 0;
     QTest::newRow("window closed, during the installation")
-        << longInstallation << State(install) << shortImage << 0;
-    QTest::newRow("SIGTERM, idle") << "" << State(connectOnly) << shortImage << SIGTERM;
-    QTest::newRow("SIGINT, in the stream") << "" << State(streamImage) << longImage << SIGINT;
+        << longInstallation << Deed(install) << shortImage << 0;
+    QTest::newRow("SIGTERM, idle") << "" << Deed(connectOnly) << shortImage << SIGTERM;
+    QTest::newRow("SIGINT, in the stream") << "" << Deed(streamImage) << scenario::longOnItsWay << SIGINT;
     QTest::newRow("SIGHUP, during the installation")
-        << longInstallation << State(install) << shortImage << SIGHUP;
+        << longInstallation << Deed(install) << shortImage << SIGHUP;
 }
 
 /// The unit stays plugged in, and the system has it again.
@@ -236,7 +214,7 @@ void tst_usbunplug::endedBySignalInABlockedWrite()
 {
     Program program(desktop);
     PluggedUnits units;
-    MUST(begin(program, units, "", longImage));
+    MUST(start(program, units, "", scenario::longOnItsWay));
     MUST(streamImage(program));
     units.freeze();
     QTest::qWait(limits::lengthened(longestStepMs));

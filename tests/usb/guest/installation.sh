@@ -46,7 +46,7 @@ testInstallation() {
         "$runner" tst_installscript "$function"
     done
     plugInFor "$folder"
-    for function in withoutRule installation inUse supportReport readOnlyMenu fullMenu readOnlyFolder smallFolder; do
+    for function in withoutRule installation inUse supportReport menu readOnlyFolder smallFolder; do
         "$runner" tst_usbinstall "$function" "${asUser[@]}"
     done
     chmod 600 "$(unitNodes | grep /bus/)" # which also masks what the device manager has granted
