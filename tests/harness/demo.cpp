@@ -79,26 +79,27 @@ Outcome Demo::update(const QString& proxy, const QString& unit)
     return program.waitForExit(0);
 }
 
-/// As far as the offer, without a picture.
+/// Without a picture; seeOffer() goes on as far as the offer.
 Outcome Demo::connectUnit()
 {
     STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
-    STEP(program.answer("Ok"));
-    return program.waitFor("the offer", [](const View& view) {
-        return view.box().has_value() && view.box()->buttons.contains("Yes");
-    });
+    STEP(program.waitForBox(infoBox(models::hb4.connected)));
+    return program.answer("Ok");
+}
+
+Outcome Demo::seeOffer()
+{
+    STEP(connectUnit());
+    return program.waitFor("the offer", &View::hasBox);
 }
 
 Outcome Demo::seeConnection()
 {
     STEP(program.press("connect_button"));
-    STEP(program.waitFor("the connected unit", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("the connected unit", &View::hasBox));
     STEP(keepPictureOfBox("connected"));
     STEP(program.answer("Ok"));
-    STEP(program.waitFor("the offer", [](const View& view) {
-        return view.box().has_value() && view.box()->buttons.contains("Yes");
-    }));
+    STEP(program.waitFor("the offer", &View::hasBox));
     return keepPictureOfBox("offered");
 }
 
@@ -124,7 +125,7 @@ Outcome Demo::seeInstallation()
     STEP(program.waitFor("the installation", installing));
     STEP(keepPicture("installing"));
     STEP(program.waitForText("labelUpdate", text::updateFinished));
-    STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("the last box", &View::hasBox));
     STEP(keepPictureOfBox("finished"));
     return program.answer("Ok");
 }
@@ -132,7 +133,7 @@ Outcome Demo::seeInstallation()
 Outcome Demo::offerLog(const QString& proxy, const QString& unit)
 {
     STEP(open(proxy, {unit}));
-    STEP(connectUnit());
+    STEP(seeOffer());
     STEP(program.answer("No"));
     STEP(program.waitForNoBox());
     STEP(program.pressKeys({XK_Control_L, XK_Shift_L, XK_l}));
@@ -145,7 +146,7 @@ Outcome Demo::pullLog(const QString& proxy, const QString& unit, const QString& 
     STEP(offerLog(proxy, unit));
     STEP(keepPictureAtRest("log-offered"));
     STEP(seeHalfOfLog());
-    STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("the last box", &View::hasBox));
     STEP(keepPictureOfBox("log-complete"));
     STEP(program.answer("Ok"));
     STEP(program.waitForExit(0));
@@ -168,7 +169,7 @@ Outcome Demo::stopLog(const QString& proxy, const QString& unit)
     STEP(offerLog(proxy, unit));
     STEP(program.press("downloadLogFile"));
     STEP(program.press("stopDownloadingFile"));
-    STEP(program.waitFor("the last box", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("the last box", &View::hasBox));
     return keepPictureOfBox("log-stopped");
 }
 
@@ -177,7 +178,7 @@ Outcome Demo::seeDownload(const QString& unit)
 {
     HalfServer server;
     STEP(open(server.address(), {unit}));
-    STEP(connectUnit());
+    STEP(seeOffer());
     STEP(program.answer("Yes"));
     STEP(program.waitFor("half of the image", [](const View& view) {
         const int percent = view.value("progressBarTransfer"); // at first still that of the change log
@@ -190,7 +191,7 @@ Outcome Demo::seeFirstBox(const QString& stage, const QString& proxy, const QStr
 {
     STEP(open(proxy, units));
     STEP(program.press("connect_button"));
-    STEP(program.waitFor("a box", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("a box", &View::hasBox));
     return keepPictureOfBox(stage);
 }
 
@@ -198,9 +199,7 @@ Outcome Demo::seeFirstBox(const QString& stage, const QString& proxy, const QStr
 Outcome Demo::seeProblem(const QString& unit)
 {
     STEP(open("http://127.0.0.1:1", {unit}));
-    STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
-    STEP(program.answer("Ok"));
+    STEP(connectUnit());
     STEP(program.waitForBox(errorBox(QString(text::networkProblem) + '\n')));
     return keepPictureOfBox("problem");
 }
@@ -208,7 +207,7 @@ Outcome Demo::seeProblem(const QString& unit)
 Outcome Demo::seeChangeLog(const QString& proxy, const QString& unit)
 {
     STEP(open(proxy, {unit}));
-    STEP(connectUnit());
+    STEP(seeOffer());
     const QString details = "Show Details...";
     STEP(program.waitFor("the button " + details, [&](const View& view) {
         const std::optional<Target> target = view.targetOfButton(details);
@@ -225,22 +224,18 @@ Outcome Demo::seeRefusal(const QString& stage, const QString& unit, bool isImage
     const QString image = filename::service;
     STEP(program.placeFile(image, QByteArray(600, 'i')));
     STEP(open({}, {unit}));
-    STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
-    STEP(program.answer("Ok"));
+    STEP(connectUnit());
     if (!isImageThere)
         QFile::remove(program.ownPath(image));
     STEP(program.press("updateDeviceButton"));
-    STEP(program.waitFor("a box", [](const View& view) { return view.box().has_value(); }));
+    STEP(program.waitFor("a box", &View::hasBox));
     return keepPictureOfBox(stage);
 }
 
 Outcome Demo::seeLatest(const QString& proxy)
 {
     STEP(open(proxy, {"hb4,version=99"}));
-    STEP(program.press("connect_button"));
-    STEP(program.waitForBox(infoBox(models::of(UNIT_HB4).connected)));
-    STEP(program.answer("Ok"));
+    STEP(connectUnit());
     STEP(program.waitForBox(infoBox(text::upToDate)));
     return keepPictureOfBox("latest");
 }
@@ -249,6 +244,6 @@ Outcome Demo::seeUpdaterOffer(const QString& unit)
 {
     HalfServer server(updater::next);
     STEP(open(server.address(), {unit}));
-    STEP(connectUnit());
+    STEP(seeOffer());
     return keepPictureOfBox("updater-offered");
 }

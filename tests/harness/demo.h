@@ -32,6 +32,7 @@ private:
     Outcome open(const QString& proxy, const QStringList& units);
     Outcome offerLog(const QString& proxy, const QString& unit);
     Outcome connectUnit();
+    Outcome seeOffer();
     Outcome seeConnection();
     Outcome seeHalfOfLog();
     Outcome seeTransfer();
