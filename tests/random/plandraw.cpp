@@ -4,7 +4,6 @@
 #include "tests/support/models.h"
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -52,42 +51,31 @@ void addUnitFault(Draw& draw, virtualunit::Options& unit, int packets)
         Fault fault;
         int lowest;
         int highest;
-        int weight;
     };
-    const std::array rows{Row{Fault::CannotOpen, 0, 0, 1},
-                          Row{Fault::NoPermission, 0, 0, 1},
-                          Row{Fault::NoVersionReport, 0, 0, 1},
-                          Row{Fault::TakesNothing, 1, 15, 2},
-                          Row{Fault::UnpluggedAt, 1, packets + 2, 5},
-                          Row{Fault::NeverAnswers, 0, 0, 2},
-                          Row{Fault::RefusesTimeout, 0, 0, 6},
-                          Row{Fault::RefusesSkipped, 0, 0, 6},
-                          Row{Fault::LosesPacket, 1, packets, 6},
-                          Row{Fault::WrongDigest, 0, 0, 6},
-                          Row{Fault::RejectsImage, 0, 0, 6},
-                          Row{Fault::InstallationFails, 0, 0, 4},
-                          Row{Fault::SilentInstallation, 0, 0, 2},
-                          Row{Fault::NoLog, 0, 0, 2},
-                          Row{Fault::HeaderNeverComes, 0, 0, 1},
-                          Row{Fault::WrongCount, 1, 9, 2},
-                          Row{Fault::TooManyParts, 1, 9, 2},
-                          Row{Fault::ZeroParts, 0, 0, 2},
-                          Row{Fault::StrayReplies, 1, 20, 2},
-                          Row{Fault::UnknownReplies, 1, 20, 2},
-                          Row{Fault::StallsAfterPart, 0, 9, 1},
-                          Row{Fault::OverlongLastPart, 0, 255, 2},
-                          Row{Fault::UnpluggedAtPart, 1, 9, 2}};
-    int total = 0;
-    for (const Row& row : rows)
-        total += row.weight;
-    int left = draw.below(total);
-    for (const Row& row : rows) {
-        left -= row.weight;
-        if (left < 0) {
-            unit.faults.add(row.fault, draw.between(row.lowest, row.highest));
-            return;
-        }
-    }
+    const Row row = draw.weighted<Row>({{{Fault::CannotOpen, 0, 0}, 1},
+                                        {{Fault::NoPermission, 0, 0}, 1},
+                                        {{Fault::NoVersionReport, 0, 0}, 1},
+                                        {{Fault::TakesNothing, 1, 15}, 2},
+                                        {{Fault::UnpluggedAt, 1, packets + 2}, 5},
+                                        {{Fault::NeverAnswers, 0, 0}, 2},
+                                        {{Fault::RefusesTimeout, 0, 0}, 6},
+                                        {{Fault::RefusesSkipped, 0, 0}, 6},
+                                        {{Fault::LosesPacket, 1, packets}, 6},
+                                        {{Fault::WrongDigest, 0, 0}, 6},
+                                        {{Fault::RejectsImage, 0, 0}, 6},
+                                        {{Fault::InstallationFails, 0, 0}, 4},
+                                        {{Fault::SilentInstallation, 0, 0}, 2},
+                                        {{Fault::NoLog, 0, 0}, 2},
+                                        {{Fault::HeaderNeverComes, 0, 0}, 1},
+                                        {{Fault::WrongCount, 1, 9}, 2},
+                                        {{Fault::TooManyParts, 1, 9}, 2},
+                                        {{Fault::ZeroParts, 0, 0}, 2},
+                                        {{Fault::StrayReplies, 1, 20}, 2},
+                                        {{Fault::UnknownReplies, 1, 20}, 2},
+                                        {{Fault::StallsAfterPart, 0, 9}, 1},
+                                        {{Fault::OverlongLastPart, 0, 255}, 2},
+                                        {{Fault::UnpluggedAtPart, 1, 9}, 2}});
+    unit.faults.add(row.fault, draw.between(row.lowest, row.highest));
 }
 
 void drawUnits(Draw& draw, Plan& plan, bool healthy)

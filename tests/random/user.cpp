@@ -93,7 +93,8 @@ void User::strike()
 
 void User::look()
 {
-    readBoxes();
+    if (lines.size() != static_cast<qsizetype>(boxes.seen().size()))
+        lines = boxes.lines();
     seen.handleOpen = virtualbus::openHandles() > 0;
     seen.logEndTold = lines.contains(boxline::logComplete);
     const bool imageAsked =
@@ -107,12 +108,6 @@ void User::look()
     if (!endedIt)
         lookAtControls();
     lookForTheEnd();
-}
-
-void User::readBoxes()
-{
-    if (lines.size() != static_cast<qsizetype>(boxes.seen().size()))
-        lines = boxes.lines();
 }
 
 void User::lookAtControls()

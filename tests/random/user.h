@@ -32,7 +32,6 @@ private:
     void turn();
     void strike();
     void look();
-    void readBoxes();
     void lookAtControls();
     void lookForTheEnd();
     [[nodiscard]] bool isBored();

@@ -3,27 +3,10 @@
 
 namespace {
 
-const ByPhase carriesOn{
-    {Phase::search, outcome::updated},       {Phase::catalogue, outcome::updated},
-    {Phase::changeLog, outcome::updated},    {Phase::download, outcome::updated},
-    {Phase::request, outcome::updated},      {Phase::stream, outcome::updated},
-    {Phase::installation, outcome::updated}, {Phase::logHeader, outcome::wholeLog},
-    {Phase::logParts, outcome::wholeLog},    {Phase::quit, outcome::updated},
-};
-const ByPhase isGone{
-    {Phase::search, outcome::goneBefore},         {Phase::catalogue, outcome::goneBefore},
-    {Phase::changeLog, outcome::goneBefore},      {Phase::download, outcome::goneBefore},
-    {Phase::request, outcome::goneInUpdate},      {Phase::stream, outcome::goneInUpdate},
-    {Phase::installation, outcome::goneInUpdate}, {Phase::logHeader, outcome::goneBeforeLog},
-    {Phase::logParts, outcome::goneInLog},        {Phase::quit, outcome::goneInUpdate},
-};
-/// As when the window is closed.
-ByPhase endOfSession()
-{
-    ByPhase all = endsAtOnce;
-    all.emplace_back(Phase::quit, outcome::updated);
-    return all;
-}
+const ByPhase carriesOn =
+    atAnyTime(outcome::updated, outcome::updated, outcome::wholeLog, outcome::wholeLog, outcome::updated);
+const ByPhase isGone = atAnyTime(outcome::goneBefore, outcome::goneInUpdate, outcome::goneBeforeLog,
+                                 outcome::goneInLog, outcome::goneInUpdate);
 
 constexpr long day = 24L * 60 * 60; ///< s
 constexpr int napMs = 700;
@@ -31,13 +14,8 @@ constexpr int napMs = 700;
 FaultRow row(const char* name, Scenario (*road)(Phase), const ByPhase& expected,
              const std::function<void()>& fault)
 {
-    FaultRow row{
-        "computer", name, "this phase is a single step; the phases before and after it cover it", {}};
-    for (const auto& [phase, outcome] : expected) {
-        row.cells.push_back({road(phase), outcome});
-        row.cells.back().scenario.fault = [fault](Journey&) { fault(); };
-    }
-    return row;
+    return rowOf("computer", name, "this phase is a single step; the phases before and after it cover it",
+                 road, expected, [fault](Journey&) { fault(); });
 }
 
 FaultRow kill()
@@ -61,7 +39,8 @@ std::vector<FaultRow> computerFaults()
         row("sleeps and wakes up", roadTo, carriesOn, [] { computer::suspend(napMs); }),
         row("sets its clock back by a day", roadTo, carriesOn, [] { computer::setClock(-day); }),
         row("sets its clock forward by a day", roadTo, carriesOn, [] { computer::setClock(day); }),
-        row("ends the session (SIGTERM)", longRoadTo, endOfSession(), [] { computer::endSession(); }),
+        row("ends the session (SIGTERM)", longRoadTo, endsAtOnce(outcome::updated),
+            [] { computer::endSession(); }),
         kill(),
         {"computer",
          "is about to fall asleep by itself",
@@ -77,6 +56,17 @@ std::vector<FaultRow> computerFaults()
          {{Phase::request, "a line on standard error says so; all runs behind this page are made without one",
            "tst_sleepinhibitor::withoutABusALineIsWritten"}}},
     };
+}
+
+FaultRow rowOf(const char* group, const char* name, const char* elsewhere, Scenario (*road)(Phase),
+               const ByPhase& expected, const std::function<void(Journey&)>& fault)
+{
+    FaultRow row{group, name, elsewhere, {}};
+    for (const auto& [phase, outcome] : expected) {
+        row.cells.push_back({road(phase), outcome});
+        row.cells.back().scenario.fault = fault;
+    }
+    return row;
 }
 
 std::vector<FaultRow> allFaults()

@@ -24,14 +24,31 @@ struct FaultRow
 /// The outcome of one fault in each phase in which it is tested.
 using ByPhase = std::vector<std::pair<Phase, Outcome>>;
 
+/// The outcomes of a fault that may come at any time: before the unit is updated, while it is, in the two
+/// phases of a log, and, if told, at the end of an update.
+[[nodiscard]] inline ByPhase atAnyTime(const Outcome& before, const Outcome& inUpdate,
+                                       const Outcome& logHeader, const Outcome& logParts,
+                                       const std::optional<Outcome>& quit = {})
+{
+    ByPhase all{{Phase::search, before},         {Phase::catalogue, before},    {Phase::changeLog, before},
+                {Phase::download, before},       {Phase::request, inUpdate},    {Phase::stream, inUpdate},
+                {Phase::installation, inUpdate}, {Phase::logHeader, logHeader}, {Phase::logParts, logParts}};
+    if (quit)
+        all.emplace_back(Phase::quit, *quit);
+    return all;
+}
+
 /// The outcomes when the program is told to end.
-inline const ByPhase endsAtOnce{
-    {Phase::search, outcome::closedBefore},         {Phase::catalogue, outcome::closedBefore},
-    {Phase::changeLog, outcome::closedBefore},      {Phase::download, outcome::closedBefore},
-    {Phase::request, outcome::closedInUpdate},      {Phase::stream, outcome::closedInUpdate},
-    {Phase::installation, outcome::closedInUpdate}, {Phase::logHeader, outcome::closedBeforeLog},
-    {Phase::logParts, outcome::closedInLog},
-};
+[[nodiscard]] inline ByPhase endsAtOnce(const std::optional<Outcome>& quit = {})
+{
+    return atAnyTime(outcome::closedBefore, outcome::closedInUpdate, outcome::closedBeforeLog,
+                     outcome::closedInLog, quit);
+}
+
+/// A row of journeys on this road that have these outcomes.
+[[nodiscard]] FaultRow rowOf(const char* group, const char* name, const char* elsewhere,
+                             Scenario (*road)(Phase), const ByPhase& expected,
+                             const std::function<void(Journey&)>& fault);
 
 /// More writes than any journey makes, so that all later writes fail (virtualbus::failNextWrites).
 inline constexpr int allWrites = 1000000000;
