@@ -22,9 +22,11 @@ Window of(MainWindow& window)
             window.installationBoxes};
 }
 
-void findDevice(MainWindow& window, hid_device_info* record, int& result)
+int findDevice(MainWindow& window, hid_device_info* record)
 {
+    int result = -1;
     window.findDevice(record, result);
+    return result;
 }
 
 Checker of(UpdateChecker& checker)

@@ -66,9 +66,8 @@ struct Window
 };
 [[nodiscard]] Window of(MainWindow& window);
 
-/// Handles a record as the search does: leaves the result unchanged, or sets it to 0 if the unit was opened
-/// and to 1 if it was not.
-void findDevice(MainWindow& window, hid_device_info* record, int& result);
+/// Handles a record as the search does. Returns 0 if the unit was opened and 1 if it was not; -1: neither.
+[[nodiscard]] int findDevice(MainWindow& window, hid_device_info* record);
 
 struct Checker
 {

@@ -35,6 +35,13 @@ std::shared_ptr<ScriptedUnit> ScriptedUnit::plugInWithoutPath(UnitType type)
     return unit;
 }
 
+std::shared_ptr<ScriptedUnit> ScriptedUnit::plugInReporting(UnitType type)
+{
+    auto unit = plugIn(type);
+    unit->say(Bytes(64, 0));
+    return unit;
+}
+
 void ScriptedUnit::plugIn(const std::shared_ptr<ScriptedUnit>& unit, UnitType type)
 {
     attach(unit, type, recordOf(type, models::of(type).product()));
@@ -121,4 +128,12 @@ QStringList callsToUnits()
         if (!call.function.starts_with("hid_enumerate") && !call.function.starts_with("hid_free"))
             lines += QString::fromStdString(lineOf(call));
     return lines;
+}
+
+std::vector<std::string> openings()
+{
+    std::vector<std::string> paths;
+    for (const virtualbus::Call& call : virtualbus::callsOf("hid_open_path"))
+        paths.push_back(call.path);
+    return paths;
 }

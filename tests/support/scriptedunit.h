@@ -33,6 +33,9 @@ public:
     /// The same, listed without a path to open it by.
     [[nodiscard]] static std::shared_ptr<ScriptedUnit> plugInWithoutPath(UnitType type);
 
+    /// The same, with a first report of zeros.
+    static std::shared_ptr<ScriptedUnit> plugInReporting(UnitType type);
+
     /// Plugs in an existing unit.
     static void plugIn(const std::shared_ptr<ScriptedUnit>& unit, UnitType type);
 
@@ -85,6 +88,9 @@ private:
 
 /// The hidapi calls, except those of the search, one line each.
 [[nodiscard]] QStringList callsToUnits();
+
+/// The paths by which units were opened, or not, in order.
+[[nodiscard]] std::vector<std::string> openings();
 
 [[nodiscard]] inline Bytes bytesOf(const QByteArray& bytes)
 {

@@ -15,25 +15,13 @@ std::vector<int> enumeratedProducts()
     return products;
 }
 
-/// Those of the models up to this one.
-std::vector<int> productsUpTo(UnitType last)
+/// Those of the models up to this one, or of all.
+std::vector<int> productsUpTo(UnitType last = models::all.back().type)
 {
     std::vector<int> products;
     for (int type = 0; type <= last; ++type)
         products.push_back(models::of(type).productId);
     return products;
-}
-
-/// Those of all models.
-std::vector<int> allProducts()
-{
-    return productsUpTo(models::all.back().type);
-}
-
-std::string openedPath()
-{
-    const auto opened = virtualbus::callsOf("hid_open_path");
-    return opened.empty() ? std::string() : opened.back().path;
 }
 
 } // namespace
@@ -52,9 +40,6 @@ private slots:
     void acceptableName();
     void foreignName_data();
     void foreignName();
-    void noProductString();
-    void noPath_data();
-    void noPath();
     void skippedRecordsPrecedeTheTakenOne();
     void firstOfTwoInOneList();
     void lowerModelWins();
@@ -71,7 +56,7 @@ void TestConnection::nothingAttached()
     const QStringList before = window.controls();
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(enumeratedProducts(), allProducts());
+    QCOMPARE(enumeratedProducts(), productsUpTo());
     for (const virtualbus::Call& call : virtualbus::callsOf("hid_enumerate"))
         QCOMPARE(int{call.vendor.value()}, 0x3A5D);
     QCOMPARE(virtualbus::calls().size(), models::all.size()); // and nothing else
@@ -91,8 +76,7 @@ void TestConnection::singleUnit()
 {
     QFETCH(UnitType, type);
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(type);
-    unit->say(Bytes(64, 0));
+    ScriptedUnit::plugInReporting(type);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(type)});
     QCOMPARE(enumeratedProducts(), productsUpTo(type));
@@ -114,8 +98,7 @@ void TestConnection::acceptableName()
 {
     QFETCH(QByteArray, name);
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(UNIT_ZEQ_PRO, name.toStdString());
-    unit->say(Bytes(64, 0));
+    ScriptedUnit::plugIn(UNIT_ZEQ_PRO, name.toStdString())->say(Bytes(64, 0));
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_ZEQ_PRO)});
 }
@@ -140,35 +123,7 @@ void TestConnection::foreignName()
     (void)ScriptedUnit::plugIn(UNIT_HB4, name.toStdString());
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
-}
-
-void TestConnection::noProductString()
-{
-    TestWindow window;
-    (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
-    window.pressConnect();
-    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
-}
-
-void TestConnection::noPath_data()
-{
-    QTest::addColumn<UnitType>("type");
-    QTest::newRow("a single unit") << UNIT_HB4;
-    QTest::newRow("a deck") << UNIT_TRK300_LEFT;
-}
-
-void TestConnection::noPath()
-{
-    QFETCH(UnitType, type);
-    TestWindow window;
-    (void)ScriptedUnit::plugInWithoutPath(type);
-    window.pressConnect();
-    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), std::size_t{0});
-    window.pressConnect(); // which a remembered deck would prevent
-    QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, boxline::notFound}));
+    QCOMPARE(openings().size(), std::size_t{0});
 }
 
 void TestConnection::skippedRecordsPrecedeTheTakenOne()
@@ -176,21 +131,19 @@ void TestConnection::skippedRecordsPrecedeTheTakenOne()
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
     (void)ScriptedUnit::plugIn(UNIT_HB4, "Keyboard");
-    const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
-    unit->say(Bytes(64, 0));
+    const auto unit = ScriptedUnit::plugInReporting(UNIT_HB4);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB4)});
-    QCOMPARE(openedPath(), unit->path());
+    QCOMPARE(openings(), std::vector{unit->path()});
 }
 
 void TestConnection::firstOfTwoInOneList()
 {
     TestWindow window;
     (void)ScriptedUnit::plugIn(UNIT_HB4);
-    const auto first = ScriptedUnit::plugIn(UNIT_HB4); // in the list: the latest comes first there
-    first->say(Bytes(64, 0));
+    const auto first = ScriptedUnit::plugInReporting(UNIT_HB4); // in the list: the latest comes first there
     window.pressConnect();
-    QCOMPARE(openedPath(), first->path());
+    QCOMPARE(openings(), std::vector{first->path()});
     QCOMPARE(virtualbus::openHandles(), 1);
 }
 
@@ -198,11 +151,10 @@ void TestConnection::lowerModelWins()
 {
     TestWindow window;
     const auto plugged = ScriptedUnit::plugIn(UNIT_PLT65);
-    const auto lower = ScriptedUnit::plugIn(UNIT_HB2);
-    lower->say(Bytes(64, 0));
+    const auto lower = ScriptedUnit::plugInReporting(UNIT_HB2);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_HB2)});
-    QCOMPARE(openedPath(), lower->path());
+    QCOMPARE(openings(), std::vector{lower->path()});
     QCOMPARE(virtualbus::openHandles(), 1);
 }
 
@@ -214,7 +166,7 @@ void TestConnection::unitThatCannotBeOpened()
     const QStringList before = window.controls();
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(enumeratedProducts(), allProducts());
+    QCOMPARE(enumeratedProducts(), productsUpTo());
     QCOMPARE(window.controls(), before);
     window.pressLogKey(); // offers nothing of no unit
     QCOMPARE(window.controls(), before);
@@ -223,20 +175,19 @@ void TestConnection::unitThatCannotBeOpened()
 void TestConnection::nextModelAfterOneThatCannotBeOpened()
 {
     TestWindow window;
-    virtualbus::failOpens(ScriptedUnit::plugIn(UNIT_HB4)->number, true);
-    const auto unit = ScriptedUnit::plugIn(UNIT_LMB2);
-    unit->say(Bytes(64, 0));
+    const auto closed = ScriptedUnit::plugIn(UNIT_HB4);
+    virtualbus::failOpens(closed->number, true);
+    const auto unit = ScriptedUnit::plugInReporting(UNIT_LMB2);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_LMB2)});
-    QCOMPARE(openedPath(), unit->path());
+    QCOMPARE(openings(), (std::vector{closed->path(), unit->path()}));
 }
 
 void TestConnection::pressAfterAFailure()
 {
     TestWindow window;
     window.pressConnect();
-    const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
-    unit->say(Bytes(64, 0));
+    ScriptedUnit::plugInReporting(UNIT_HB4);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, boxline::connected(UNIT_HB4)}));
     QVERIFY(!window.button("connect_button").isEnabled());
@@ -245,8 +196,7 @@ void TestConnection::pressAfterAFailure()
 void TestConnection::connectedUnitIsKept()
 {
     TestWindow window;
-    const auto unit = ScriptedUnit::plugIn(UNIT_HB4);
-    unit->say(Bytes(64, 0));
+    ScriptedUnit::plugInReporting(UNIT_HB4);
     window.pressConnect();
     const std::size_t calls = virtualbus::calls().size();
     window.pressConnect(); // Connect is disabled

@@ -12,14 +12,7 @@ namespace {
 
 void plugInClosed(UnitType type)
 {
-    const auto unit = ScriptedUnit::plugIn(type);
-    unit->say(Bytes(64, 0));
-    virtualbus::failOpens(unit->number, true);
-}
-
-void plugInGood(UnitType type)
-{
-    ScriptedUnit::plugIn(type)->say(Bytes(64, 0));
+    virtualbus::failOpens(ScriptedUnit::plugInReporting(type)->number, true);
 }
 
 std::uint16_t productOf(UnitType type)
@@ -37,10 +30,12 @@ QString unopenedLine(UnitType type)
     return seenrecord::lineForUnopened(productOf(type));
 }
 
+using Action = std::function<void()>;
+
 struct Row
 {
     const char* name;
-    std::function<void()> plugIn;
+    Action plugIn;
     QStringList lines; ///< of one press
     int openings;      ///< tried in one press
 };
@@ -96,7 +91,7 @@ const std::vector<Row>& failures()
         {"a pair whose first deck does not open",
          [] {
              plugInClosed(UNIT_TRK900_LEFT);
-             plugInGood(UNIT_TRK900_RIGHT);
+             ScriptedUnit::plugInReporting(UNIT_TRK900_RIGHT);
          },
          {unopenedLine(UNIT_TRK900_LEFT)},
          2},
@@ -105,6 +100,9 @@ const std::vector<Row>& failures()
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Action)
+Q_DECLARE_METATYPE(Row)
 
 /// What the diagnostics say when Connect finds a unit that it cannot have. The box stays the same.
 class TestConnectionDiagnostics : public QObject
@@ -122,16 +120,15 @@ private slots:
 
 void TestConnectionDiagnostics::notFound_data()
 {
-    QTest::addColumn<int>("index");
-    for (int index = 0; index < static_cast<int>(failures().size()); ++index)
-        QTest::newRow(failures()[static_cast<std::size_t>(index)].name) << index;
+    QTest::addColumn<Row>("row");
+    for (const Row& row : failures())
+        QTest::newRow(row.name) << row;
 }
 
 /// The same lines at each press, from the records alone: nothing more is asked of the HID library.
 void TestConnectionDiagnostics::notFound()
 {
-    QFETCH(int, index);
-    const Row& row = failures()[static_cast<std::size_t>(index)];
+    QFETCH(Row, row);
     TestWindow window;
     row.plugIn();
     const LogCapture log;
@@ -146,32 +143,30 @@ void TestConnectionDiagnostics::notFound()
             call.function != "hid_open_path" && call.function != "hid_close")
             ++others;
     QCOMPARE(others, std::size_t{0});
-    QCOMPARE(virtualbus::callsOf("hid_open_path").size(), static_cast<std::size_t>(2 * row.openings));
+    QCOMPARE(openings().size(), static_cast<std::size_t>(2 * row.openings));
     QCOMPARE(virtualbus::openHandles(), 0);
 }
 
 void TestConnectionDiagnostics::connectedAllTheSame_data()
 {
-    QTest::addColumn<int>("others");
+    QTest::addColumn<Action>("plugInBefore");
     QTest::addColumn<QStringList>("lines");
-    QTest::newRow("alone") << 0 << QStringList{};
-    QTest::newRow("behind a record without strings") << 1 << QStringList{namelessHb4};
-    QTest::newRow("behind a record without path") << 2 << QStringList{};
-    QTest::newRow("behind a unit that does not open") << 3 << QStringList{unopenedLine(UNIT_HB4)};
+    const Action nameless = [] { (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt); };
+    const Action pathless = [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4); };
+    const Action closed = [] { plugInClosed(UNIT_HB4); };
+    QTest::newRow("alone") << Action([] {}) << QStringList{};
+    QTest::newRow("behind a record without strings") << nameless << QStringList{namelessHb4};
+    QTest::newRow("behind a record without path") << pathless << QStringList{};
+    QTest::newRow("behind a unit that does not open") << closed << QStringList{unopenedLine(UNIT_HB4)};
 }
 
 void TestConnectionDiagnostics::connectedAllTheSame()
 {
-    QFETCH(int, others);
+    QFETCH(Action, plugInBefore);
     QFETCH(QStringList, lines);
     TestWindow window;
-    plugInGood(UNIT_PLT65);
-    if (others == 1)
-        (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt);
-    else if (others == 2)
-        (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4);
-    else if (others == 3)
-        plugInClosed(UNIT_HB4);
+    ScriptedUnit::plugInReporting(UNIT_PLT65);
+    plugInBefore();
     const LogCapture log;
     window.pressConnect();
     QCOMPARE(linesOf(log), lines);

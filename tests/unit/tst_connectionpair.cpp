@@ -6,22 +6,6 @@
 
 namespace {
 
-std::shared_ptr<ScriptedUnit> plugInDeck(int type)
-{
-    auto deck = ScriptedUnit::plugIn(static_cast<UnitType>(type));
-    deck->say(Bytes(64, 0));
-    return deck;
-}
-
-/// Paths of the successful and failed openings, in order.
-std::vector<std::string> openings()
-{
-    std::vector<std::string> paths;
-    for (const virtualbus::Call& call : virtualbus::callsOf("hid_open_path"))
-        paths.push_back(call.path);
-    return paths;
-}
-
 std::size_t enumerations()
 {
     return virtualbus::callsOf("hid_enumerate").size();
@@ -46,7 +30,6 @@ private slots:
     void pressAfterALoneDeck();
     void loneDeckHidesAHigherModel();
     void firstDeckCannotBeOpened();
-    void pairCannotBeOpened();
     void pressAfterAPairThatCouldNotBeOpened_data();
     void pressAfterAPairThatCouldNotBeOpened();
     void deckSeenFirstAlone();
@@ -69,8 +52,9 @@ void TestConnectionPair::pair()
     QFETCH(UnitType, first);
     QFETCH(UnitType, second);
     TestWindow window;
-    const auto secondFound = plugInDeck(second); // of two in one list the latest comes first
-    const auto firstFound = plugInDeck(first);
+    const auto secondFound =
+        ScriptedUnit::plugInReporting(second); // of two in one list the latest comes first
+    const auto firstFound = ScriptedUnit::plugInReporting(first);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(second)});
     QCOMPARE(enumerations(), static_cast<std::size_t>(second) + 1);
@@ -82,7 +66,7 @@ void TestConnectionPair::pair()
 void TestConnectionPair::deckWithAnotherName()
 {
     TestWindow window;
-    plugInDeck(UNIT_TRK300_LEFT);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
     ScriptedUnit::plugIn(UNIT_TRK300_RIGHT, "HB4")->say(Bytes(64, 0));
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});
@@ -91,9 +75,9 @@ void TestConnectionPair::deckWithAnotherName()
 void TestConnectionPair::singleUnitBeforeTheDecks()
 {
     TestWindow window;
-    plugInDeck(UNIT_TRK300_LEFT);
-    plugInDeck(UNIT_TRK300_RIGHT);
-    const auto single = plugInDeck(UNIT_PLT70);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_RIGHT);
+    const auto single = ScriptedUnit::plugInReporting(UNIT_PLT70);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::connected(UNIT_PLT70)});
     QCOMPARE(openings(), std::vector{single->path()});
@@ -112,7 +96,7 @@ void TestConnectionPair::loneDeck()
     QFETCH(UnitType, type);
     TestWindow window;
     const QStringList before = window.controls();
-    plugInDeck(type);
+    ScriptedUnit::plugInReporting(type);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(enumerations(), models::all.size());
@@ -134,10 +118,10 @@ void TestConnectionPair::pressAfterALoneDeck()
 {
     QFETCH(int, type);
     TestWindow window;
-    plugInDeck(UNIT_TRK300_LEFT);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
     window.pressConnect();
     if (type >= 0)
-        plugInDeck(type);
+        ScriptedUnit::plugInReporting(static_cast<UnitType>(type));
     const std::size_t enumerated = enumerations();
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound}); // that of the first press
@@ -149,8 +133,8 @@ void TestConnectionPair::pressAfterALoneDeck()
 void TestConnectionPair::loneDeckHidesAHigherModel()
 {
     TestWindow window;
-    plugInDeck(UNIT_TRK300_LEFT);
-    plugInDeck(UNIT_PLT65);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
+    ScriptedUnit::plugInReporting(UNIT_PLT65);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
     QCOMPARE(openings().size(), std::size_t{0});
@@ -161,8 +145,8 @@ void TestConnectionPair::loneDeckHidesAHigherModel()
 void TestConnectionPair::firstDeckCannotBeOpened()
 {
     TestWindow window;
-    const auto left = plugInDeck(UNIT_TRK300_LEFT);
-    const auto right = plugInDeck(UNIT_TRK300_RIGHT);
+    const auto left = ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
+    const auto right = ScriptedUnit::plugInReporting(UNIT_TRK300_RIGHT);
     virtualbus::failOpens(left->number, true);
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
@@ -172,17 +156,6 @@ void TestConnectionPair::firstDeckCannotBeOpened()
     QVERIFY(window.button("connect_button").isEnabled());
     window.pressLogKey(); // offers nothing of no unit
     QVERIFY(!window.button("downloadLogFile").isVisible());
-}
-
-void TestConnectionPair::pairCannotBeOpened()
-{
-    TestWindow window;
-    virtualbus::failOpens(plugInDeck(UNIT_TRK300_LEFT)->number, true);
-    virtualbus::failOpens(plugInDeck(UNIT_TRK300_RIGHT)->number, true);
-    window.pressConnect();
-    QCOMPARE(window.boxes.lines(), QStringList{boxline::notFound});
-    QCOMPARE(virtualbus::openHandles(), 0);
-    QVERIFY(window.button("connect_button").isEnabled());
 }
 
 void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened_data()
@@ -200,13 +173,13 @@ void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
     QFETCH(QString, box);
     QFETCH(int, handles);
     TestWindow window;
-    const auto left = plugInDeck(UNIT_TRK300_LEFT);
-    plugInDeck(UNIT_TRK300_RIGHT);
+    const auto left = ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_RIGHT);
     virtualbus::failOpens(left->number, true);
     window.pressConnect();
     virtualbus::failOpens(left->number, false);
     if (type >= 0)
-        plugInDeck(type);
+        ScriptedUnit::plugInReporting(static_cast<UnitType>(type));
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), (QStringList{boxline::notFound, box}));
     QCOMPARE(virtualbus::openHandles(), handles);
@@ -217,8 +190,8 @@ void TestConnectionPair::pressAfterAPairThatCouldNotBeOpened()
 void TestConnectionPair::deckSeenFirstAlone()
 {
     TestWindow window;
-    plugInDeck(UNIT_TRK300_LEFT);
-    virtualbus::failOpens(plugInDeck(UNIT_TRK300_RIGHT)->number, true);
+    ScriptedUnit::plugInReporting(UNIT_TRK300_LEFT);
+    virtualbus::failOpens(ScriptedUnit::plugInReporting(UNIT_TRK300_RIGHT)->number, true);
     expectDiagnostic("Can't read current version\n");
     window.pressConnect();
     QCOMPARE(window.boxes.lines(), QStringList{boxline::pairConnected(UNIT_TRK300_LEFT)});

@@ -13,7 +13,14 @@
 
 namespace {
 
-constexpr int notGiven = -1; // of a result
+/// Has the window try this unit as a model of `type`. Returns the result.
+int find(TestWindow& window, UnitType type, std::string path)
+{
+    hid_device_info record{};
+    record.path = path.data();
+    window.state().unitType = type;
+    return inside::findDevice(*window, &record);
+}
 
 } // namespace
 
@@ -38,22 +45,7 @@ private slots:
     void typeWithoutModel();
     void noRecord();
     void failedOpening();
-
-private:
-    /// Has the window try this unit as a model of `type`. Returns the result.
-    static int find(TestWindow& window, UnitType type, const std::string& path);
 };
-
-int TestIdentification::find(TestWindow& window, UnitType type, const std::string& path)
-{
-    std::string ownPath = path;
-    hid_device_info record{};
-    record.path = ownPath.data();
-    int result = notGiven;
-    window.state().unitType = type;
-    inside::findDevice(*window, &record, result);
-    return result;
-}
 
 void TestIdentification::callsInOrder()
 {
@@ -105,7 +97,6 @@ void TestIdentification::anyReport()
     QFETCH(UnitType, type);
     QFETCH(int, byte);
     TestWindow window;
-    placeServiceFile();
     ScriptedUnit::plugIn(type)->say(Bytes(64, static_cast<std::uint8_t>(byte)));
     window->connectSlot();
     QCOMPARE(int{window.state().currentVersion}, byte);
@@ -220,9 +211,7 @@ void TestIdentification::typeWithoutModel()
 void TestIdentification::noRecord()
 {
     TestWindow window;
-    int result = notGiven;
-    inside::findDevice(*window, nullptr, result);
-    QCOMPARE(result, 1);
+    QCOMPARE(inside::findDevice(*window, nullptr), 1);
     QCOMPARE(callsToUnits(), QStringList{});
     QCOMPARE(window.boxes.lines(), QStringList{});
     QVERIFY(window.button("connect_button").isEnabled());

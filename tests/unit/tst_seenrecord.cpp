@@ -64,6 +64,8 @@ std::vector<hid_device_info> listOf(const QByteArray& letters)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Row)
+
 class TestSeenRecord : public QObject
 {
     Q_OBJECT
@@ -79,15 +81,14 @@ private slots:
 
 void TestSeenRecord::record_data()
 {
-    QTest::addColumn<int>("index");
-    for (int index = 0; index < static_cast<int>(std::size(rows)); ++index)
-        QTest::newRow(rows[index].name) << index;
+    QTest::addColumn<Row>("row");
+    for (const Row& row : rows)
+        QTest::newRow(row.name) << row;
 }
 
 void TestSeenRecord::record()
 {
-    QFETCH(int, index);
-    const Row& row = rows[index];
+    QFETCH(Row, row);
     QCOMPARE(static_cast<int>(seenrecord::kindOf(row.product, row.path)), static_cast<int>(row.kind));
     const auto line = seenrecord::lineForSkipped(hb4, row.product, row.path);
     QCOMPARE(line.has_value(), row.line != nullptr);
