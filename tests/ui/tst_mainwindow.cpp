@@ -34,7 +34,6 @@ private slots:
     void translatedTexts();
     void onlyConnectResponds();
     void logWorker();
-    void handsOverWhatItLeaves();
     void leavesWhatLivesToTheEnd();
     void closedInTheMomentInWhichABoxOpens();
 };
@@ -48,10 +47,6 @@ void TestMainWindow::initTestCase()
 void TestMainWindow::members()
 {
     TestWindow window;
-    QVERIFY(&window.checker() != nullptr);
-    QVERIFY(&window.downloader() != nullptr);
-    QCOMPARE(window.state().updaterFile.fileName(),
-             QCoreApplication::applicationDirPath() + '/' + filename::image);
     QVERIFY(!window.state().updaterFile.isOpen());
     QVERIFY(window.state().firmwareData.isEmpty());
     QCOMPARE(window.state().transferStarted, 0);
@@ -188,6 +183,7 @@ void TestMainWindow::logWorker()
 {
     TestWindow window;
     QThread* const worker = window.downloader().thread();
+    QCOMPARE(window->leftovers().worker, worker);
     QVERIFY(worker != window->thread());
     QVERIFY(worker->isRunning());
     QCOMPARE(worker->priority(), QThread::InheritPriority);
@@ -195,14 +191,6 @@ void TestMainWindow::logWorker()
     QVERIFY(window.downloader().parent() == nullptr);
     QVERIFY(window.checker().parent() == nullptr);
     QCOMPARE(window.checker().thread(), window->thread());
-}
-
-void TestMainWindow::handsOverWhatItLeaves()
-{
-    TestWindow window;
-    const MainWindow::Leftovers left = window->leftovers();
-    QCOMPARE(left.worker, window.downloader().thread());
-    QCOMPARE(left.checker, &window.checker());
 }
 
 void TestMainWindow::leavesWhatLivesToTheEnd()
