@@ -1,8 +1,7 @@
 #pragma once
 
+#include "tests/support/scriptedunit.h"
 #include "tests/virtualunit/host.h"
-
-#include "virtualunit/hidapi/virtualbus.h"
 
 #include <hidapi.h>
 
@@ -17,6 +16,21 @@ inline hid_device* openFirst()
     hid_free_enumeration(list);
     return device;
 }
+
+/// Plugs in a unit with these options and opens it.
+inline hid_device* openUnit(const QString& options)
+{
+    virtualbus::attach(host::options(options));
+    return openFirst();
+}
+
+/// A scripted unit, plugged in and open.
+struct OpenScript
+{
+    std::shared_ptr<ScriptedUnit> script = std::make_shared<ScriptedUnit>();
+    int number = virtualbus::attach({}, script);
+    hid_device* device = openFirst();
+};
 
 /// The result of a read: hidapi's return value, and that many bytes.
 struct Read
