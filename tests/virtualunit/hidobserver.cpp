@@ -13,8 +13,11 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <future>
 #include <memory>
 #include <string_view>
+#include <thread>
 
 namespace {
 
@@ -38,7 +41,11 @@ List units()
 Unit openFirst()
 {
     const List list = units();
-    return Unit(list ? hid_open_path(list->path) : nullptr);
+    if (!list) {
+        std::fputs("no unit\n", stderr);
+        std::exit(1);
+    }
+    return Unit(hid_open_path(list->path));
 }
 
 int write(const Unit& unit, const host::Bytes& report)
@@ -74,6 +81,23 @@ void list()
                     info->usage, info->interface_number, info->bus_type);
         const Unit unit(hid_open_path(info->path));
         std::puts(unit ? "open" : "closed");
+    }
+}
+
+/// As any program does: of each unit one report is read, and written back.
+void use()
+{
+    const List list = units();
+    for (const hid_device_info* info = list.get(); info != nullptr; info = info->next) {
+        const Unit unit(hid_open_path(info->path));
+        std::printf("%04x %ls %s", info->product_id, info->product_string, unit ? "open" : "closed");
+        if (unit) {
+            Buffer report{};
+            const int size = read(unit, report, 1000);
+            const host::Bytes bytes(reinterpret_cast<const char*>(report.data()), 64);
+            std::printf(" read %d version %d written %d", size, report[63], write(unit, '\0' + bytes));
+        }
+        std::puts("");
     }
 }
 
@@ -188,15 +212,39 @@ void twins()
     }
 }
 
+/// Ends while a thread is blocked in a read.
+void leaveAReader()
+{
+    hid_device* const device = openFirst().release();
+    std::promise<void> reading;
+    std::thread([device, &reading] {
+        Buffer report{};
+        hid_read(device, report.data(), report.size()); // the first report
+        std::puts("reading");
+        reading.set_value();
+        hid_read(device, report.data(), report.size());
+        std::puts("got a report that nobody sent");
+    }).detach();
+    reading.get_future().wait();
+    leaveTime(100); // nothing tells when the read has blocked
+}
+
 struct Scene
 {
     std::string_view name;
     void (*play)();
 };
-constexpr std::array scenes{
-    Scene{"list", list},     Scene{"open-twice", openTwice}, Scene{"strings", strings},
-    Scene{"writes", writes}, Scene{"reads", reads},          Scene{"queue", queue},
-    Scene{"unplug", unplug}, Scene{"twins", twins},          Scene{"takes-nothing", takesNothing}};
+constexpr std::array scenes{Scene{"list", list},
+                            Scene{"open-twice", openTwice},
+                            Scene{"strings", strings},
+                            Scene{"writes", writes},
+                            Scene{"reads", reads},
+                            Scene{"queue", queue},
+                            Scene{"unplug", unplug},
+                            Scene{"twins", twins},
+                            Scene{"takes-nothing", takesNothing},
+                            Scene{"use", use},
+                            Scene{"leave-a-reader", leaveAReader}};
 
 } // namespace
 
@@ -205,8 +253,8 @@ int main(int argc, char** argv)
     const std::string_view wanted = argc > 1 ? argv[1] : "";
     const auto scene =
         std::find_if(scenes.begin(), scenes.end(), [=](const Scene& s) { return s.name == wanted; });
-    if (scene == scenes.end() || !units()) {
-        std::fputs(scene == scenes.end() ? "no such scene\n" : "no unit\n", stderr);
+    if (scene == scenes.end()) {
+        std::fputs("no such scene\n", stderr);
         return 1;
     }
     scene->play();
