@@ -20,27 +20,6 @@ std::string padComplaint(const char* what, const Report& report, std::size_t ind
 
 } // namespace
 
-const char* wordOf(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::None:
-        return "none";
-    case Verdict::Refused:
-        return "refused";
-    case Verdict::Receiving:
-        return "receiving";
-    case Verdict::Installing:
-        return "installing";
-    case Verdict::Installed:
-        return "installed";
-    case Verdict::WrongDigest:
-        return "wrong-digest";
-    case Verdict::Rejected:
-        return "rejected";
-    }
-    return "";
-}
-
 FirmwareReceiver::FirmwareReceiver(const Options& unitOptions, Journal& unitJournal, Status& unitStatus)
     : options(unitOptions),
       layout(findUnitModel(unitOptions.type)->layout),
@@ -70,9 +49,10 @@ void FirmwareReceiver::advance(Milliseconds now)
     }
     if (installedAt <= now) {
         installedAt = never;
-        const bool fails = options.faults.has(Fault::InstallationFails);
-        conclude(fails ? Verdict::Rejected : Verdict::Installed,
-                 fails ? status::rejected : status::installed);
+        if (options.faults.has(Fault::InstallationFails))
+            conclude(Verdict::Rejected, "verdict rejected", status::rejected);
+        else
+            conclude(Verdict::Installed, "verdict installed", status::installed);
     }
 }
 
@@ -98,7 +78,7 @@ void FirmwareReceiver::takeRequest(const Report& report, Milliseconds now)
     if (const auto pad = requestPadError(report, layout))
         fail(padComplaint("request-pad", report, *pad));
     if (spoilt)
-        return refuse("malformed", status::packetsSkipped);
+        return conclude(Verdict::Refused, "refused malformed", status::packetsSkipped);
     journal.add("request digest=" + announcedDigest);
     if (options.faults.has(Fault::NeverAnswers))
         return journal.add("unanswered");
@@ -108,9 +88,9 @@ void FirmwareReceiver::takeRequest(const Report& report, Milliseconds now)
 void FirmwareReceiver::answerRequest()
 {
     if (options.faults.has(Fault::RefusesTimeout))
-        return refuse("timeout", status::timedOut);
+        return conclude(Verdict::Refused, "refused timeout", status::timedOut);
     if (options.faults.has(Fault::RefusesSkipped))
-        return refuse("skipped", status::packetsSkipped);
+        return conclude(Verdict::Refused, "refused skipped", status::packetsSkipped);
     outcome = Verdict::Receiving;
     journal.add("accepted");
     status.hold(status::accepted);
@@ -167,9 +147,9 @@ void FirmwareReceiver::completeImage(Milliseconds now)
     journal.add("image-complete size=" + std::to_string(received.size()));
     const bool damaged = md5Text(received) != announcedDigest;
     if (damaged || options.faults.has(Fault::WrongDigest))
-        return conclude(Verdict::WrongDigest, status::wrongDigest);
+        return conclude(Verdict::WrongDigest, "verdict wrong-digest", status::wrongDigest);
     if (spoilt || options.faults.has(Fault::RejectsImage))
-        return conclude(Verdict::Rejected, status::rejected);
+        return conclude(Verdict::Rejected, "verdict rejected", status::rejected);
 
     outcome = Verdict::Installing;
     journal.add("installing");
@@ -179,18 +159,10 @@ void FirmwareReceiver::completeImage(Milliseconds now)
         installedAt = now + options.installMs;
 }
 
-void FirmwareReceiver::conclude(Verdict verdict, std::uint8_t nibble)
+void FirmwareReceiver::conclude(Verdict verdict, const char* line, std::uint8_t nibble)
 {
     outcome = verdict;
-    journal.add(std::string("verdict ") + wordOf(verdict));
-    status.hold(status::idle);
-    status.tell(nibble);
-}
-
-void FirmwareReceiver::refuse(const char* why, std::uint8_t nibble)
-{
-    outcome = Verdict::Refused;
-    journal.add(std::string("refused ") + why);
+    journal.add(line);
     status.hold(status::idle);
     status.tell(nibble);
 }

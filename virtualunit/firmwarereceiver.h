@@ -15,9 +15,6 @@ inline constexpr Milliseconds never = std::numeric_limits<Milliseconds>::max();
 /// How far the unit got with the last image it was offered.
 enum class Verdict { None, Refused, Receiving, Installing, Installed, WrongDigest, Rejected };
 
-/// The verdict's word in the journal.
-[[nodiscard]] const char* wordOf(Verdict verdict);
-
 /// The unit's side of a firmware transfer: takes the request and the packets, checks every byte, keeps the
 /// image and installs it. A violation of the wire format is an error line in the journal; the host is told:
 ///   of a malformed request:      "packets skipped", and nothing is accepted
@@ -58,8 +55,7 @@ private:
     bool isLost(std::uint32_t number);
     void completeImage(Milliseconds now);
     void writeImage();
-    void conclude(Verdict verdict, std::uint8_t nibble);
-    void refuse(const char* why, std::uint8_t nibble);
+    void conclude(Verdict verdict, const char* line, std::uint8_t nibble);
     void fail(const std::string& what);
     void complainOnce(const std::string& what);
 
