@@ -46,8 +46,7 @@ public:
         own.insert("WINEPREFIX", folder.path());
         (void)runCommand("wineserver", {"-k"}, own);
     }
-    Prefix(const Prefix&) = delete;
-    Prefix& operator=(const Prefix&) = delete;
+    Q_DISABLE_COPY_MOVE(Prefix)
 
     static Prefix& only()
     {

@@ -18,8 +18,7 @@ public:
 
     XScreen() = default;
     ~XScreen();
-    XScreen(const XScreen&) = delete;
-    XScreen& operator=(const XScreen&) = delete;
+    Q_DISABLE_COPY_MOVE(XScreen)
 
     /// Opens the display of this name (":7"); false if it does not exist or lacks the XTEST extension.
     [[nodiscard]] bool open(const QString& name);

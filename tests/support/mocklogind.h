@@ -11,8 +11,7 @@ class MockLogind
 public:
     MockLogind();
     ~MockLogind();
-    MockLogind(const MockLogind&) = delete;
-    MockLogind& operator=(const MockLogind&) = delete;
+    Q_DISABLE_COPY_MOVE(MockLogind)
 
     /// False if the packages dbus and python3-dbusmock are missing or their programs did not start within 20
     /// s.

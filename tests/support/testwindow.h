@@ -22,8 +22,7 @@ class TestWindow
 public:
     TestWindow();
     ~TestWindow();
-    TestWindow(const TestWindow&) = delete;
-    TestWindow& operator=(const TestWindow&) = delete;
+    Q_DISABLE_COPY_MOVE(TestWindow)
 
     MainWindow* operator->() const { return window.get(); }
     MainWindow& operator*() const { return *window; }

@@ -24,8 +24,7 @@ public:
         QApplication::setFont(font);
     }
     ~LargerFont() { QApplication::setFont(before); }
-    LargerFont(const LargerFont&) = delete;
-    LargerFont& operator=(const LargerFont&) = delete;
+    Q_DISABLE_COPY_MOVE(LargerFont)
 
 private:
     QFont before = QApplication::font();
