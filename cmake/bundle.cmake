@@ -9,9 +9,6 @@ endif()
 set_target_properties(talvex-updater PROPERTIES INSTALL_RPATH "$ORIGIN/lib" BUILD_WITH_INSTALL_RPATH ON)
 target_link_options(talvex-updater PRIVATE LINKER:--disable-new-dtags -s)
 
-# The icon's resource would otherwise hold the time at which its pictures were last touched.
-set_target_properties(talvex-updater PROPERTIES AUTORCC_OPTIONS "--format-version;1")
-
 # Qt looks for this one itself, when a server redirects to https.
 find_library(TALVEX_TLS_LIBRARY libssl.so.3 REQUIRED)
 mark_as_advanced(TALVEX_TLS_LIBRARY)

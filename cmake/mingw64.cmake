@@ -15,7 +15,8 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
 endforeach()
 set(ENV{PKG_CONFIG_LIBDIR} ${TALVEX_WINDOWS_PREFIX}/hidapi/lib/pkgconfig)
 
-# The same sources give the same bytes at any time.
+# The same sources give the same bytes at any time, and in any folder.
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT -Wl,--no-insert-timestamp)
 endforeach()
+set_property(GLOBAL PROPERTY RULE_LAUNCH_LINK "${CMAKE_CURRENT_LIST_DIR}/relativelink.sh ${TALVEX_WINDOWS_PREFIX}")

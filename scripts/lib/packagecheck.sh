@@ -2,6 +2,8 @@
 # What scripts/package.sh --check does with its archive. Sourced from the project's folder, not run.
 # shellcheck source=scripts/lib/packages.sh
 source scripts/lib/packages.sh
+# shellcheck source=scripts/lib/sources.sh
+source scripts/lib/sources.sh
 
 minimalSystems=(debian-12:bookworm debian-13:trixie)
 someFont=fonts-dejavu-core
@@ -65,9 +67,7 @@ timed() {
 
 # packElsewhere OPTION...: the same sources in another folder, compiled anew.
 packElsewhere() {
-    mkdir "$work/elsewhere"
-    git ls-files -z --cached --others --exclude-standard |
-        tar --create --null --files-from=- | tar --extract --directory "$work/elsewhere"
+    copySources "$work/elsewhere"
     CCACHE_DISABLE=1 "$work/elsewhere/scripts/package.sh" "$@"
     cmp "$archive" "$work/elsewhere/artifacts/package/${archive##*/}"
 }
