@@ -18,6 +18,10 @@
 #include <latch>
 #include <thread>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 namespace {
 
 constexpr int linesEach = 500;
@@ -236,6 +240,9 @@ void TestLogMessageOutput::fileAndEcho_data()
 void TestLogMessageOutput::fileAndEcho()
 {
     QFETCH(QByteArray, echoed);
+#ifdef Q_OS_WIN
+    QVERIFY2(GetACP() != 1251, "a system whose own code page this is shows nothing");
+#endif
     speak(QTest::currentDataTag());
     QTEST(texts(), "inTheFile");
     QCOMPARE(echo, echoed);

@@ -20,5 +20,7 @@ bool isAboutSurroundings(const QString& line)
 {
     return line.startsWith("qt.qpa.xcb: QXcbConnection: XCB error: 3 (BadWindow)") ||
            line.startsWith("The computer may go to sleep: ") ||
-           line.startsWith("QPixmap::fromWinHICON(), failed to GetIconInfo()");
+           line.startsWith("QPixmap::fromWinHICON(), failed to GetIconInfo()") ||
+           // A thread of Wine's that the end of its process has overtaken.
+           (line.startsWith("wine client error:") && line.endsWith("sendmsg: Bad file descriptor"));
 }

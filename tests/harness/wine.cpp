@@ -11,35 +11,28 @@
 
 namespace {
 
-/// Runs a command to its end; its name is for the outcome.
-Outcome runCommand(const QString& name, const QStringList& arguments,
-                   const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
+void startCommand(QProcess& process, const QString& name, const QStringList& arguments,
+                  const QProcessEnvironment& environment)
 {
-    QProcess process;
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardOutputFile(QProcess::nullDevice()); // Wine's server keeps a pipe open
     process.start(name, arguments);
-    const bool good = process.waitForFinished(limits::hangMs()) && process.exitCode() == 0 &&
-                      process.exitStatus() == QProcess::NormalExit;
-    return good ? Outcome() : Outcome(name + ' ' + arguments.join(' ') + " failed");
 }
 
-/// A copy of the prepared prefix: links to the files of the system that nobody writes, and a registry of its
-/// own.
+Outcome runCommand(const QString& name, const QStringList& arguments,
+                   const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
+{
+    QProcess process;
+    startCommand(process, name, arguments, environment);
+    return wine::waitForEnd(process);
+}
+
+/// A copy of the prepared prefix.
 class Prefix
 {
 public:
-    Prefix()
-    {
-        const QString model = qEnvironmentVariable("TALVEX_WINE_PREFIX");
-        made = runCommand("cp", {"-al", model + "/.", folder.path()});
-        for (const char* file : {"system.reg", "user.reg", "userdef.reg"}) {
-            QFile::remove(folder.filePath(file));
-            if (made.good() && !QFile::copy(model + '/' + file, folder.filePath(file)))
-                made = Outcome("cannot copy the registry of " + model);
-        }
-    }
+    Prefix() : made(runCommand(TALVEX_COPY_PREFIX, {folder.path()})) {}
     ~Prefix()
     {
         QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
@@ -54,7 +47,7 @@ public:
         return one;
     }
 
-    QTemporaryDir folder;
+    QTemporaryDir folder{qEnvironmentVariable("TALVEX_WINE_PREFIX") + "-XXXXXX"}; ///< on its file system
     Outcome made;
     QByteArray proxy = windowsproxy::settings({}); ///< as it stands in the registry
     QProcessEnvironment environment;               ///< of the latest program
@@ -62,7 +55,9 @@ public:
 
 Outcome setInRegistry(const QStringList& value)
 {
-    return wine::run(QStringList{"reg", "add"} + value + QStringList{"/f"});
+    QProcess reg;
+    wine::start(reg, QStringList{"reg", "add"} + value + QStringList{"/f"});
+    return wine::waitForEnd(reg);
 }
 
 } // namespace
@@ -111,9 +106,17 @@ Outcome prepare(QProcessEnvironment& environment, const QVector<QStringList>& re
     return {};
 }
 
-Outcome run(const QStringList& command)
+void start(QProcess& process, const QStringList& command)
 {
-    return runCommand("wine", command, Prefix::only().environment);
+    startCommand(process, "wine", command, Prefix::only().environment);
+}
+
+Outcome waitForEnd(QProcess& process)
+{
+    const bool ended = process.state() == QProcess::NotRunning || process.waitForFinished(limits::hangMs());
+    const bool good = ended && process.error() == QProcess::UnknownError && process.exitCode() == 0 &&
+                      process.exitStatus() == QProcess::NormalExit;
+    return good ? Outcome() : Outcome(process.program() + ' ' + process.arguments().join(' ') + " failed");
 }
 
 QString windowsPath(const QString& file)

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVector>
 
+class QProcess;
+
 /// The program for Windows under Wine, in the place of the one for this system. Used if TALVEX_TEST_WINDOWS
 /// names the folder that its users unpack; everything else that is needed also comes from the environment
 /// (scripts/lib/windows.sh): TALVEX_WINE_PREFIX, a prefix to copy, and TALVEX_WINDOWS_HID, the virtual HID
@@ -25,8 +27,11 @@ Outcome unpack(const QString& folder);
 /// proxy that it names, settings of the Windows that the program sees. `registry`: arguments of "reg add".
 Outcome prepare(QProcessEnvironment& environment, const QVector<QStringList>& registry);
 
-/// Runs a program of Windows' own in the same prefix, to its end.
-Outcome run(const QStringList& command);
+/// Starts a program of Windows' own in the same prefix.
+void start(QProcess& process, const QStringList& command);
+
+/// Waits until it has ended; a failure if it did not do so by itself with exit code 0.
+Outcome waitForEnd(QProcess& process);
 
 /// A file of Windows: "explorer.exe" lies in its folder.
 [[nodiscard]] QString windowsPath(const QString& file);

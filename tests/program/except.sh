@@ -12,5 +12,8 @@ for row in "${rows[@]}"; do
         wanted+=("$row")
     fi
 done
-[ ${#wanted[@]} -gt 0 ]
+if [ ${#wanted[@]} -eq 0 ]; then
+    echo "except.sh: $1 lists no other rows" >&2
+    exit 1
+fi
 exec "$1" "${wanted[@]}"

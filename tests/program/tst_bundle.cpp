@@ -3,8 +3,7 @@
 
 #include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
-#include "tests/support/rawserver.h"
-#include "tests/support/selfsigned.h"
+#include "tests/program/tlsredirect.h"
 
 #include <QtTest>
 
@@ -77,21 +76,8 @@ void tst_bundle::update()
 /// The program finds the TLS library that it brings along.
 void tst_bundle::redirectToTls()
 {
-    const auto tls = selfSigned();
-    QVERIFY2(tls.has_value(), "needs the package openssl");
-    RawServer secure(tls);
-    secure.setAnswer("/versions.txt", ok(catalogueOf("HB4", QString::number(scenario::unitVersion),
-                                                     "http://any/", "http://any/")));
-    RawServer plain;
-    const QByteArray location = "Location: " + secure.address("/versions.txt").toUtf8();
-    plain.setAnswer(cataloguePath, {{httpAnswer("302 Found", {}, {location})}});
     Program program(desktop);
-    MUST(scenario::startWithUnit(program, plain.address({})));
-    MUST(scenario::connectUnit(program));
-    MUST(program.waitForBox(infoBox(text::upToDate)));
-    QCOMPARE(secure.paths(), QStringList{"/versions.txt"});
-    MUST(program.answer("Ok"));
-    MUST(scenario::leave(program));
+    MUST(followRedirectToTls(program));
     QCOMPARE(ownWords(program), QString());
 }
 

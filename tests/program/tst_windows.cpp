@@ -2,16 +2,18 @@
 
 #include "tests/harness/program.h"
 #include "tests/harness/updateserver.h"
+#include "tests/harness/waiting.h"
 #include "tests/harness/wine.h"
 #include "tests/program/scenario.h"
 #include "tests/support/filecontent.h"
+#include "tests/program/tlsredirect.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
 
 namespace {
 
-constexpr int longestFolder = 240; ///< characters of the program's directory, with which Windows just copes
+constexpr int longestFolder = 240; ///< characters of the program's directory
 constexpr int smallSize = 6000;
 
 /// A value below HKEY_CURRENT_USER, as "reg add" takes it.
@@ -20,11 +22,9 @@ QStringList userValue(const QString& key, const QString& name, const QString& ty
     return {"HKCU\\" + key, "/v", name, "/t", type, "/d", data};
 }
 
-/// The flags of SetThreadExecutionState.
-namespace executionstate {
-constexpr auto awake = "80000001"; ///< continuous, system required
+/// What SetThreadExecutionState is told.
+constexpr auto keepAwake = "80000001"; // continuous, system required
 constexpr auto asBefore = "80000000";
-} // namespace executionstate
 
 } // namespace
 
@@ -43,6 +43,7 @@ private slots:
     void sessionEnds_data();
     void sessionEnds();
     void proxyScriptCannotBeHad();
+    void redirectToTls();
     void folderCannotBeWritten();
     void diskIsFull();
     void scales_data();
@@ -143,8 +144,7 @@ void tst_windows::browserGetsTheAddress()
     QVERIFY(QFile::copy(standIn, program.ownPath("explorer.exe")));
     MUST(scenario::startWithUnit(program, own.proxy()));
     const QString explorer = wine::windowsPath("explorer.exe");
-    QFile::remove(explorer);
-    QVERIFY(QFile::copy(standIn, explorer));
+    QVERIFY(QFile::remove(explorer) && QFile::copy(standIn, explorer));
     MUST(scenario::acceptAnyOffer(program));
     MUST(program.waitForBox(infoBox(text::handOver)));
     MUST(program.waitFor("the address handed over", [&](const View&) { return QFile::exists(noted); }));
@@ -167,8 +167,8 @@ void tst_windows::staysAwakeDuringAnUpdate()
     while (found.hasNext())
         calls += found.next().captured(1);
     QVERIFY2(calls.size() >= 2, qPrintable(calls.join(' ')));
-    QCOMPARE(calls.first(), QString(executionstate::awake));
-    QCOMPARE(calls.last(), QString(executionstate::asBefore));
+    QCOMPARE(calls.first(), QString(keepAwake));
+    QCOMPARE(calls.last(), QString(asBefore));
 }
 
 void tst_windows::sessionEnds_data()
@@ -194,21 +194,40 @@ void tst_windows::sessionEnds()
         MUST(scenario::streamImage(program));
     if (underABox)
         MUST(scenario::seeOffer(program));
-    MUST(wine::run({"wineboot", "--end-session"}));
+    const XScreen::Window window = program.look().mainWindow();
+    program.watchEnd();
+    QProcess logOut;
+    wine::start(logOut, {"wineboot", "--end-session"});
+    // Until then Windows has yet to tell the program, and the time is not the program's.
+    QVERIFY(waitUntil([&] {
+        program.watchEnd();
+        return !desktop.screen().originOf(window);
+    }));
     MUST(program.waitForPromptExit(0));
     QVERIFY(program.hasQuit());
     QCOMPARE(scenario::lastWord(program), QString("closed"));
+    MUST(wine::waitForEnd(logOut)); // or it would end the next program
 }
 
-/// Windows is told to ask a script for the proxy, and nobody listens where that should be.
+/// Windows is told to ask a script for the proxy, and there is no such script.
 void tst_windows::proxyScriptCannotBeHad()
 {
+    UpdateServer empty; // the program waits for it, and so does a look at the program
+    MUST(empty.start());
     Program program(desktop);
-    program.setVariable("TALVEX_PROXY_SCRIPT", QString(scenario::deadProxy) + "/proxy.pac");
+    program.setVariable("TALVEX_PROXY_SCRIPT", empty.proxy() + "/proxy.pac");
     program.plugIn({scenario::unitOptions(program, "hb4")});
     MUST(program.start());
     MUST(scenario::connectUnit(program));
-    MUST(scenario::seeLastBox(program, scenario::networkProblemBox)); // without a proxy, the host is unknown
+    MUST(program.waitForBox(scenario::networkProblemBox)); // without a proxy, the host is unknown
+    QCOMPARE(empty.requests().value(0).line.section(' ', 0, 1), QString("GET /proxy.pac"));
+    MUST(scenario::seeLastBox(program, scenario::networkProblemBox));
+}
+
+void tst_windows::redirectToTls()
+{
+    Program program(desktop);
+    MUST(followRedirectToTls(program));
 }
 
 /// Windows lets no user write to its Program Files.
@@ -218,12 +237,12 @@ void tst_windows::folderCannotBeWritten()
     program.setVariable("http_proxy", server.proxy());
     program.plugIn({scenario::unitOptions(program, "hb4")});
     const QString own = program.ownPath(".");
-    // The second holds back root, too.
-    program.setLauncher({"sh", "-c", "chmod a-w \"$0\"; chattr +i \"$0\" 2> /dev/null; exec \"$@\"", own});
-    const auto writable = qScopeGuard([&] {
-        QProcess::execute("chattr", {"-i", own});
-        QProcess::execute("chmod", {"u+w", own});
-    });
+    // Root may write anywhere, and so may a server of Wine's that root has started: both lose that right.
+    const char* const restrained =
+        R"(chmod a-w "$0"; wineserver -k; wineserver -w; [ $(id -u) -ne 0 ] ||)"
+        R"( set -- setpriv --{inh-caps,bounding-set}=-dac_override "$@"; exec "$@")";
+    program.setLauncher({"bash", "-c", restrained, own});
+    const auto writable = qScopeGuard([&] { QProcess::execute("chmod", {"u+w", own}); });
     MUST(program.start());
     MUST(failToSave(program));
     QVERIFY(!program.fileContent(filename::image));

@@ -16,7 +16,8 @@ const QByteArray previous(50000, 'p');
 const QByteArray fresh(60000, 'f');
 
 /// A file that another program holds open, as a virus scanner does: it may be read meanwhile, and nothing
-/// else.
+/// else. Windows goes by how each handle shares the file, whichever process has it: one of this process will
+/// do.
 class Held
 {
 public:

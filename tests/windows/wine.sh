@@ -3,17 +3,13 @@
 # names (scripts/windows.sh prefix). The libraries are found in the folders of TALVEX_WINE_PATH, parted by colons.
 set -euo pipefail
 
-prefix=$(mktemp -d)
+prefix=$(mktemp -d "${TALVEX_WINE_PREFIX:?}-XXXXXX")
 cleanUp() {
     WINEPREFIX=$prefix wineserver -k || true
     rm -rf "$prefix"
 }
 trap cleanUp EXIT
-# Nothing writes to the files of the system: links will do. The registry is this run's own.
-cp -al "${TALVEX_WINE_PREFIX:?}/." "$prefix"
-for registry in system.reg user.reg userdef.reg; do
-    cp --remove-destination "$TALVEX_WINE_PREFIX/$registry" "$prefix/$registry"
-done
+"$(dirname "$0")/copyprefix.sh" "$prefix"
 
 windowsPath=
 IFS=: read -ra folders <<< "$TALVEX_WINE_PATH"
