@@ -1,5 +1,5 @@
 # The toolchain for 64-bit Windows on Debian (package g++-mingw-w64-x86-64-posix).
-# TALVEX_WINDOWS_PREFIX names the folder that holds qt/ and hidapi/ for Windows (scripts/windows.sh libraries).
+# TALVEX_WINDOWS_PREFIX names the folder that holds qt/ and hidapi/ for Windows (scripts/windows.sh qt hidapi).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # the flavour that has std::thread

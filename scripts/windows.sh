@@ -11,23 +11,31 @@ source scripts/lib/table.sh
 
 usage() {
     cat << END
-usage: scripts/windows.sh [--all] [--ahead] [--no-install] [STEP...]
+usage: scripts/windows.sh [--all] [--ahead] [--no-install] [-DOPTION=VALUE...] [STEP...]
   without a STEP  all of: ${windowsSteps[*]}
   --all           also the long ones: ${windowsLongSteps[*]}
   --ahead         only make what is kept in $qtCache, at the lowest priority: to be run
                   beside something else, as it takes 16 to 22 minutes on two idle processors
   --no-install    only say which packages are missing
-Each step first makes what it needs. The zip is in $zips.
+  -D...           options of the program's build, such as the name of a vendor's server (README.md); but there is no
+                  catalogue key, because Debian has no libsodium for Windows
+A step needs what those before it in the list have made. The zip is in $zips.
 END
 }
 
 steps=()
+options=()
 leftOut="${windowsLongSteps[*]} (scripts/windows.sh --all)"
 for argument in "$@"; do
     case $argument in
         --all) steps=("${windowsSteps[@]}" "${windowsLongSteps[@]}") && leftOut= ;;
         --ahead) steps=(ahead) && leftOut="everything else" ;;
         --no-install) export TALVEX_NO_INSTALL=1 ;;
+        -DTALVEX_CATALOGUE_KEY*)
+            echo "scripts/windows.sh: no catalogue key: Debian has no libsodium for Windows" >&2
+            exit 2
+            ;;
+        -D*) options+=("$argument") ;;
         --help) usage && exit 0 ;;
         *)
             if ! isStep "$argument"; then

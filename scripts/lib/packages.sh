@@ -2,7 +2,7 @@
 # The Debian packages that the scripts need, and how the missing ones are installed. Sourced, not run.
 # shellcheck disable=SC2034  # the lists are for those who source this
 
-buildPackages=(build-essential ccache cmake libhidapi-dev libsodium-dev minisign ninja-build pkg-config qtbase5-dev)
+buildPackages=(build-essential ccache cmake git libhidapi-dev libsodium-dev minisign ninja-build pkg-config qtbase5-dev)
 # To run the program unattended: a screen, a window manager, fonts, input; and the update server.
 stagePackages=(fonts-dejavu-core libx11-dev libxtst-dev nginx-light openbox xvfb)
 benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
@@ -13,7 +13,7 @@ fuzzPackages=(clang libclang-rt-dev)
 bundlePackages=(binutils)
 bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap openssl)
 # To build and pack for Windows, and to try that under Wine.
-windowsPackages=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix openssl patch perl unzip wine wine64 xauth
+windowsPackages=(dpkg-dev fonts-wine g++-mingw-w64-x86-64-posix icoutils openssl patch perl unzip wine wine64 xauth
     xvfb xz-utils zip)
 picturePackages=(imagemagick x11-utils x11-xserver-utils)
 

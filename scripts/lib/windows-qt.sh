@@ -142,12 +142,20 @@ keepQt() (
     flock "$lock"
     kept=$qtCache/qt-$(qtKey)
     if qtIsKept "$kept"; then
+        touch "$kept"
         echo "Qt is kept in $kept."
         exit 0
     fi
     rm -rf "$qtCache"/making.* # whoever made these was ended
-    makeQt "$kept" {lock}>&-
+    makeQt "$kept" {lock}>&- && forgetOldQts
 )
+
+# forgetOldQts: removes all but the three that were used last; other checkouts may want another one than this.
+forgetOldQts() {
+    local most=3
+    # shellcheck disable=SC2012  # the names are digests
+    ls -dt "$qtCache"/qt-* | tail -n +$((most + 1)) | xargs -r rm -rf
+}
 
 # unpackQt FOLDER: the kept Qt as FOLDER/qt.
 unpackQt() {

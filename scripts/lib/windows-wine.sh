@@ -9,6 +9,20 @@ onScreen() {
     xvfb-run -a -s '-screen 0 1600x1200x24 -nolisten tcp' "$@"
 }
 
+# prefixKey: the digest of what a prefix is made from. Copies share its files, which another Wine would update.
+prefixKey() {
+    {
+        wine --version 2> /dev/null
+        declare -f onScreen makePrefix
+        declare -p WINEDLLOVERRIDES
+    } | sha256sum | cut -c 1-20
+}
+
+# prefixIsMade FOLDER: whether it is there, made by this Wine in this way.
+prefixIsMade() {
+    [ -e "$1/made-from" ] && [ "$(cat "$1/made-from")" = "$(prefixKey)" ]
+}
+
 # makePrefix FOLDER: a prefix to copy. A crash opens no box, and texts are drawn in a font that there is.
 makePrefix() {
     local font
@@ -23,5 +37,6 @@ makePrefix() {
             wineserver -k && wineserver -w
     } < /dev/null > "$work/wine.log" 2>&1 || { cat "$work/wine.log" && return 1; }
     unset WINEPREFIX
+    prefixKey > "$1.partial/made-from"
     mv "$1.partial" "$1"
 }

@@ -1,9 +1,11 @@
 # shellcheck shell=bash
 # The steps of scripts/windows.sh, one function each: step_<name>, with _ for -. Sourced, not run, from the project's
-# folder.
-# shellcheck disable=SC2034  # the lists are for the script that sources this
+# folder. It needs the array options, of the program's build.
+# shellcheck disable=SC2034,SC2154  # the lists are for the script that sources this, the options come from there
 # shellcheck source=scripts/lib/packages.sh
 source scripts/lib/packages.sh
+# shellcheck source=scripts/lib/sources.sh
+source scripts/lib/sources.sh
 # shellcheck source=scripts/lib/windows-qt.sh
 source scripts/lib/windows-qt.sh
 # shellcheck source=scripts/lib/windows-zip.sh
@@ -11,8 +13,8 @@ source scripts/lib/windows-zip.sh
 # shellcheck source=scripts/lib/windows-wine.sh
 source scripts/lib/windows-wine.sh
 
-windowsSteps=(qt hidapi program zip tests in-process whole-program)
-windowsLongSteps=()
+windowsSteps=(qt hidapi program zip reproduce tests in-process whole-program)
+windowsLongSteps=(sizes)
 
 jobs=$(nproc)
 windowsLibraries=$PWD/build-windows-libraries # qt/ and hidapi/, as cmake/mingw64.cmake wants them
@@ -20,6 +22,8 @@ windowsProgram=$PWD/build-windows
 windowsTests=$PWD/build-windows-tests
 winePrefix=$windowsLibraries/prefix # to copy
 zips=$PWD/artifacts/windows
+pictures=$zips/pictures
+windowsOnlyTests=(tst_heldfiles)
 junit=$PWD/artifacts/test/junit
 export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 export CCACHE_SLOPPINESS=pch_defines,time_macros # or it keeps nothing that was compiled with a precompiled header
@@ -59,6 +63,7 @@ fetchHidapi() {
     if [ -e "$kept" ] && hasDigest "$kept"; then
         return 0
     fi
+    find "$qtCache" -maxdepth 1 -name 'fetching.*' -mmin +60 -exec rm -rf {} + # whoever made these was ended
     mkdir -p "$qtCache" && fetched=$(mktemp -d "$qtCache/fetching.XXXXXX") &&
         (cd "$fetched" && npm pack --silent "$hidapiPackage@$hidapiPackageVersion") > /dev/null || return
     if ! hasDigest "$fetched/${kept##*/}"; then
@@ -87,65 +92,114 @@ step_hidapi() {
 }
 
 step_program() {
-    cmake --preset windows > /dev/null && cmake --build --preset windows -j "$jobs"
+    # "Fresh", so that no option of an earlier run is left.
+    cmake --fresh --preset windows "${options[@]}" > /dev/null && cmake --build --preset windows -j "$jobs"
 }
 
-# Packs twice, from two folders: the bytes have to be the same.
 step_zip() {
-    local first=$work/first again=$work/again/below zip
-    packZip "$windowsProgram" "$first" && packZip "$windowsProgram" "$again" || return
-    zip=$(basename "$first"/*.zip)
-    if ! cmp "$first/$zip" "$again/$zip"; then
-        echo "Packed twice, the zip differs." >&2
+    local zip
+    zip=$(zipName "$windowsProgram").zip &&
+        packZip "$windowsProgram" "$work/packed" && checkZip "$work/packed/$zip" &&
+        mkdir -p "$zips" && rm -f "$zips"/*.zip && cp "$work/packed/$zip" "$zips" && (cd "$zips" && sha256sum "$zip")
+}
+
+# Builds and packs once more, from a copy in another folder: the bytes have to be the same.
+step_reproduce() {
+    local copy=$work/copy zip
+    zip=$(zipName "$windowsProgram").zip && copySources "$copy" || return
+    if ! SOURCE_DATE_EPOCH=$(timeOfFiles) CCACHE_DISABLE=1 "$copy/scripts/windows.sh" --no-install "${options[@]}" \
+        qt hidapi program zip > "$work/copy.log" 2>&1; then
+        cat "$work/copy.log"
         return 1
     fi
-    checkZip "$first/$zip" && mkdir -p "$zips" && cp "$first/$zip" "$zips" && (cd "$zips" && sha256sum "$zip")
+    cmp "$zips/$zip" "$copy/artifacts/windows/$zip"
+}
+
+# driverFolder: where the tests are built that drive the program from outside. They know the update server's name as
+# well: with options, their folder is not the one that scripts/test.sh uses.
+driverFolder() {
+    if [ ${#options[@]} -eq 0 ]; then
+        echo "$PWD/build-test"
+    else
+        echo "$PWD/build-test-options"
+    fi
 }
 
 # Builds what runs under Wine, what drives it from outside, and the prefix.
 step_tests() {
+    local driver
+    driver=$(driverFolder)
+    [ ${#options[@]} -eq 0 ] || rm -f "$driver/CMakeCache.txt" # with the options of an earlier run
     cmake --preset windows-tests > /dev/null && cmake --build --preset windows-tests -j "$jobs" &&
-        cmake --preset test > /dev/null && cmake --build --preset test-windows -j "$jobs" && step_prefix
+        cmake --preset test -B "$driver" "${options[@]}" > /dev/null &&
+        cmake --build "$driver" --target windows-tests -j "$jobs" && step_prefix
 }
 
 # The prefix that every run under Wine copies.
 step_prefix() {
-    [ -d "$winePrefix" ] || makePrefix "$winePrefix"
+    prefixIsMade "$winePrefix" || makePrefix "$winePrefix"
 }
 
-# checkTestList: every in-process test is built, or has its reason in tests/windows/not-built.txt; none has both.
+# testsIn BUILD: the names of its in-process tests, sorted.
+testsIn() {
+    ctest --test-dir "$1" -N -L in-process | sed -n 's/^ *Test *#[0-9]*: //p' | LC_ALL=C sort
+}
+
+# checkTestList: built are the tests that only Windows has, and every in-process test of this system but those that
+# tests/windows/not-built.txt gives a reason for; it gives none for a test that there is not.
 checkTestList() {
-    local name failed=0 total=0 built
-    built=$(ctest --test-dir "$windowsTests" -N -L in-process | sed -n 's/^ *Test *#[0-9]*: //p')
-    while read -r name; do
-        total=$((total + 1))
-        if grep -qx "$name" <<< "$built" && grep -q "^$name " tests/windows/not-built.txt; then
-            echo "$name is built, though tests/windows/not-built.txt has it." >&2
-            failed=1
-        elif ! grep -qx "$name" <<< "$built" && ! grep -q "^$name " tests/windows/not-built.txt; then
-            echo "$name is not built, and tests/windows/not-built.txt does not say why." >&2
-            failed=1
-        fi
-    done < <(ctest --test-dir build-test -N -L in-process | sed -n 's/^ *Test *#[0-9]*: //p')
-    echo "In process: $(wc -l <<< "$built") tests of $total. Not built:"
+    local all notBuilt=$work/not-built built=$work/built failed=0
+    all=$(testsIn "$(driverFolder)")
+    testsIn "$windowsTests" > "$built"
+    grep -v '^#' tests/windows/not-built.txt | cut -d ' ' -f 1 | LC_ALL=C sort > "$notBuilt"
+    if LC_ALL=C comm -13 <(echo "$all") "$notBuilt" | grep . >&2; then
+        echo "These tests of tests/windows/not-built.txt do not exist." >&2
+        failed=1
+    fi
+    LC_ALL=C comm -23 <(echo "$all") "$notBuilt" | cat - <(printf '%s\n' "${windowsOnlyTests[@]}") |
+        LC_ALL=C sort > "$work/wanted"
+    if ! diff "$work/wanted" "$built" > "$work/difference"; then
+        echo "Not built, and tests/windows/not-built.txt does not say why (<), or built in spite of it (>):" >&2
+        grep '^[<>]' "$work/difference" >&2
+        failed=1
+    fi
+    echo "In process: $(wc -l < "$built") tests, of them ${#windowsOnlyTests[@]} for Windows only." \
+        "Of the $(wc -l <<< "$all") of this system these are not built:"
     grep -v '^#' tests/windows/not-built.txt
     return "$failed"
 }
 
-step_in_process() {
-    checkTestList &&
-        TALVEX_WINE_PREFIX=$winePrefix TALVEX_WINE_PATH=$windowsTests/bin:$(runtimeFolders | grep -v hidapi | paste -sd :) \
-            onScreen ctest --test-dir "$windowsTests" -L in-process --no-tests=error --output-on-failure \
-            --output-junit "$junit/windows-in-process.xml" -j "$testJobs"
+# underWine STEP BUILD LABEL [COMMAND...]: runs the tests of a build folder that have the label, by a command if there is
+# one; and says what they left out.
+underWine() {
+    local result=0
+    TALVEX_WINE_PREFIX=$winePrefix "${@:4}" ctest --test-dir "$2" -L "^$3\$" --no-tests=error --output-on-failure \
+        --output-junit "$junit/windows-$1.xml" -j "$testJobs" || result=1
+    tr -d '\r' < "$2/Testing/Temporary/LastTest.log" | grep -E '^(Left out: |SKIP )' || true
+    return "$result"
 }
 
-# The program from the zip, with the virtual unit in the place of the HID library.
+step_in_process() {
+    checkTestList &&
+        TALVEX_WINE_PATH=$windowsTests/bin:$(runtimeFolders | grep -v hidapi | paste -sd :) \
+            underWine in-process "$windowsTests" in-process onScreen
+}
+
+# fromZip STEP LABEL: the program from the zip, with the virtual unit in the place of the HID library.
+fromZip() {
+    local unpacked=$work/zip name driver
+    name=$(zipName "$windowsProgram") && driver=$(driverFolder) &&
+        rm -rf "$unpacked" && mkdir "$unpacked" && unzip -q "$zips/$name.zip" -d "$unpacked" || return
+    TALVEX_TEST_WINDOWS=$unpacked/$name TALVEX_WINDOWS_HID=$windowsTests/tests/windows/probed/hidapi.dll \
+        TALVEX_WINDOWS_EXPLORER=$windowsTests/bin/talvex-explorer.exe TALVEX_TEST_ARTIFACTS=$pictures \
+        underWine "$1" "$driver" "$2"
+}
+
 step_whole_program() {
-    local unpacked=$work/zip
-    rm -rf "$unpacked" && mkdir "$unpacked" && unzip -q "$zips"/*.zip -d "$unpacked" || return
-    TALVEX_WINE_PREFIX=$winePrefix TALVEX_TEST_WINDOWS=$(echo "$unpacked"/*) \
-        TALVEX_WINDOWS_HID=$windowsTests/tests/windows/probed/hidapi.dll \
-        TALVEX_WINDOWS_EXPLORER=$windowsTests/bin/talvex-explorer.exe \
-        ctest --test-dir build-test -L windows --no-tests=error --output-on-failure \
-        --output-junit "$junit/windows-whole-program.xml" -j "$testJobs"
+    rm -rf "$pictures" && fromZip whole-program windows
+}
+
+# What one size of the image is enough for otherwise, with all of them.
+step_sizes() {
+    fromZip sizes windows-sizes
 }
