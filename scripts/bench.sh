@@ -1,7 +1,8 @@
 #!/bin/bash
 # scripts/bench.sh [GROUP]...
 # Builds the benchmarks and prints each figure beside its baseline from the same run and its limit; about 13 minutes for
-# all groups: stream growth start log memory rules. Exits with 1 if a limit is missed. The machine should be idle.
+# all groups: stream growth start log memory rules. Exits with 1 if a limit is missed, or if nothing was measured of a
+# group. The machine should be idle.
 # Two groups are only measured when asked for: bundle, about the archive that scripts/package.sh has made, and windows,
 # about the program for Windows under Wine (scripts/windows.sh).
 set -euo pipefail
@@ -16,6 +17,10 @@ results=$work/results
 : > "$results"
 pids=()
 trap 'kill "${pids[@]}" 2> /dev/null || true; wait; rm -rf "$work"' EXIT
+
+# What a run of each group is called in the results.
+declare -A firstLabel=([stream]=stream [growth]=small [start]=updater [log]=program [memory]=short [bundle]=bundled
+    [windows]=wstream)
 
 wanted() {
     case " $groups " in *" $1 "*) return 0 ;; esac
@@ -126,10 +131,12 @@ windowsRun() {
 wstream() { windowsRun wstream stream "$1"; }
 wticks() { windowsRun wticks ticks "$1"; }
 
-# Builds the measured program for Windows and puts it beside the libraries it needs.
+# Builds the measured program for Windows and puts it beside the libraries it needs. Not to be called in a condition,
+# where a failure in it would not end the script.
 prepareWindows() {
-    scripts/windows.sh qt hidapi prefix &&
-        cmake --preset windows-bench > "$work/configure" && cmake --build --preset windows-bench -j "$(nproc)" || return
+    scripts/windows.sh qt hidapi prefix
+    cmake --preset windows-bench > "$work/configure"
+    cmake --build --preset windows-bench -j "$(nproc)"
     mkdir "$work/windows" "$work/prefix"
     cp build-windows-bench/bench/bench-transfer.exe build-windows-bench/bin/hidapi.dll "$work/windows"
     windowsLibraries=$PWD/build-windows-libraries
@@ -153,13 +160,21 @@ openScreen
 uptime
 
 if wanted stream; then alternate 10 stream ticks writes; fi
-if wanted windows; then prepareWindows && alternate 5 wstream wticks; fi
+if wanted windows; then prepareWindows; alternate 5 wstream wticks; fi
 if wanted growth; then alternate 5 small early late; fi
 if wanted start && [ -n "${DISPLAY:-}" ]; then alternate 20 updater empty; fi
-if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart && alternate 60 bundled linked; fi
+if wanted bundle && [ -n "${DISPLAY:-}" ]; then firstStart; alternate 60 bundled linked; fi
 if wanted log; then alternate 5 program bare lean chain; fi
 if wanted memory; then sizes; fi
 echo
 if wanted rules; then "$build/bench/bench-rules" 2> /dev/null; fi
 uptime
-awk -f bench/table.awk "$results" bench/bars.txt
+missed=0
+awk -f bench/table.awk "$results" bench/bars.txt || missed=1
+for group in $groups; do
+    if [ "$group" != rules ] && ! grep -q "^${firstLabel[$group]:-no such group} " "$results"; then
+        echo "bench.sh: nothing was measured of the group $group" >&2
+        missed=1
+    fi
+done
+[ "$missed" -eq 0 ]
