@@ -1,6 +1,7 @@
 #!/bin/bash
-# Checks that every file and every test that the documents name exists, and that the code which a row of
-# docs/kept-on-purpose.md names says "intentional" close by. Exit code 1: something is missing; it is printed.
+# Checks that every file and every test that the documents name exists, that docs/windows.md names every patch to Qt, and
+# that the code which a row of docs/kept-on-purpose.md names says "intentional" close by. Exit code 1: something is
+# missing; it is printed.
 set -euo pipefail
 
 cd "$(dirname "$(realpath "$0")")/.."
@@ -26,6 +27,10 @@ for document in "${documents[@]}"; do
     while IFS=: read -r program _ function; do
         grep -qsE "void ([A-Za-z_]+::)?$function\(\)" tests/*/"$program.cpp" || complain "$document: there is no $program::$function"
     done < <(named "$document" 'tst_[a-z0-9]+::[A-Za-z0-9_]+')
+done
+
+for patch in packaging/windows/qt/*.patch; do
+    grep -qF "| \`$patch\` |" docs/windows.md || complain "docs/windows.md does not say what $patch is for"
 done
 
 # The second column of each table names the code; the first one, in backticks, what stands near the word there.
