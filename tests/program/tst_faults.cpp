@@ -111,7 +111,7 @@ void tst_faults::transfer()
     QStringList journal{"opened"};
     if (!expected.journal.isEmpty() && expected.journal.first() != "unplugged")
         journal += scenario::faultlessJournal(image).at(1); // the request
-    QCOMPARE(scenario::journal(program), journal + expected.journal);
+    QTRY_COMPARE(scenario::journal(program), journal + expected.journal);
     MUST(scenario::leave(program));
 }
 
