@@ -1,23 +1,28 @@
 #!/bin/sh
 # Sets up the updater on this computer: lets whoever sits at it use a unit, and puts the program, where it is, into
 # the menu. Run it again after moving the folder. With --remove it undoes both.
-# Exit code 0: all done, and this user may use every connected unit; 1: something is missing, and it said what.
+# Exit code 0: all done, and this user may use every connected unit; 1: something is missing, and it said what; 2: it
+# cannot be run like this, and has changed nothing.
 set -u
 export LC_ALL=C
 umask 022
 
 usage="usage: install-for-this-computer.sh [--remove]"
 id=example.talvex.updater
-here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd -P) || exit 1
+here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd -P) || exit 2
+if [ ! -e "$here/share/version" ] || [ ! -e "$here/scripts/lib/unitaccess.sh" ]; then
+    echo "${0##*/}: this script must stay in the program's folder. Run it in the unpacked folder." >&2
+    exit 2
+fi
 # shellcheck source=scripts/lib/unitaccess.sh
 . "$here/scripts/lib/unitaccess.sh"
 
 newline='
 '
 rule=/etc/udev/rules.d/$ruleName
-data=${XDG_DATA_HOME:-$HOME/.local/share}
+data=${XDG_DATA_HOME:-${HOME:+$HOME/.local/share}}
 entry=$data/applications/$id.desktop
-smallestSpaceKb=204800 # two images of the largest size, and their backup
+smallestSpaceMb=200 # two images of the largest size, and their backup
 failed=0
 
 # say TEXT: unlike with echo, a backslash in a folder's name is just that.
@@ -31,20 +36,26 @@ complain() {
     return 1
 }
 
-# asRoot SHELL-COMMANDS: as root, with this script's standard input.
+has() {
+    command -v "$1" > /dev/null
+}
+
+# asRoot SHELL-COMMANDS: as root, with this script's standard input. On a desktop by pkexec, and by sudo if pkexec can
+# ask nobody or allows nothing; not if the user has dismissed it.
 asRoot() {
-    if [ "$(id -u)" -eq 0 ]; then
-        sh -c "$1"
-    elif [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && command -v pkexec > /dev/null; then
-        say "  Your password is asked for in a window (pkexec)."
-        pkexec sh -c "$1"
-    elif command -v sudo > /dev/null; then
-        say "  Your password may be asked for here (sudo)."
-        sudo sh -c "$1"
-    else
-        say "  Neither pkexec nor sudo is there to become root with."
+    if has pkexec && { [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || ! has sudo; }; then
+        say "  You are asked for your password (pkexec)."
+        pkexec sh -c "{ $1; } || exit 1"
+        code=$?
+        if [ "$code" -ne 127 ] || ! has sudo; then # 127 is pkexec's own
+            return "$code"
+        fi
+    elif ! has sudo; then
+        say "  Neither pkexec nor sudo is installed, so nobody can be asked for the administrator's password."
         return 1
     fi
+    say "  Your password may be asked for here (sudo)."
+    sudo sh -c "$1"
 }
 
 reload='udevadm control --reload && udevadm trigger --subsystem-match=usb --attr-match=idVendor=3a5d &&
@@ -64,7 +75,7 @@ complainOfRule() {
 }
 
 installRule() {
-    say "Rule that lets whoever sits at this computer use a unit: $rule"
+    say "System rule (udev) that lets whoever sits at this computer use a unit: $rule"
     if ! hasRule; then
         commands="mkdir -p /etc/udev/rules.d && cat > $rule.new && chmod 644 $rule.new && mv -f $rule.new $rule ||
                 { rm -f $rule.new; exit 1; }
@@ -78,7 +89,7 @@ installRule() {
         commands=$reload
         success="Applied."
     fi
-    if asRoot "$commands" < "$here/share/$ruleName"; then
+    if asRoot "$commands" < "$here/share/$ruleName" && hasRule && isAppliedToAll; then
         say "  $success"
     else
         complainOfRule
@@ -86,13 +97,17 @@ installRule() {
 }
 
 removeRule() {
-    say "Rule: $rule"
+    say "System rule (udev) that lets whoever sits at this computer use a unit: $rule"
     if [ ! -e "$rule" ]; then
         say "  It is not there."
-    elif asRoot "rm -f $rule && udevadm control --reload"; then
-        say "  Removed. Units that are connected now can be used until they are unplugged."
-    else
+        return
+    fi
+    say "  It will be removed for everybody who uses this computer."
+    asRoot "rm -f $rule && udevadm control --reload"
+    if [ -e "$rule" ]; then
         complain "the rule was not removed."
+    else
+        say "  Removed. Units that are connected keep their access until they are unplugged."
     fi
 }
 
@@ -123,21 +138,25 @@ writeEntry() {
     printf 'Path=%s\n' "$(printf '%s' "$here" | sed 's/\\/\\\\/g')"
 }
 
-# entryFolder: the folder of the copy that the menu starts; nothing if there is none.
-entryFolder() {
-    sed -n 's/^Path=//p' "$entry" 2> /dev/null | sed 's/\\\\/\\/g'
+# otherFolder: the folder of the copy that the menu starts; nothing if there is none, or if it is this one.
+otherFolder() {
+    sed -n 's/^Path=//p' "$entry" 2> /dev/null | sed 's/\\\\/\\/g' | grep -vxF -e "$here"
 }
 
-# Says what becomes of the copy that the menu starts now.
-describeOther() {
-    other=$(entryFolder)
-    if [ -z "$other" ] || [ "$other" = "$here" ]; then
-        return
-    elif [ -e "$other/talvex-updater" ]; then
-        say "  Another copy is in the menu, $other. From now on the menu starts this one; you may delete the other."
-    else
-        say "  The menu still names $other, where the program no longer is. This will be corrected."
-    fi
+isCopy() {
+    [ -n "$1" ] && [ -e "$1/talvex-updater" ]
+}
+
+# canBeNamed: whether a menu entry can hold the name of this folder.
+canBeNamed() {
+    case $here in
+        *"$newline"*)
+            complain "the folder's name has a line break, which no menu entry can hold. Rename it."
+            return
+            ;;
+    esac
+    printf '%s' "$here" | iconv -f UTF-8 -t UTF-8 > /dev/null 2>&1 ||
+        complain "the folder's name is not in UTF-8, and a menu entry can hold no other. Rename it."
 }
 
 # ownFiles: what is copied to the user's data folder, by its path in share/. These names have no blanks.
@@ -147,14 +166,21 @@ ownFiles() {
 
 installEntry() {
     say "Menu entry, icon and description, for you alone, in $data"
-    describeOther
-    case $here in
-        *"$newline"*)
-            complain "the folder's name has a line break, which no menu entry can hold. Rename it."
-            return
-            ;;
-    esac
-    writeEntry | copyTo - "$entry" || failed=1 # what copyTo sets does not leave the pipe
+    other=$(otherFolder)
+    if isCopy "$other"; then
+        say "  Another copy is in the menu, $other."
+    elif [ -n "$other" ]; then
+        say "  The menu still names $other, where the program no longer is."
+    fi
+    canBeNamed || return
+    if ! writeEntry | copyTo - "$entry"; then
+        failed=1 # what copyTo sets does not leave the pipe
+    elif isCopy "$other"; then
+        say "  The menu now starts this copy."
+        say "  You may delete the other once you have taken your logs and backups out of it."
+    elif [ -n "$other" ]; then
+        say "  The menu now names this folder."
+    fi
     for file in $(ownFiles); do
         copyTo "$here/share/$file" "$data/$file"
     done
@@ -184,36 +210,53 @@ checkFolder() {
     rm -f "$here/.write-test"
     free=$(df --output=avail -k "$here" 2> /dev/null | tr -dc 0-9) # its heading has no digit
     if [ -z "$free" ]; then
-        complain "the system does not say how much space is free there; an update may need $smallestSpaceKb kB."
-    elif [ "$free" -lt "$smallestSpaceKb" ]; then
-        complain "only $free kB are free there, and an update may need $smallestSpaceKb kB."
+        complain "the system does not say how much space is free there; an update may need $smallestSpaceMb MB."
+    elif [ "$free" -lt $((smallestSpaceMb * 1024)) ]; then
+        complain "only $((free / 1024)) MB is free there, and an update may need $smallestSpaceMb MB."
     fi
 }
 
 checkUnits() {
     say "Units connected now, and whether you may use them:"
-    describeUnits || failed=1
+    if [ -n "$(unitFolders)" ]; then
+        describeUnits || failed=1
+    else
+        say "  none; connect the unit, switch it on and run this again to see whether you may use it"
+    fi
 }
 
-if [ "$(id -u)" -eq 0 ] && [ -n "${SUDO_UID:-}${PKEXEC_UID:-}" ]; then
-    say "Run this as the user who will use the program, without sudo or pkexec: it asks for root where it needs it." >&2
-    exit 2
-fi
-case ${1:-} in
-    "")
+# demandUser: leaves unless this is run by somebody who has a menu, and who may need the rule.
+demandUser() {
+    if [ "$(id -u)" -eq 0 ]; then
+        say "Run this as the user who will use the program, without sudo or pkexec, and not as root." >&2
+        say "It asks for the administrator's password when it needs it." >&2
+        exit 2
+    elif [ -z "$data" ]; then
+        say "HOME is not set, so this script cannot tell where your menu is." >&2
+        exit 2
+    fi
+}
+
+case "$# ${1:-}" in
+    "0 ")
+        demandUser
         checkFolder
         installRule
         installEntry
         checkUnits
         ;;
-    --remove)
-        other=$(entryFolder)
-        if [ -n "$other" ] && [ "$other" != "$here" ] && [ -e "$other/talvex-updater" ]; then
+    "1 --remove")
+        demandUser
+        other=$(otherFolder)
+        if isCopy "$other"; then
             say "Nothing was removed: the menu starts another copy, $other. Run the script there."
             exit 1
         fi
         removeEntry
         removeRule
+        ;;
+    "1 --help")
+        say "$usage"
         ;;
     *)
         say "$usage" >&2

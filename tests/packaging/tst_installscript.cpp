@@ -1,35 +1,24 @@
-// install-for-this-computer.sh, as far as it needs no unit and no root: whoever it asks for root only notes
-// the question. The rest is tested in the guest (tests/usb).
+// install-for-this-computer.sh, as far as it needs no unit and no root. The rest is tested by tst_installrule
+// and in the guest (tests/usb).
 
-#include "tests/packaging/bundlecopy.h"
-#include "tests/support/rows.h"
+#include "tests/packaging/scriptuser.h"
 
 #include <QtTest>
 
 #include <QDir>
 #include <QDirIterator>
-#include <QTemporaryDir>
 
 namespace {
 
-constexpr const char* script = "/install-for-this-computer.sh";
-constexpr const char* entryName = "/applications/example.talvex.updater.desktop";
-
-/// Notes where it was started and from which folder.
-constexpr const char* program = "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$PWD\" > \"$STARTED.new\"\n"
-                                "mv \"$STARTED.new\" \"$STARTED\"\n";
-constexpr const char* willingSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\n";
-constexpr const char* deniedSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\nexit 1\n";
-
-/// What the script needs of the system; not what it becomes root with.
-constexpr std::array tools{"cat", "cmp", "cut", "df", "dirname", "find",  "grep", "ls",   "mkdir",
-                           "mv",  "rm",  "sed", "sh", "sort",    "touch", "tr",   "uname"};
-
-/// On such a computer nobody is asked for root; the guest is one that certainly has no rule.
-bool hasRule()
+/// What it complains of, but for the system's rule: on a computer without it nobody can install it here.
+QStringList complaints(const ScriptRun& run)
 {
-    return QFile::exists("/etc/udev/rules.d/70-talvex-updater.rules");
+    return run.output.split('\n').filter(QRegularExpression("FAILED: (?!the rule )"));
 }
+
+/// Everything but menu entries gets its name.
+constexpr const char* mvWithoutEntries =
+    "#!/bin/sh\ncase $* in *.desktop) exit 1 ;; esac\nexec /bin/mv \"$@\"\n";
 
 /// Every file below a folder, with its content.
 QMap<QString, QByteArray> filesIn(const QString& folder)
@@ -50,67 +39,44 @@ class tst_installscript : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
-    void cleanup() { base.reset(); }
+    void cleanup() { user.reset(); }
 
     void menuStartsTheProgram_data();
     void menuStartsTheProgram();
-    void rootIsAskedForOnce();
     void secondRunChangesNothing();
     void movedFolderIsPutRight();
     void anotherCopyIsNamed();
+    void menuStaysAsItWas_data();
+    void menuStaysAsItWas();
     void removal();
     void removalThatFails();
     void removalSparesAnotherCopy();
-    void lineBreakInTheName();
-    void toolFails_data();
-    void toolFails();
+    void nameNotInUtf8();
+    void spaceUnknown();
     void startedAsRoot_data();
     void startedAsRoot();
-    void unknownOption();
+    void noHome_data();
+    void noHome();
+    void usage_data();
+    void usage();
 
 private:
-    QString copyNamed(const QString& name);
-    ScriptRun run(const QString& folder, const QStringList& arguments = {});
-    [[nodiscard]] QString data() const { return base->filePath("data"); }
+    [[nodiscard]] bool startsInMenu(const QString& folder) const;
 
-    QTemporaryDir original;
-    QScopedPointer<QTemporaryDir> base;
-    QProcessEnvironment environment;
+    QScopedPointer<ScriptUser> user;
 };
-
-void tst_installscript::initTestCase()
-{
-    QVERIFY(installSurroundings(original.path()));
-    QVERIFY(writeExecutable(original.filePath("talvex-updater"), program));
-}
 
 void tst_installscript::init()
 {
-    base.reset(new QTemporaryDir);
-    QVERIFY(QDir(base->path()).mkdir("bin"));
-    for (const char* tool : tools)
-        QVERIFY(QFile::link(QStandardPaths::findExecutable(tool), base->filePath("bin/") + tool));
-    QVERIFY(writeExecutable(base->filePath("bin/id"), "#!/bin/sh\necho 1000\n"));
-    QVERIFY(writeExecutable(base->filePath("bin/sudo"), willingSudo));
-    environment.clear();
-    environment.insert("PATH", base->filePath("bin"));
-    environment.insert("HOME", base->filePath("home"));
-    environment.insert("XDG_DATA_HOME", data());
-    environment.insert("ASKED", base->filePath("asked"));
-    environment.insert("STARTED", base->filePath("started"));
+    user.reset(new ScriptUser);
+    QVERIFY(user->isReady());
 }
 
-QString tst_installscript::copyNamed(const QString& name)
+/// Whether the menu starts the copy in this folder.
+bool tst_installscript::startsInMenu(const QString& folder) const
 {
-    const QString folder = base->filePath(name);
-    return copyFolder(original.path(), folder) ? folder : QString();
-}
-
-ScriptRun tst_installscript::run(const QString& folder, const QStringList& arguments)
-{
-    return runScript(folder + script, arguments, environment);
+    return contentOf(user->entry()).contains("\nPath=" + folder.toUtf8() + '\n');
 }
 
 void tst_installscript::menuStartsTheProgram_data()
@@ -131,131 +97,146 @@ void tst_installscript::menuStartsTheProgram_data()
 void tst_installscript::menuStartsTheProgram()
 {
     QFETCH(QString, name);
-    const QString folder = copyNamed(name);
-    const ScriptRun installed = run(folder);
-    QVERIFY2(!installed.says("FAILED"), qPrintable(installed.output));
-    QVERIFY2(installed.says(data() + entryName), qPrintable(installed.output));
+    const QString folder = user->copyNamed(name);
+    const ScriptRun installed = user->install(folder);
+    QVERIFY2(complaints(installed).isEmpty(), qPrintable(installed.output));
+    QVERIFY2(installed.says(user->entry()), qPrintable(installed.output));
 
-    environment.insert("PATH", qEnvironmentVariable("PATH"));
-    const ScriptRun valid = runScript("desktop-file-validate", {data() + entryName}, environment);
+    user->environment.insert("PATH", qEnvironmentVariable("PATH"));
+    const ScriptRun valid = runScript("desktop-file-validate", {user->entry()}, user->environment);
     QVERIFY2(valid.code == 0 && valid.output.isEmpty(), qPrintable(valid.output));
-    const ScriptRun launched = runScript("gio", {"launch", data() + entryName}, environment);
+    const ScriptRun launched = runScript("gio", {"launch", user->entry()}, user->environment);
     QVERIFY2(launched.code == 0, qPrintable(launched.output));
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(base->filePath("started")), limits::hangMs());
-    QCOMPARE(QString::fromUtf8(contentOf(base->filePath("started"))),
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(user->path("started")), limits::hangMs());
+    QCOMPARE(QString::fromUtf8(contentOf(user->path("started"))),
              folder + "/talvex-updater\n" + folder + '\n');
-}
-
-void tst_installscript::rootIsAskedForOnce()
-{
-    if (hasRule())
-        QSKIP("this computer has the rule");
-    const ScriptRun installed = run(copyNamed("updater"));
-    QVERIFY2(installed.says("/etc/udev/rules.d/70-talvex-updater.rules"), qPrintable(installed.output));
-    QCOMPARE(contentOf(base->filePath("asked")), QByteArray("asked\n"));
 }
 
 void tst_installscript::secondRunChangesNothing()
 {
-    const QString folder = copyNamed("updater");
-    QVERIFY(!run(folder).says("FAILED"));
-    const QMap<QString, QByteArray> once = filesIn(base->path());
-    QVERIFY(once.contains(data() + entryName));
-    QFile::remove(base->filePath("asked"));
-    const ScriptRun again = run(folder);
-    QVERIFY2(!again.says("FAILED") && !again.says("copy"), qPrintable(again.output));
-    QCOMPARE(filesIn(base->path()), once);
+    const QString folder = user->copyNamed("updater");
+    QVERIFY(complaints(user->install(folder)).isEmpty());
+    const QMap<QString, QByteArray> once = filesIn(user->path("."));
+    QVERIFY(startsInMenu(folder));
+    QFile::remove(user->path("asked"));
+    const ScriptRun again = user->install(folder);
+    QVERIFY2(complaints(again).isEmpty() && !again.says("Another copy") && !again.says("The menu"),
+             qPrintable(again.output));
+    QCOMPARE(filesIn(user->path(".")), once);
 }
 
 void tst_installscript::movedFolderIsPutRight()
 {
-    const QString before = copyNamed("be\\fore");
-    QVERIFY(!run(before).says("FAILED"));
-    const QString after = base->filePath("after");
+    const QString before = user->copyNamed("be\\fore");
+    QVERIFY(complaints(user->install(before)).isEmpty());
+    const QString after = user->path("after");
     QVERIFY(QDir().rename(before, after));
-    const ScriptRun again = run(after);
-    QVERIFY2(again.says("The menu still names " + before + ','), qPrintable(again.output));
-    QVERIFY(contentOf(data() + entryName).contains("\nPath=" + after.toUtf8() + '\n'));
-    QVERIFY(!run(after).says("still names"));
+    const ScriptRun again = user->install(after);
+    QVERIFY2(again.says("The menu still names " + before + ", where the program no longer is.\n"),
+             qPrintable(again.output));
+    QVERIFY2(again.says("  The menu now names this folder.\n"), qPrintable(again.output));
+    QVERIFY(startsInMenu(after));
+    QVERIFY(!user->install(after).says("The menu"));
 }
 
 void tst_installscript::anotherCopyIsNamed()
 {
-    const QString first = copyNamed("first");
-    const QString second = copyNamed("second");
-    QVERIFY(!run(first).says("Another copy"));
-    const ScriptRun run2 = run(second);
-    QVERIFY2(run2.says("Another copy is in the menu, " + first + '.'), qPrintable(run2.output));
-    QVERIFY(contentOf(data() + entryName).contains("\nPath=" + second.toUtf8() + '\n'));
+    const QString first = user->copyNamed("first");
+    const QString second = user->copyNamed("second");
+    QVERIFY(!user->install(first).says("Another copy"));
+    const ScriptRun installed = user->install(second);
+    QVERIFY2(installed.says("  Another copy is in the menu, " + first + ".\n"), qPrintable(installed.output));
+    QVERIFY2(
+        installed.says("  The menu now starts this copy.\n"
+                       "  You may delete the other once you have taken your logs and backups out of it.\n"),
+        qPrintable(installed.output));
+    QVERIFY(startsInMenu(second));
+}
+
+void tst_installscript::menuStaysAsItWas_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("canWrite");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("line break in the folder's name")
+        << "sec\nond" << true
+        << "the folder's name has a line break, which no menu entry can hold. Rename it.\n";
+    QTest::newRow("menu entry cannot be written") << "second" << false << "cannot write ";
+}
+
+/// Nobody is told to delete the copy that the menu still starts.
+void tst_installscript::menuStaysAsItWas()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, canWrite);
+    QFETCH(QString, complaint);
+    const QString first = user->copyNamed("first");
+    QVERIFY(complaints(user->install(first)).isEmpty());
+    QVERIFY(canWrite || user->setCommand("mv", mvWithoutEntries));
+    const ScriptRun installed = user->install(user->copyNamed(name));
+    QCOMPARE(installed.code, 1);
+    QVERIFY2(installed.says("  Another copy is in the menu, " + first + ".\n"), qPrintable(installed.output));
+    QVERIFY2(installed.says("FAILED: " + complaint), qPrintable(installed.output));
+    QVERIFY2(!installed.says("delete") && !installed.says("The menu now"), qPrintable(installed.output));
+    QVERIFY(startsInMenu(first));
 }
 
 void tst_installscript::removal()
 {
-    const QString folder = copyNamed("updater");
-    QVERIFY(!run(folder).says("FAILED"));
-    const ScriptRun removed = run(folder, {"--remove"});
-    QVERIFY2(removed.code == 0 && removed.says("removed: " + data() + entryName), qPrintable(removed.output));
-    QVERIFY(filesIn(data()).isEmpty());
-    const ScriptRun again = run(folder, {"--remove"});
-    QVERIFY2(again.code == 0 && !again.says("removed:"), qPrintable(again.output));
+    const QString folder = user->copyNamed("updater");
+    QVERIFY(complaints(user->install(folder)).isEmpty());
+    const ScriptRun removed = user->install(folder, {"--remove"});
+    QVERIFY2(complaints(removed).isEmpty() && removed.says("removed: " + user->entry()),
+             qPrintable(removed.output));
+    QVERIFY(filesIn(user->data()).isEmpty());
+    const ScriptRun again = user->install(folder, {"--remove"});
+    QVERIFY2(complaints(again).isEmpty() && !again.says("removed:"), qPrintable(again.output));
 }
 
 void tst_installscript::removalThatFails()
 {
-    const QString folder = copyNamed("updater");
-    QVERIFY(!run(folder).says("FAILED"));
-    QVERIFY(QFile::remove(base->filePath("bin/rm")));
-    QVERIFY(writeExecutable(base->filePath("bin/rm"), "#!/bin/sh\nexit 1\n"));
-    const ScriptRun removed = run(folder, {"--remove"});
+    const QString folder = user->copyNamed("updater");
+    QVERIFY(complaints(user->install(folder)).isEmpty());
+    QVERIFY(user->setCommand("rm", "#!/bin/sh\nexit 1\n"));
+    const ScriptRun removed = user->install(folder, {"--remove"});
     QCOMPARE(removed.code, 1);
-    QVERIFY2(removed.says("FAILED: cannot remove " + data() + entryName + ".\n"), qPrintable(removed.output));
+    QVERIFY2(removed.says("FAILED: cannot remove " + user->entry() + ".\n"), qPrintable(removed.output));
 }
 
 void tst_installscript::removalSparesAnotherCopy()
 {
-    const QString first = copyNamed("first");
-    const QString second = copyNamed("second");
-    QVERIFY(!run(second).says("FAILED"));
-    const QMap<QString, QByteArray> before = filesIn(base->path());
-    const ScriptRun removed = run(first, {"--remove"});
+    const QString first = user->copyNamed("first");
+    const QString second = user->copyNamed("second");
+    QVERIFY(complaints(user->install(second)).isEmpty());
+    const QMap<QString, QByteArray> before = filesIn(user->path("."));
+    const ScriptRun removed = user->install(first, {"--remove"});
     QCOMPARE(removed.code, 1);
     QVERIFY2(removed.says("the menu starts another copy, " + second + '.'), qPrintable(removed.output));
-    QCOMPARE(filesIn(base->path()), before);
+    QCOMPARE(filesIn(user->path(".")), before);
 }
 
-void tst_installscript::lineBreakInTheName()
+void tst_installscript::nameNotInUtf8()
 {
-    const ScriptRun installed = run(copyNamed("two\nlines"));
+    const QString inOtherFolder = R"(other=$1$(printf '\344') && mv "$1" "$other" || exit 3
+        "$other/install-for-this-computer.sh"
+        code=$?
+        mv "$other" "$1"
+        exit $code)"; // with a name that Qt can remove
+    const ScriptRun installed =
+        runScript("sh", {"-c", inOtherFolder, "sh", user->copyNamed("m")}, user->environment);
     QCOMPARE(installed.code, 1);
-    QVERIFY2(installed.says("FAILED: the folder's name has a line break"), qPrintable(installed.output));
-    QVERIFY(!QFile::exists(data() + entryName));
+    QVERIFY2(installed.says("FAILED: the folder's name is not in UTF-8"), qPrintable(installed.output));
+    QVERIFY(!QFile::exists(user->entry()));
 }
 
-void tst_installscript::toolFails_data()
+void tst_installscript::spaceUnknown()
 {
-    const Rows<QString, QByteArray, QStringList> row("tool", "itsReplacement", "said"); // null: it is missing
-    const QString noRule = "FAILED: the rule was not installed.";
-    row("root is denied", "sudo", deniedSudo, {noRule});
-    row("nobody to ask for root", "sudo", {}, {"Neither pkexec nor sudo is there", noRule});
-    row("space unknown", "df", {}, {"FAILED: the system does not say how much space is free"});
-}
-
-void tst_installscript::toolFails()
-{
-    QFETCH(QString, tool);
-    QFETCH(QByteArray, itsReplacement);
-    QFETCH(QStringList, said);
-    if (tool == "sudo" && hasRule())
-        QSKIP("this computer has the rule");
-    QVERIFY(QFile::remove(base->filePath("bin/" + tool)));
-    if (!itsReplacement.isNull())
-        QVERIFY(writeExecutable(base->filePath("bin/" + tool), itsReplacement));
-    const ScriptRun installed = run(copyNamed("updater"));
+    QVERIFY(user->removeCommand("df"));
+    const ScriptRun installed = user->install(user->copyNamed("updater"));
     QCOMPARE(installed.code, 1);
-    for (const QString& text : qAsConst(said))
-        QVERIFY2(installed.says(text), qPrintable(installed.output));
-    if (tool == "sudo")
-        QVERIFY(QFile::exists(data() + entryName)); // which needs no root
+    QVERIFY2(installed.says("FAILED: the system does not say how much space is free there; "
+                            "an update may need 200 MB.\n"),
+             qPrintable(installed.output));
 }
 
 void tst_installscript::startedAsRoot_data()
@@ -263,25 +244,54 @@ void tst_installscript::startedAsRoot_data()
     QTest::addColumn<QString>("variable");
     QTest::newRow("by sudo") << "SUDO_UID";
     QTest::newRow("by pkexec") << "PKEXEC_UID";
+    QTest::newRow("by logging in") << "XDG_SEAT";
 }
 
 void tst_installscript::startedAsRoot()
 {
     QFETCH(QString, variable);
-    QVERIFY(writeExecutable(base->filePath("bin/id"), "#!/bin/sh\necho 0\n"));
-    environment.insert(variable, "1000");
-    const ScriptRun installed = run(copyNamed("updater"));
+    QVERIFY(user->setCommand("id", "#!/bin/sh\necho 0\n"));
+    user->environment.insert(variable, "1000");
+    const ScriptRun installed = user->install(user->copyNamed("updater"));
     QCOMPARE(installed.code, 2);
-    QVERIFY2(installed.says("without sudo"), qPrintable(installed.output));
-    QVERIFY(filesIn(data()).isEmpty());
+    QVERIFY2(installed.says("without sudo or pkexec, and not as root."), qPrintable(installed.output));
+    QVERIFY(filesIn(user->data()).isEmpty());
 }
 
-void tst_installscript::unknownOption()
+void tst_installscript::noHome_data()
 {
-    const ScriptRun installed = run(copyNamed("updater"), {"--uninstall"});
-    QCOMPARE(installed.code, 2);
-    QVERIFY2(installed.says("usage:"), qPrintable(installed.output));
-    QVERIFY(filesIn(data()).isEmpty());
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("installation") << QStringList();
+    QTest::newRow("removal") << QStringList("--remove");
+}
+
+void tst_installscript::noHome()
+{
+    QFETCH(QStringList, arguments);
+    user->environment.remove("HOME");
+    user->environment.remove("XDG_DATA_HOME");
+    const ScriptRun run = user->install(user->copyNamed("updater"), arguments);
+    QCOMPARE(run.code, 2);
+    QCOMPARE(run.output, QString("HOME is not set, so this script cannot tell where your menu is.\n"));
+    QCOMPARE(user->asked(), QStringList());
+}
+
+void tst_installscript::usage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::newRow("asked for") << QStringList("--help") << 0;
+    QTest::newRow("unknown option") << QStringList("--uninstall") << 2;
+    QTest::newRow("one argument too many") << QStringList{"--remove", "now"} << 2;
+}
+
+void tst_installscript::usage()
+{
+    QFETCH(QStringList, arguments);
+    const ScriptRun run = user->install(user->copyNamed("updater"), arguments);
+    QTEST(run.code, "code");
+    QCOMPARE(run.output, QString("usage: install-for-this-computer.sh [--remove]\n"));
+    QVERIFY(filesIn(user->data()).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_installscript)

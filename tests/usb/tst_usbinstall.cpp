@@ -19,12 +19,12 @@ constexpr const char* rule = "/etc/udev/rules.d/70-talvex-updater.rules";
 constexpr const char* installScript = "install-for-this-computer.sh";
 constexpr const char* reportScript = "scripts/support-report.sh";
 
-/// Counts how often somebody becomes root.
-constexpr const char* countingSudo = "#!/bin/sh\necho asked >> \"$ASKED\"\nexec /usr/bin/sudo \"$@\"\n";
-constexpr const char* deniedSudo = "#!/bin/sh\nexit 1\n";
+/// A sudo that notes each time somebody asks for root, and what it does then.
+const QByteArray noting = "#!/bin/sh\necho asked >> \"$ASKED\"\n";
+constexpr const char* obeying = "exec /usr/bin/sudo \"$@\"";
 
 /// Root's commands come from the test's own folder, too, where this one is told nothing.
-constexpr const char* obedientSudo = "#!/bin/sh\nexec /usr/bin/sudo env PATH=\"$PATH\" \"$@\"\n";
+constexpr const char* obeyingInTestsPath = "exec /usr/bin/sudo env PATH=\"$PATH\" \"$@\"";
 constexpr const char* deafUdevadm =
     "#!/bin/sh\n[ \"$1\" != control ] && exec /usr/bin/udevadm \"$@\"\nexit 1\n";
 
@@ -48,7 +48,7 @@ class tst_usbinstall : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
+    void cleanup() { base.reset(); }
 
     void withoutRule();
     void installation();
@@ -61,7 +61,7 @@ private slots:
     void smallFolder();
     void reason_data();
     void reason();
-    void removalDenied();
+    void removal_data();
     void removal();
     void deviceManagerDeaf();
     void ruleNotApplied();
@@ -87,17 +87,12 @@ void tst_usbinstall::init()
     base.reset(new QTemporaryDir);
     QVERIFY(copyFolder(place + "/surroundings", base->filePath("updater")));
     QVERIFY(QDir(base->path()).mkdir("bin"));
-    QVERIFY(writeCommand("sudo", countingSudo));
+    QVERIFY(writeCommand("sudo", noting + obeying));
     environment.clear();
     environment.insert("PATH", base->filePath("bin") + ":/usr/sbin:/usr/bin:/sbin:/bin");
     environment.insert("HOME", base->path());
     environment.insert("SYSTEMD_IGNORE_CHROOT", "1"); // as in guest/machine.sh
     environment.insert("ASKED", base->filePath("asked"));
-}
-
-void tst_usbinstall::cleanup()
-{
-    base.reset();
 }
 
 ScriptRun tst_usbinstall::run(const QString& name, const QStringList& arguments) const
@@ -134,6 +129,7 @@ void tst_usbinstall::installation()
 {
     QVERIFY(!QFile::exists(rule));
     const ScriptRun first = run(installScript);
+    QVERIFY2(first.says("  Installed.\n"), qPrintable(first.output));
     QVERIFY2(first.says(" directly on the bus: yes (/dev/bus/usb/"), qPrintable(first.output));
     QVERIFY2(first.says(" through the kernel's driver: yes (/dev/hidraw"), qPrintable(first.output));
     QCOMPARE(first.code, 0);
@@ -213,7 +209,7 @@ void tst_usbinstall::readOnlyFolder()
 
 void tst_usbinstall::smallFolder()
 {
-    expectFailure(runIn(place + "/small/updater"), "kB are free there, and an update may need");
+    expectFailure(runIn(place + "/small/updater"), " MB is free there, and an update may need 200 MB.\n");
     QVERIFY(!QFile::exists(place + "/small/updater/.write-test"));
 }
 
@@ -222,7 +218,8 @@ void tst_usbinstall::reason_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("times");
     QTest::addColumn<int>("code");
-    QTest::newRow("no unit") << "whether you may use them:\n  none\n" << 1 << 0;
+    QTest::newRow("no unit")
+        << "whether you may use them:\n  none; connect the unit, switch it on and run this again" << 1 << 0;
     QTest::newRow("somebody else sits") << "you are not the one who sits at this computer" << 2 << 1;
     QTest::newRow("nobody sits") << "the system does not say who sits at this computer" << 2 << 1;
     QTest::newRow("rights taken away") << "): unknown: crw-------" << 1 << 1;
@@ -240,30 +237,40 @@ void tst_usbinstall::reason()
     QTEST(installed.code, "code");
 }
 
-void tst_usbinstall::removalDenied()
+void tst_usbinstall::removal_data()
 {
-    QVERIFY(writeCommand("sudo", deniedSudo));
-    expectFailure(run(installScript, {"--remove"}), "FAILED: the rule was not removed.\n");
-    QVERIFY(QFile::exists(rule));
+    QTest::addColumn<QByteArray>("sudo");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("code");
+    const QString kept("FAILED: the rule was not removed.\n");
+    const QString gone("Removed. Units that are connected keep their access until they are unplugged.\n");
+    QTest::newRow("sudo refuses") << noting + "exit 1" << kept << 1;
+    QTest::newRow("sudo says yes and does nothing") << noting + "exit 0" << kept << 1;
+    QTest::newRow("sudo obeys") << noting + obeying << gone << 0;
+    QTest::newRow("the device manager is deaf") << noting + obeyingInTestsPath << gone << 0;
 }
 
 void tst_usbinstall::removal()
 {
+    QFETCH(QByteArray, sudo);
+    QFETCH(QString, text);
     QVERIFY(QFile::exists(rule));
+    QVERIFY(writeCommand("sudo", sudo) && writeCommand("udevadm", deafUdevadm));
     const ScriptRun removed = run(installScript, {"--remove"});
-    QVERIFY2(removed.code == 0, qPrintable(removed.output));
-    QCOMPARE(asked(), QByteArray("asked\n"));
-    QVERIFY(!QFile::exists(rule));
+    QVERIFY2(removed.says("for everybody who uses this computer.\n") && removed.says(text),
+             qPrintable(removed.output));
+    QTEST(removed.code, "code");
+    QCOMPARE(QFile::exists(rule), removed.code != 0);
     const ScriptRun again = run(installScript, {"--remove"});
-    QVERIFY2(again.code == 0 && again.says("It is not there."), qPrintable(again.output));
-    QCOMPARE(asked(), QByteArray("asked\n"));
+    QCOMPARE(again.says("It is not there."), removed.code == 0);
+    QCOMPARE(asked().count("asked"), removed.code == 0 ? 1 : 2);
 }
 
 /// The rule is there afterwards, but nobody has told the device manager of it.
 void tst_usbinstall::deviceManagerDeaf()
 {
     QVERIFY(!QFile::exists(rule));
-    QVERIFY(writeCommand("sudo", obedientSudo));
+    QVERIFY(writeCommand("sudo", noting + obeyingInTestsPath));
     QVERIFY(writeCommand("udevadm", deafUdevadm));
     const ScriptRun installed = run(installScript);
     expectFailure(installed, "FAILED: the rule is installed, but not applied yet: unplug the unit");
@@ -276,10 +283,16 @@ void tst_usbinstall::deviceManagerDeaf()
 void tst_usbinstall::ruleNotApplied()
 {
     QVERIFY(QFile::exists(rule));
+    QVERIFY(writeCommand("sudo", noting + "exit 0"));
+    const ScriptRun inVain = run(installScript);
+    QVERIFY2(inVain.says("FAILED: the rule is installed, but not applied yet"), qPrintable(inVain.output));
+    QVERIFY(writeCommand("sudo", noting + obeying));
     const ScriptRun installed = run(installScript);
+    QVERIFY2(installed.says("It is there already, but not yet applied to a unit that is connected.\n"),
+             qPrintable(installed.output));
     QVERIFY2(installed.says("  Applied.\n"), qPrintable(installed.output));
     QCOMPARE(installed.code, 0);
-    QCOMPARE(asked(), QByteArray("asked\n"));
+    QCOMPARE(asked(), QByteArray("asked\nasked\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_usbinstall)

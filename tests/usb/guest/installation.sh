@@ -33,7 +33,7 @@ releaseUnits() {
 
 # testInstallation BUILD RUNNER: RUNNER as for testAccess.
 testInstallation() {
-    local build=$1 runner=$2 user=1000 folder=$TMPDIR/installation function
+    local build=$1 runner=$2 user=1000 folder=$TMPDIR/installation function row
     local asUser=(setpriv --reuid "$user" --regid "$user" --clear-groups)
     install -d -m 777 "$folder"
     prepareInstallation "$build" "$user"
@@ -41,10 +41,8 @@ testInstallation() {
     udevadm control --reload
 
     sitDown "$user"
-    # What most computers that run the tests cannot show, because they have the rule. These need no ordinary user.
-    for function in rootIsAskedForOnce rootIsDenied nobodyToAskForRoot; do
-        "$runner" tst_installscript "$function"
-    done
+    # What a computer with the rule, which runs the tests, cannot show. It needs no ordinary user.
+    "$runner" tst_installrule
     plugInFor "$folder"
     for function in withoutRule installation inUse supportReport menu readOnlyFolder smallFolder; do
         "$runner" tst_usbinstall "$function" "${asUser[@]}"
@@ -71,10 +69,12 @@ testInstallation() {
     pullOut
 
     sitDown "$user"
-    "$runner" tst_usbinstall removalDenied "${asUser[@]}"
-    "$runner" tst_usbinstall removal "${asUser[@]}"
+    for row in "sudo refuses" "sudo says yes and does nothing" "sudo obeys"; do
+        "$runner" tst_usbinstall "removal:$row" "${asUser[@]}"
+    done
     plugInFor "$folder"
     "$runner" tst_usbinstall deviceManagerDeaf "${asUser[@]}"
     "$runner" tst_usbinstall ruleNotApplied "${asUser[@]}" # by what the one before has installed
+    "$runner" tst_usbinstall "removal:the device manager is deaf" "${asUser[@]}"
     pullOut
 }

@@ -35,7 +35,7 @@ cd /run
 rm -rf "$results"
 mkdir "$results"
 prepareMachine
-PATH=$build/bin:$build/tests/packaging/tst_installscript.dir:$PATH
+PATH=$build/bin:$build/tests/packaging/tst_installrule.dir:$PATH
 startScreen
 letIn "$build/bin" "$TALVEX_TEST_PROGRAM" "$here/../../../server"
 for name in "$@"; do
