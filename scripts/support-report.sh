@@ -4,14 +4,14 @@
 set -u
 export LC_ALL=C
 
-here=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd -P) || exit 1
+here=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd -P) || exit 2
+if [ ! -e "$here/share/version" ] || [ ! -e "$here/scripts/lib/unitaccess.sh" ]; then
+    echo "${0##*/}: this script must stay in the program's folder. Run it in the unpacked folder." >&2
+    exit 2
+fi
 # shellcheck source=scripts/lib/unitaccess.sh
 . "$here/scripts/lib/unitaccess.sh"
 mostLines=200
-if [ ! -e "$here/share/version" ]; then
-    echo "support-report.sh: the program's folder is not around me; run the copy in the unpacked archive" >&2
-    exit 2
-fi
 
 # orUnknown COMMAND...: its first line of output.
 orUnknown() {
@@ -46,9 +46,12 @@ reportJournal() {
     journalctl --user --no-pager --quiet --lines="$mostLines" _COMM=talvex-updater 2>&1 | sed 's/^/  /'
 }
 
+# The report itself, if it becomes one of the files, is not finished yet.
 reportFiles() {
     echo "Files: size, SHA-256, name"
     (cd "$here" && find . -type f | sort) | while IFS= read -r file; do
+        # shellcheck disable=SC3013  # dash and bash both know -ef
+        [ ! "$here/$file" -ef /dev/stdout ] || continue
         printf '  %10d %s %s\n' "$(stat -c %s "$here/$file")" "$(sha256sum < "$here/$file" | cut -d ' ' -f 1)" "${file#./}"
     done
 }

@@ -28,9 +28,10 @@ hidNodes() {
     done
 }
 
-# canOpen NODE: whether this user may read and write it. It is really opened, which does nothing to the unit.
+# canOpen NODE: whether this user may read and write it. It is really opened, which does nothing to the unit; but for one
+# that was just pulled out, it would make a file.
 canOpen() {
-    (exec 3<> "$1") 2> /dev/null
+    [ -c "$1" ] && (exec 3<> "$1") 2> /dev/null
 }
 
 # isUsedDirectly UNIT: whether some program has taken the unit from the kernel's HID driver.
@@ -109,7 +110,7 @@ describeNode() {
 
 # describeUse UNIT: says if another program uses it.
 describeUse() {
-    # shellcheck disable=SC2046  # likewise
+    # shellcheck disable=SC2046  # the names of device files have no blanks
     users=$(usersOf "$(busNode "$1")" $(hidNodes "$1"))
     if isUsedDirectly "$1" || [ -n "$users" ]; then
         echo "    in use by a program${users:+: $users}: close it before you press Connect"
