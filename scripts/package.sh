@@ -1,6 +1,7 @@
 #!/bin/bash
-# Packs the program for Linux, with the libraries that it needs, as artifacts/package/talvex-updater-VERSION-linux-x86_64.tar.gz
-# and prints the archive's size and SHA-256. The same sources, built on the same packages of Debian, give the same bytes.
+# Packs the program for Linux, with the libraries that it needs, as talvex-updater-VERSION-linux-x86_64.tar.gz in
+# artifacts/package/, and prints the archive's size and SHA-256. The same sources, built on the same packages of Debian,
+# give the same bytes.
 set -euo pipefail
 
 usage() {
@@ -8,7 +9,8 @@ usage() {
 usage: scripts/package.sh [--check] [-DOPTION=VALUE...]
   -D...    options of the build, such as the name of a vendor's server (README.md)
   --check  also build it a second time elsewhere and compare; update virtual units with it on minimal systems of
-           Debian 12 and 13; and measure its start. Needs root, to make these systems
+           Debian 12 and 13; and measure its start. Needs root, to make these systems. Not for a program with a
+           catalogue key: the catalogue that it is updated from is not signed
 END
 }
 
@@ -18,8 +20,9 @@ source scripts/lib/packages.sh
 output=$PWD/artifacts/package
 mostBytes=45000000
 newestGlibc=2.36
-wantedFiles=(talvex-updater user-guide.html licenses/THIRD-PARTY-NOTICES.txt install-for-this-computer.sh
-    share/{70-talvex-updater.rules,example.talvex.updater.desktop,metainfo/example.talvex.updater.metainfo.xml}
+wantedFiles=(talvex-updater qt.conf plugins/platforms/libqxcb.so user-guide.html licenses/THIRD-PARTY-NOTICES.txt
+    install-for-this-computer.sh share/{version,70-talvex-updater.rules}
+    share/{example.talvex.updater.desktop,metainfo/example.talvex.updater.metainfo.xml}
     share/icons/hicolor/{{16x16,24x24,32x32,48x48,64x64,128x128,256x256}/apps/talvex-updater.png,scalable/apps/talvex-updater.svg}
     scripts/{support-report,lib/unitaccess}.sh)
 
@@ -104,7 +107,7 @@ done
 if [ "$check" = yes ]; then
     # shellcheck source=scripts/lib/packagecheck.sh
     source scripts/lib/packagecheck.sh
-    demandCheckable
+    demandCheckable "${options[@]}"
 fi
 installMissing "${buildPackages[@]}" "${guidePackages[@]}" "${bundlePackages[@]}"
 if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then

@@ -117,6 +117,17 @@ appeared() {
     comm -13 "$work/$1.before" "$work/$1.after" | sed -e "s,^\./,," -e "s,^${2#/}/,," -e 's/ [0-9.]* [0-9.]* *$//'
 }
 
+# reportIn NAME TOP: the report for support made there, in the unpacked folder TOP, knows the program.
+reportIn() {
+    local root=$work/$1 top=$2 version=${archive##*/talvex-updater-} program
+    program=$(sha256sum < "$root$top/talvex-updater")
+    writeLauncher "$work/report-$1" "$root" "$work/desk-$1" "$top/scripts/support-report.sh"
+    asUser env -i PATH="$PATH" "$work/report-$1" > "$work/$1.report"
+    cat "$work/$1.report"
+    grep -qxF "  version: ${version%-linux-*}" "$work/$1.report"
+    grep -qF " ${program%% *} talvex-updater" "$work/$1.report"
+}
+
 # updateIn NAME: an ordinary user there unpacks the bundle and updates units with it, time and again.
 updateIn() {
     local root=$work/$1 desk=$work/desk-$1 folder="/home/musician/Моя музыка и программы" top
@@ -126,6 +137,7 @@ updateIn() {
     install -d -o "$userId" -g "$userId" "$desk" "$desk/home"
     writeLauncher "$work/start-$1" "$root" "$desk" "$top/talvex-updater"
     listFiles "$root" > "$work/$1.before"
+    reportIn "$1" "$top"
     asUser env -i PATH="$PATH" LANG=C.UTF-8 HOME="$desk/home" TMPDIR="$desk" TALVEX_TEST_PROGRAM="$work/start-$1" \
         build-test/bin/tst_bundle
     listFiles "$root" > "$work/$1.after"
@@ -174,8 +186,12 @@ judge() {
     return "$result"
 }
 
-# demandCheckable: returns 1, and says why, if the check cannot be made here.
+# demandCheckable OPTION...: returns 1, and says why, if what is built with these options cannot be checked here.
 demandCheckable() {
+    if printf '%s\n' "$@" | grep -q '^-DTALVEX_CATALOGUE_KEY[:=]'; then
+        echo "package.sh: --check updates from a catalogue that is not signed: leave out -DTALVEX_CATALOGUE_KEY" >&2
+        return 1
+    fi
     if [ "$(id -u)" -ne 0 ]; then
         echo "package.sh: --check makes systems of its own and must be run as root" >&2
         return 1
