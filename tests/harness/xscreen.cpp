@@ -99,6 +99,17 @@ QVector<QImage> XScreen::icons(Window window)
     return icons;
 }
 
+QString XScreen::classOf(Window window)
+{
+    XClassHint hint{};
+    if (XGetClassHint(display, window, &hint) == 0)
+        return {};
+    const QString name(hint.res_class);
+    XFree(hint.res_name);
+    XFree(hint.res_class);
+    return name;
+}
+
 bool XScreen::pointAt(QPoint position, Window window)
 {
     constexpr int deepest = 16; // frames of the window manager, the window, its native children

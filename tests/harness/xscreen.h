@@ -42,6 +42,9 @@ public:
     /// The icon that the window has given the window manager, in each of its sizes, in the window's order.
     [[nodiscard]] QVector<QImage> icons(Window window);
 
+    /// What menus recognise the window by (WM_CLASS, its second part); empty if it has no such property.
+    [[nodiscard]] QString classOf(Window window);
+
     /// Whether the server sends keys to this window.
     [[nodiscard]] bool hasFocus(Window window);
 

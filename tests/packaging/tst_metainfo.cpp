@@ -94,7 +94,6 @@ void tst_metainfo::programIsTheOneBuilt_data()
     QTest::addColumn<QString>("named");
     QTest::newRow("by the catalogue") << textsOf("binary").value(0);
     QTest::newRow("by the menu entry") << entry("Exec");
-    QTest::newRow("by its windows") << entry("StartupWMClass");
 }
 
 void tst_metainfo::programIsTheOneBuilt()

@@ -6,6 +6,7 @@
 #include "tests/support/windowtables.h"
 
 #include <QJsonArray>
+#include <QSettings>
 #include <QtTest>
 
 namespace {
@@ -38,6 +39,7 @@ private slots:
     void cleanupTestCase();
 
     void titleAndSize();
+    void menuEntryNamesTheWindow();
     void icon_data();
     void icon();
     void controls_data();
@@ -78,6 +80,15 @@ void tst_window::titleAndSize()
     QCOMPARE(window["name"].toString(), QString("MainWindow"));
     QCOMPARE(window["class"].toString(), QString("MainWindow"));
     QCOMPARE(QSize(window["width"].toInt(), window["height"].toInt()), QSize(488, 440));
+}
+
+/// Otherwise the running program has a button of its own beside that of its menu entry.
+void tst_window::menuEntryNamesTheWindow()
+{
+    const QSettings entry(TALVEX_MENU_ENTRY, QSettings::IniFormat);
+    const QString name = entry.value("Desktop Entry/StartupWMClass").toString();
+    QVERIFY(!name.isEmpty());
+    QCOMPARE(desktop.screen().classOf(view.window()["winId"].toString().toULong()), name);
 }
 
 void tst_window::icon_data()
