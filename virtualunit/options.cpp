@@ -58,6 +58,7 @@ constexpr std::array keys{
     Key{"version", [](Options& o, Value v) { return setByte(o.version, v, 255); }},
     Key{"product", [](Options& o, Value v) { return o.product.emplace(v), true; }},
     Key{"no-product", [](Options& o, Value v) { return o.hasProduct = false, v == "yes"; }},
+    Key{"no-manufacturer", [](Options& o, Value v) { return o.hasManufacturer = false, v == "yes"; }},
     Key{"image", [](Options& o, Value v) { return setPath(o.imagePath, v); }},
     Key{"journal", [](Options& o, Value v) { return setPath(o.journalPath, v); }},
     Key{"log", readLog},

@@ -21,6 +21,7 @@ struct Options
     std::uint8_t version = 10;                    ///< firmware version, 10 is "1.0"
     std::optional<std::string> product;           ///< USB product string; nothing: the model's own
     bool hasProduct = true;                       ///< false: the unit is listed without strings
+    bool hasManufacturer = true;                  ///< false: the unit is listed without its maker's name
     std::string imagePath;                        ///< the received image is written here; empty: nowhere
     std::string journalPath;                      ///< journal lines are appended here; empty: nowhere
     std::optional<std::vector<std::uint8_t>> log; ///< the unit's log; nothing: it has none

@@ -21,6 +21,7 @@ private slots:
 
     void enumerationFilters_data();
     void enumerationFilters();
+    void absentManufacturerLeavesTheOthers();
     void opening();
     void openingBySerialNumber();
     void strings();
@@ -60,6 +61,16 @@ void TestVirtualHid::enumerationFilters()
     QCOMPARE(virtualbus::enumerationsNotFreed(), found.isEmpty() ? 0 : 1);
     hid_free_enumeration(list);
     QCOMPARE(virtualbus::enumerationsNotFreed(), 0);
+}
+
+void TestVirtualHid::absentManufacturerLeavesTheOthers()
+{
+    virtualbus::attach(host::options("hb4,no-manufacturer=yes"));
+    hid_device_info* list = hid_enumerate(0, 0);
+    QVERIFY(list->manufacturer_string == nullptr);
+    QCOMPARE(QString::fromWCharArray(list->product_string), QString("HB4"));
+    QVERIFY(list->serial_number != nullptr);
+    hid_free_enumeration(list);
 }
 
 void TestVirtualHid::opening()

@@ -47,7 +47,9 @@ private:
     record.productId = findUnitModel(options.type)->productId;
     record.product = virtualunit::productOf(options);
     if (!record.product)
-        record.serial = record.manufacturer = std::nullopt;
+        record.serial = std::nullopt;
+    if (!record.product || !options.hasManufacturer)
+        record.manufacturer = std::nullopt;
     return record;
 }
 
