@@ -3,6 +3,7 @@
 #include "tests/harness/processtime.h"
 #include "tests/harness/waiting.h"
 #include "tests/support/filecontent.h"
+#include "tests/support/texts.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -104,6 +105,21 @@ void useRealBus(Program& program)
     // Neither is to be had here, and looking for them takes an emulated processor seconds.
     program.setVariable("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     program.setVariable("QT_XCB_GL_INTEGRATION", "none");
+}
+
+Outcome connectOnceHeardOf(Program& program, const QString& message)
+{
+    const QDeadlineTimer limit(limits::hang());
+    do {
+        STEP(program.press("connect_button"));
+        STEP(program.waitFor("a box", [](const View& view) { return view.box().has_value(); }));
+        if (program.look().box() != errorBox(text::notFound))
+            break;
+        STEP(program.answer("Ok"));
+        STEP(program.waitForNoBox());
+    } while (!limit.hasExpired());
+    STEP(program.waitForBox(infoBox(message)));
+    return program.answer("Ok");
 }
 
 int processorLoad(Program& program)

@@ -44,6 +44,11 @@ private:
 /// Makes the program use the HID library it was linked to.
 void useRealBus(Program& program);
 
+/// Presses Connect until the unit is found: with libusb, a program that is running hears of a new unit from
+/// the device manager, and with Wine, Windows' drivers for it come at their leisure; on a busy machine either
+/// may be after the kernel's own device file is there.
+Outcome connectOnceHeardOf(Program& program, const QString& message);
+
 /// The program's processor load while left alone for 1 s, in per cent of one processor.
 [[nodiscard]] int processorLoad(Program& program);
 

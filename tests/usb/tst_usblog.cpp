@@ -76,7 +76,10 @@ void tst_usblog::pullLog(bool& isStored)
     PluggedUnits units;
     MUST(units.plugIn({scenario::unitOptions(program, models::of(type).option, ",log=" + logPath + more)}));
     MUST(program.start());
-    MUST(scenario::askForLog(program, models::of(type).connected));
+    MUST(connectOnceHeardOf(program, models::of(type).connected));
+    MUST(program.waitForNoBox());
+    MUST(scenario::pressLogKeys(program));
+    MUST(program.press("downloadLogFile"));
     const bool isStalled = !seesTheEnd(program);
     if (isStalled)
         MUST(program.press("stopDownloadingFile"));

@@ -12,23 +12,6 @@ namespace {
 
 constexpr bool allModels = TALVEX_USB_ALL_MODELS;
 
-/// Presses Connect until the unit is found: with libusb, a program that is running hears of a new unit from
-/// the device manager, and on a busy machine that may be after the kernel's own device file is there.
-Outcome connectOnceHeardOf(Program& program, const QString& message)
-{
-    const QDeadlineTimer limit(limits::hang());
-    do {
-        STEP(program.press("connect_button"));
-        STEP(program.waitFor("a box", [](const View& view) { return view.box().has_value(); }));
-        if (program.look().box() != errorBox(text::notFound))
-            break;
-        STEP(program.answer("Ok"));
-        STEP(program.waitForNoBox());
-    } while (!limit.hasExpired());
-    STEP(program.waitForBox(infoBox(message)));
-    return program.answer("Ok");
-}
-
 } // namespace
 
 class tst_usbmodels : public ServedProgramTest
