@@ -6,7 +6,6 @@ set -euo pipefail
 cd "$(dirname "$(realpath "$0")")/.."
 source scripts/lib/packages.sh
 
-guestPackages=(busybox-static cpio kmod libhidapi-dev linux-image-amd64 qemu-system-x86 sudo systemd udev x11-utils)
 tests=build-test
 guests=$tests/tests/usb/guests
 junit=$PWD/artifacts/test/junit

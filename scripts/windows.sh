@@ -11,9 +11,10 @@ source scripts/lib/table.sh
 
 usage() {
     cat << END
-usage: scripts/windows.sh [--all] [--ahead] [--no-install] [-DOPTION=VALUE...] [STEP...]
+usage: scripts/windows.sh [--all] [--bus] [--ahead] [--no-install] [-DOPTION=VALUE...] [STEP...]
   without a STEP  all of: ${windowsSteps[*]}
   --all           also the long ones: ${windowsLongSteps[*]}
+  --bus           only the program with the real HID library on a USB bus (step bus), and what that takes
   --ahead         only make what is kept in $qtCache, at the lowest priority: to be run
                   beside something else, as it takes 16 to 22 minutes on two idle processors
   --no-install    only say which packages are missing
@@ -29,6 +30,7 @@ leftOut="${windowsLongSteps[*]} (scripts/windows.sh --all)"
 for argument in "$@"; do
     case $argument in
         --all) steps=("${windowsSteps[@]}" "${windowsLongSteps[@]}") && leftOut= ;;
+        --bus) steps=(qt hidapi program zip bus) && leftOut="everything but the steps asked for" ;;
         --ahead) steps=(ahead) && leftOut="everything else" ;;
         --no-install) export TALVEX_NO_INSTALL=1 ;;
         -DTALVEX_CATALOGUE_KEY*)

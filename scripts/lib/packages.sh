@@ -9,6 +9,8 @@ benchPackages=(libbenchmark-dev libxcb1-dev xdotool xvfb)
 checkPackages=(appstream at-spi2-core binutils clang-format clang-tidy dbus dbus-daemon desktop-file-utils icoutils
     libglib2.0-bin lld openssl python3-dbusmock python3-pyatspi shellcheck valgrind xdotool)
 guidePackages=(cmark-gfm)
+# The guest whose USB bus the tests use.
+guestPackages=(busybox-static cpio kmod libhidapi-dev linux-image-amd64 qemu-system-x86 sudo systemd udev x11-utils)
 fuzzPackages=(clang libclang-rt-dev)
 bundlePackages=(binutils)
 bundleCheckPackages=(bubblewrap debian-archive-keyring mmdebstrap openssl)

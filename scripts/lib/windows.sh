@@ -12,9 +12,11 @@ source scripts/lib/windows-qt.sh
 source scripts/lib/windows-zip.sh
 # shellcheck source=scripts/lib/windows-wine.sh
 source scripts/lib/windows-wine.sh
+# shellcheck source=scripts/lib/windows-bus.sh
+source scripts/lib/windows-bus.sh
 
 windowsSteps=(qt hidapi program zip reproduce tests in-process whole-program)
-windowsLongSteps=(sizes)
+windowsLongSteps=(sizes bus)
 
 jobs=$(nproc)
 windowsLibraries=$PWD/build-windows-libraries # qt/ and hidapi/, as cmake/mingw64.cmake wants them
@@ -125,14 +127,18 @@ driverFolder() {
     fi
 }
 
-# Builds what runs under Wine, what drives it from outside, and the prefix.
-step_tests() {
+# buildDriver TARGET
+buildDriver() {
     local driver
     driver=$(driverFolder)
     [ ${#options[@]} -eq 0 ] || rm -f "$driver/CMakeCache.txt" # with the options of an earlier run
+    cmake --preset test -B "$driver" "${options[@]}" > /dev/null && cmake --build "$driver" --target "$1" -j "$jobs"
+}
+
+# Builds what runs under Wine, what drives it from outside, and the prefix.
+step_tests() {
     cmake --preset windows-tests > /dev/null && cmake --build --preset windows-tests -j "$jobs" &&
-        cmake --preset test -B "$driver" "${options[@]}" > /dev/null &&
-        cmake --build "$driver" --target windows-tests -j "$jobs" && step_prefix
+        buildDriver windows-tests && step_prefix
 }
 
 # The prefix that every run under Wine copies.
@@ -185,12 +191,17 @@ step_in_process() {
             underWine in-process "$windowsTests" in-process onScreen
 }
 
+# unpackZip FOLDER: the program from the zip, below the folder; prints where.
+unpackZip() {
+    local name
+    name=$(zipName "$windowsProgram") && rm -rf "$1" && mkdir "$1" && unzip -q "$zips/$name.zip" -d "$1" && echo "$1/$name"
+}
+
 # fromZip STEP LABEL: the program from the zip, with the virtual unit in the place of the HID library.
 fromZip() {
-    local unpacked=$work/zip name driver
-    name=$(zipName "$windowsProgram") && driver=$(driverFolder) &&
-        rm -rf "$unpacked" && mkdir "$unpacked" && unzip -q "$zips/$name.zip" -d "$unpacked" || return
-    TALVEX_TEST_WINDOWS=$unpacked/$name TALVEX_WINDOWS_HID=$windowsTests/tests/windows/probed/hidapi.dll \
+    local unpacked driver
+    unpacked=$(unpackZip "$work/zip") && driver=$(driverFolder) || return
+    TALVEX_TEST_WINDOWS=$unpacked TALVEX_WINDOWS_BESIDE=$windowsTests/tests/windows/probed \
         TALVEX_WINDOWS_EXPLORER=$windowsTests/bin/talvex-explorer.exe TALVEX_TEST_ARTIFACTS=$pictures \
         underWine "$1" "$driver" "$2"
 }

@@ -77,10 +77,7 @@ QString programName()
 Outcome unpack(const QString& folder)
 {
     STEP(runCommand("cp", {"-r", qEnvironmentVariable("TALVEX_TEST_WINDOWS") + "/.", folder}));
-    const QString library = folder + "/hidapi.dll";
-    return QFile::remove(library) && QFile::copy(qEnvironmentVariable("TALVEX_WINDOWS_HID"), library)
-               ? Outcome()
-               : Outcome("cannot put the virtual HID library at " + library);
+    return runCommand("cp", {"-r", qEnvironmentVariable("TALVEX_WINDOWS_BESIDE") + "/.", folder});
 }
 
 Outcome prepare(QProcessEnvironment& environment, const QVector<QStringList>& registry)
@@ -90,7 +87,7 @@ Outcome prepare(QProcessEnvironment& environment, const QVector<QStringList>& re
         return prefix.made;
     environment.insert("WINEPREFIX", prefix.folder.path());
     environment.insert("WINEDEBUG", environment.value("WINEDEBUG", "-all"));
-    environment.insert("WINEDLLOVERRIDES", "mscoree,mshtml=");
+    environment.insert("WINEDLLOVERRIDES", "mscoree,mshtml=;cfgmgr32=n,b"); // one beside the program first
     environment.insert("WINEQT_FORCE_STDERR_LOGGING", "1");
     prefix.environment = environment;
     const QByteArray proxy =

@@ -11,8 +11,9 @@ class QProcess;
 
 /// The program for Windows under Wine, in the place of the one for this system. Used if TALVEX_TEST_WINDOWS
 /// names the folder that its users unpack; everything else that is needed also comes from the environment
-/// (scripts/lib/windows.sh): TALVEX_WINE_PREFIX, a prefix to copy, and TALVEX_WINDOWS_HID, the virtual HID
-/// library with the probe in it. One copy of the prefix serves the whole test program.
+/// (scripts/lib/windows.sh): TALVEX_WINE_PREFIX, a prefix to copy, and TALVEX_WINDOWS_BESIDE, a folder of
+/// what is laid beside the program: the probe, and with it the virtual HID library in the real one's place,
+/// or what Wine lacks for the real one. One copy of the prefix serves the whole test program.
 namespace wine {
 
 [[nodiscard]] bool isUsed();
@@ -20,7 +21,7 @@ namespace wine {
 /// The program's file name: "talvex-updater", with ".exe" for Windows.
 [[nodiscard]] QString programName();
 
-/// Puts the program for Windows into this folder, with the virtual HID library beside it.
+/// Puts the program for Windows into this folder, with what is laid beside it.
 Outcome unpack(const QString& folder);
 
 /// Takes what Wine needs into the environment, on the desktop that it names, and makes these values, and the

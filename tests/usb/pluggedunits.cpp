@@ -2,6 +2,7 @@
 
 #include "tests/harness/processtime.h"
 #include "tests/harness/waiting.h"
+#include "tests/harness/wine.h"
 #include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
@@ -35,7 +36,9 @@ PluggedUnits::~PluggedUnits()
 Outcome PluggedUnits::plugIn(const QStringList& units, const QString& more)
 {
     gadget.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    gadget.start(TALVEX_GADGET, {units.join(more + ';') + more});
+    // Wine takes the maker's name for a part of the product's.
+    const QString all = more + (wine::isUsed() ? ",no-manufacturer=yes" : "");
+    gadget.start(TALVEX_GADGET, {units.join(all + ';') + all});
     count = units.size();
     const bool seen =
         waitUntil([&] { return nodes().size() == count || gadget.state() == QProcess::NotRunning; });
@@ -105,6 +108,8 @@ void useRealBus(Program& program)
     // Neither is to be had here, and looking for them takes an emulated processor seconds.
     program.setVariable("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     program.setVariable("QT_XCB_GL_INTEGRATION", "none");
+    // The real HID library does not bring the probe with it.
+    program.setVariable("WINEQT_QPA_GENERIC_PLUGINS", "talvexprobe");
 }
 
 Outcome connectOnceHeardOf(Program& program, const QString& message)
