@@ -149,24 +149,26 @@ void TestConnectionDiagnostics::notFound()
 
 void TestConnectionDiagnostics::connectedAllTheSame_data()
 {
-    QTest::addColumn<Action>("plugInBefore");
+    QTest::addColumn<Action>("plugInOthers");
     QTest::addColumn<QStringList>("lines");
     const Action nameless = [] { (void)ScriptedUnit::plugIn(UNIT_HB4, std::nullopt); };
     const Action pathless = [] { (void)ScriptedUnit::plugInWithoutPath(UNIT_HB4); };
     const Action closed = [] { plugInClosed(UNIT_HB4); };
+    const Action alike = [] { (void)ScriptedUnit::plugIn(UNIT_PLT65, std::nullopt); };
     QTest::newRow("alone") << Action([] {}) << QStringList{};
     QTest::newRow("behind a record without strings") << nameless << QStringList{namelessHb4};
     QTest::newRow("behind a record without path") << pathless << QStringList{};
     QTest::newRow("behind a unit that does not open") << closed << QStringList{unopenedLine(UNIT_HB4)};
+    QTest::newRow("before another without strings") << alike << QStringList{};
 }
 
 void TestConnectionDiagnostics::connectedAllTheSame()
 {
-    QFETCH(Action, plugInBefore);
+    QFETCH(Action, plugInOthers);
     QFETCH(QStringList, lines);
     TestWindow window;
+    plugInOthers();
     ScriptedUnit::plugInReporting(UNIT_PLT65);
-    plugInBefore();
     const LogCapture log;
     window.pressConnect();
     QCOMPARE(linesOf(log), lines);
