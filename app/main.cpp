@@ -1,6 +1,6 @@
 #include "app/exitsignals.h"
-#include "app/leftovers.h"
 #include "app/logmessageoutput.h"
+#include "app/programend.h"
 #include "base/updaterversion.h"
 #include "ui/mainwindow.h"
 
@@ -41,15 +41,15 @@ int runWindow(int argc, char** argv)
 #endif
     QApplication application(argc, argv);
     setIcon();
-    leftovers::giveBackAtExit();
+    programend::giveBackAtExit();
     exitsignals::quitOnSignal(application);
     MainWindow window;
     // Intentional: without the "0." of the offers, and not translated.
     window.setWindowTitle("Talvex updater v. " + QString::number(updaterVersion));
     window.show();
     const int result = QApplication::exec();
-    leftovers::limitTheEnd(result);
-    leftovers::endThreads(window.leftovers());
+    programend::limitTheEnd(result);
+    programend::endThreads(window.leftovers());
     return result;
 }
 
@@ -57,7 +57,7 @@ int runWindow(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    exitsignals::listen([] { leftovers::limitTheEnd(EXIT_SUCCESS); });
+    exitsignals::listen([] { programend::limitTheEnd(EXIT_SUCCESS); });
 #ifdef TALVEX_LOG_FILE
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
         logMessageOutput(type, message.toLocal8Bit().constData());
@@ -69,6 +69,6 @@ int main(int argc, char** argv)
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("CP1251"));
     QNetworkProxyFactory::setUseSystemConfiguration(true);
     const int result = runWindow(argc, argv);
-    leftovers::giveBack();
+    programend::giveBack();
     return result;
 }

@@ -1,6 +1,6 @@
 #include "tests/random/run.h"
 
-#include "app/leftovers.h"
+#include "app/programend.h"
 #include "tests/random/answers.h"
 #include "tests/random/user.h"
 #include "tests/support/filesizelimit.h"
@@ -83,7 +83,7 @@ void runWindow(const Plan& plan, const RawServer& server, Ending& ending)
         user.begin();
         ending.exitCode = QApplication::exec();
         left = window.leftovers();
-        leftovers::endThreads(left);
+        programend::endThreads(left);
         ending.endedByUser = user.hasEndedIt();
         ending.wrong = user.violations();
         ending.last = user.observed();
@@ -92,7 +92,7 @@ void runWindow(const Plan& plan, const RawServer& server, Ending& ending)
     if (!ending.last.logPressed)
         left.worker->wait(static_cast<unsigned long>(
             limits::hangMs())); // it is not blocked: only a slow machine could keep it
-    leftovers::giveBack();
+    programend::giveBack();
 }
 
 } // namespace

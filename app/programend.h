@@ -4,7 +4,7 @@
 
 /// The last thing the program does: asks the worker to end and closes the open units, so that the system's
 /// HID driver gets them back (the libusb flavour re-attaches it only in hid_close).
-namespace leftovers {
+namespace programend {
 
 /// Call when the program starts to end: from now on nothing is written to a unit. If the end takes longer
 /// than 2.5 s, gives the unit back (waits at most 400 ms for that) and ends the process: Qt waits for its
@@ -25,4 +25,4 @@ void giveBack();
 /// and there, with EXIT_FAILURE.
 void giveBackAtExit();
 
-} // namespace leftovers
+} // namespace programend

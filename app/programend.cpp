@@ -1,4 +1,4 @@
-#include "app/leftovers.h"
+#include "app/programend.h"
 
 #include "net/updatechecker.h"
 #include "unit/hidio.h"
@@ -15,7 +15,7 @@
 #include <memory>
 #include <thread>
 
-namespace leftovers {
+namespace programend {
 
 namespace {
 
@@ -78,4 +78,4 @@ void giveBackAtExit()
     });
 }
 
-} // namespace leftovers
+} // namespace programend
