@@ -16,7 +16,7 @@ usage: scripts/windows.sh [--all] [--bus] [--ahead] [--no-install] [-DOPTION=VAL
   --all           also the long ones: ${windowsLongSteps[*]}
   --bus           only the program with the real HID library on a USB bus (step bus), and what that takes
   --ahead         only make what is kept in $qtCache, at the lowest priority: to be run
-                  beside something else, as it takes 16 to 22 minutes on two idle processors
+                  beside something else, as it takes 11 minutes on two idle processors
   --no-install    only say which packages are missing
   -D...           options of the program's build, such as the name of a vendor's server (README.md); but there is no
                   catalogue key, because Debian has no libsodium for Windows

@@ -120,7 +120,7 @@ packQt() {
         (cd "$1/kept" && sha256sum qt.tar.xz version > digest)
 }
 
-# makeQt KEPT: builds Qt in a temporary folder beside KEPT, which takes 16 to 22 minutes on two idle processors.
+# makeQt KEPT: builds Qt in a temporary folder beside KEPT, which takes 11 minutes on two idle processors.
 makeQt() {
     local work step
     work=$(mktemp -d "$qtCache/making.XXXXXX") || return
