@@ -3,7 +3,11 @@
 # extended regular expression; says which ones.
 set -euo pipefail
 
-mapfile -t rows < <("$1" -datatags 2> /dev/null | sed -e 's/^[^ ]* //' -e 's/ __global__ .*//' -e 's/^\([^ ]*\) /\1:/')
+all=$("$1" -datatags 2> /dev/null | sed -e 's/^[^ ]* //' -e 's/ __global__ .*//' -e 's/^\([^ ]*\) /\1:/') || {
+    echo "except.sh: $1 does not list its rows" >&2
+    exit 1
+}
+mapfile -t rows <<< "$all"
 wanted=()
 for row in "${rows[@]}"; do
     if [[ $row =~ $2 ]]; then

@@ -5,8 +5,8 @@
 #include "tests/harness/waiting.h"
 #include "tests/harness/wine.h"
 #include "tests/program/scenario.h"
-#include "tests/support/filecontent.h"
 #include "tests/program/tlsredirect.h"
+#include "tests/support/filecontent.h"
 #include "tests/support/texts.h"
 
 #include <QtTest>
