@@ -1,5 +1,7 @@
 #include "tests/harness/xscreen.h"
 
+#include <utility>
+
 // Xlib's macros (None, Bool, ...) break Qt's headers: these come last.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -58,7 +60,19 @@ bool XScreen::open(const QString& name)
 
 bool XScreen::hasWindowManager()
 {
-    return itemsOf(display, DefaultRootWindow(display), "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, 1).size() == 1;
+    const ::Window root = DefaultRootWindow(display);
+    if (itemsOf(display, root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, 1).size() != 1)
+        return false;
+    // It says so before it looks after windows: one that asks to be shown in between may stay hidden for
+    // good.
+    if (trial == 0)
+        trial = XCreateSimpleWindow(display, root, 0, 0, 8, 8, 0, 0, 0);
+    XMapWindow(display, trial);
+    if (!originOf(trial))
+        return false;
+    XDestroyWindow(display, std::exchange(trial, 0));
+    XSync(display, False);
+    return true;
 }
 
 std::optional<QPoint> XScreen::originOf(Window window)

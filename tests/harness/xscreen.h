@@ -26,7 +26,8 @@ public:
     /// Closes the connection; only picture() may be called afterwards.
     void shut();
 
-    /// Whether a window manager that follows the common conventions is running.
+    /// Whether a window manager that follows the common conventions is running, and shows windows that ask
+    /// for it.
     [[nodiscard]] bool hasWindowManager();
 
     /// The position of the window's inner top left corner on the screen, in pixels; nullopt if it is not
@@ -71,4 +72,5 @@ public:
 
 private:
     _XDisplay* display = nullptr; ///< owned
+    Window trial = 0;             ///< asks the window manager to be shown
 };
