@@ -96,14 +96,14 @@ QStringList imageStored()
     return {signal("newUpdateFileDownloaded", {"true"})};
 }
 
-QStringList silence()
+QStringList exitSlot()
 {
     return {log("UpdateChecker::exitSlot"), problem()};
 }
 
 QStringList downloadError()
 {
-    return QStringList{log("UpdateChecker::downloadError")} + silence();
+    return QStringList{log("UpdateChecker::downloadError")} + exitSlot();
 }
 
 QStringList incomplete()

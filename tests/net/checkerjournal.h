@@ -41,7 +41,7 @@ namespace told {
 [[nodiscard]] QStringList offer(const QString& changeLog = "better");          ///< of firmware 27
 [[nodiscard]] QStringList updaterOffer(const QString& changeLog = "new look"); ///< of the next updater
 [[nodiscard]] QStringList imageStored();
-[[nodiscard]] QStringList silence();       ///< of a server; also of a catalogue that is too large
+[[nodiscard]] QStringList exitSlot();      ///< a silent server, or a catalogue that is too large
 [[nodiscard]] QStringList downloadError(); ///< of a bad address, or of a size that is too large
 [[nodiscard]] QStringList incomplete();    ///< of a catalogue without a value that is needed
 

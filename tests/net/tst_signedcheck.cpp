@@ -256,14 +256,14 @@ void TestSignedCheck::silenceIsReported()
     QVERIFY(scene.clock().isActive());
     QCOMPARE(scene.clock().interval(), 30000);
     scene.letTheClockFire();
-    QCOMPARE(scene.journal->events, told::silence());
+    QCOMPARE(scene.journal->events, told::exitSlot());
 }
 
 void TestSignedCheck::largeCatalogueIsReported()
 {
     scene.publish(scene.signable().leftJustified(10246, ' '));
     scene.check(3);
-    QCOMPARE(scene.journal->events, told::silence() + told::offer());
+    QCOMPARE(scene.journal->events, told::exitSlot() + told::offer());
 }
 
 QTEST_GUILESS_MAIN(TestSignedCheck)

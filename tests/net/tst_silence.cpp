@@ -42,7 +42,7 @@ void TestSilence::silenceIsReportedAgainAndAgain()
     for (int report = 1; report <= 3; ++report) {
         QVERIFY(timer->isActive());
         scene.letTheClockFire();
-        expected += told::silence();
+        expected += told::exitSlot();
         QCOMPARE(scene.journal->all, expected);
         QVERIFY(scene.checker->isBusy());
     }
@@ -56,7 +56,7 @@ void TestSilence::silenceInMidAnswer()
     QTRY_VERIFY(scene.received() > 0);
     scene.letTheClockFire();
     scene.server.goOn(); // the answer that comes late is used all the same
-    QTRY_COMPARE(scene.journal->events, told::silence() + told::upToDate());
+    QTRY_COMPARE(scene.journal->events, told::exitSlot() + told::upToDate());
     QVERIFY(!scene.clock().isActive());
 }
 

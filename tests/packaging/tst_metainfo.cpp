@@ -16,7 +16,8 @@ const QString folder = TALVEX_PACKAGING "/linux/";
 QStringList textsOf(const QString& element)
 {
     QStringList texts;
-    for (QXmlStreamReader reader(contentOf(folder + "example.talvex.updater.metainfo.xml")); !reader.atEnd();)
+    for (QXmlStreamReader reader(contentOrFatal(folder + "example.talvex.updater.metainfo.xml"));
+         !reader.atEnd();)
         if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == element)
             texts += reader.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
     return texts;

@@ -1,7 +1,6 @@
 // The user's guide says what the program says: its quotations are bold.
 
 #include "tests/support/filecontent.h"
-#include "tests/support/rows.h"
 #include "tests/support/texts.h"
 #include "unit/unittype.h"
 
@@ -15,7 +14,7 @@ const QDir documents(TALVEX_SOURCES "/docs");
 
 const QString& guide()
 {
-    static const QString text = QString::fromUtf8(contentOf(documents.filePath("user-guide.md")));
+    static const QString text = QString::fromUtf8(contentOrFatal(documents.filePath("user-guide.md")));
     return text;
 }
 
@@ -43,7 +42,8 @@ QStringList quotationsIn(const QString& part)
 /// The program, with a blank for each line break in its texts.
 const QByteArray& program()
 {
-    static const QByteArray bytes = contentOf(qEnvironmentVariable("TALVEX_TEST_PROGRAM")).replace('\n', ' ');
+    static const QByteArray bytes =
+        contentOrFatal(qEnvironmentVariable("TALVEX_TEST_PROGRAM")).replace('\n', ' ');
     return bytes;
 }
 
@@ -56,7 +56,7 @@ bool isInProgram(const QString& text)
 /// The texts between two lines of tests/support/texts.h, by their names.
 QMap<QString, QString> programTexts(const QString& from, const QString& to)
 {
-    const QString header = QString::fromUtf8(contentOf(TALVEX_SOURCES "/tests/support/texts.h"));
+    const QString header = QString::fromUtf8(contentOrFatal(TALVEX_SOURCES "/tests/support/texts.h"));
     const QString block = matches(header, from + "\n(.*)\n" + to).value(0);
     const QRegularExpression constant("constexpr auto (\\w+) =((?:\\s*\"[^\"]*\")+);");
     QMap<QString, QString> texts;
@@ -109,7 +109,8 @@ void tst_userguide::quotation()
 
 void tst_userguide::everyText_data()
 {
-    const Rows<QString, QStringList> row("text", "quotations");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("quotations");
     const QMap<QString, QString> boxes = programTexts("// boxes", "\\} // namespace text");
     QVERIFY(boxes.contains("notFound"));
     const QString table = matches(guide(), "## What the messages mean(.*?)\n## ").value(0);

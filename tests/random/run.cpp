@@ -13,7 +13,6 @@
 #include <QNetworkProxyFactory>
 #include <QThread>
 
-#include <array>
 #include <optional>
 
 namespace {
@@ -33,8 +32,17 @@ QString imageName()
 
 QString takenName(Plan::Taken taken)
 {
-    const std::array<const char*, 4> names{nullptr, filename::image, filename::download, filename::backup};
-    return names.at(static_cast<std::size_t>(taken));
+    switch (taken) {
+    case Plan::Taken::image:
+        return filename::image;
+    case Plan::Taken::download:
+        return filename::download;
+    case Plan::Taken::backup:
+        return filename::backup;
+    case Plan::Taken::none:
+        break;
+    }
+    return {};
 }
 
 /// The files as an earlier run, or somebody else, has left them.

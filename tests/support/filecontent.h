@@ -13,6 +13,15 @@
     return content.isNull() ? QByteArray("") : content;
 }
 
+/// The content of a file that must be there: ends the program if it cannot be read.
+[[nodiscard]] inline QByteArray contentOrFatal(const QString& path)
+{
+    const QByteArray content = contentOf(path);
+    if (content.isNull())
+        qFatal("cannot read %s", qPrintable(path));
+    return content;
+}
+
 /// The lines of a text file that are not empty; none if it cannot be read.
 [[nodiscard]] inline QStringList linesOf(const QString& path)
 {

@@ -30,7 +30,7 @@ Signer::Signer(const QString& secretKey) : key(secretKey) {}
 
 QByteArray Signer::publicKey() const
 {
-    return contentOf(key + ".pub").split('\n').value(1);
+    return contentOrFatal(key + ".pub").split('\n').value(1);
 }
 
 QByteArray Signer::sign(const QByteArray& content, Kind kind, const QByteArray& trustedComment) const
@@ -42,7 +42,7 @@ QByteArray Signer::sign(const QByteArray& content, Kind kind, const QByteArray& 
     if (kind == Kind::whole)
         arguments += "-l";
     runMinisign(arguments);
-    return contentOf(name + ".minisig");
+    return contentOrFatal(name + ".minisig");
 }
 
 QByteArray withLine(const QByteArray& file, int line, const QByteArray& text)

@@ -91,6 +91,7 @@ void TestFirmwareSaving::cannotBeSaved()
     QTRY_COMPARE(scene.journal->events, events);
     const ImageFiles files = ImageFiles::at(programImage());
     QTEST(files.image, "left");
+    QCOMPARE(files.download, noFile);
     if (hadImage)
         QCOMPARE(files.image.isNull() ? files.backup : files.image, previous);
     QCOMPARE(scene.reply(), nullptr);

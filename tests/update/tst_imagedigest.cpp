@@ -71,6 +71,8 @@ void TestImageDigest::digest_data()
     row("of an empty image", digestOf(""), differs);
     row("another last digit", good.chopped(1) + (good.endsWith('0') ? '1' : '0'), differs);
     row("all zeros", QString(64, '0'), differs);
+    row("a blank alone", " ", malformed);
+    row("a blank behind it", good + ' ', malformed);
     row("a digit short", good.chopped(1), malformed);
     row("a digit of another script", good.left(30) + QChar(0xFF11) + good.mid(31), malformed);
 }

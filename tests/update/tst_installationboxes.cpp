@@ -162,11 +162,11 @@ void TestInstallationBoxes::openBoxes_data()
     row("finished under an error", {{0xC0, 1}, {0xF0, 1}}, {1, 2}, {boxline::wrongDigest, boxline::finished});
     row("finished twice", {{0xF0, 1}, {0xF0, 1}}, {1, 2}, boxline::repeated(2, boxline::finished));
     row("finished many times", {{0xF0, 20}}, {16}, boxline::repeated(16, boxline::finished));
+    // The good end is no repeat: it is told, and ends the program, whatever is open.
     row("finished under sixteen errors", {{0x70, 20}, {0xF0, 1}, {0xF0, 1}}, {16, 17, 17},
         boxline::repeated(16, boxline::rejected) + QStringList{boxline::finished});
 }
 
-/// The good end is no repeat: it is told, and ends the program, whatever is open.
 void TestInstallationBoxes::openBoxes()
 {
     QFETCH(Statuses, said);

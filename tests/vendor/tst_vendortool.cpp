@@ -238,8 +238,10 @@ void TestVendorTool::interrupt(ChildProcess& process, const QString& command, co
     tool->server.setAnswer("/bin/HB4.sb", {{"HTTP/1.1 200 OK\r\n", "\r\n"}, RawServer::End::close, true});
     process.setProcessEnvironment(tool->environment());
     process.start(command, arguments);
+    QVERIFY(process.waitForStarted());
+    const auto id = static_cast<pid_t>(process.processId()); // later, a tool that has ended would have none
     QTRY_VERIFY(tool->server.paths().contains("/bin/HB4.sb"));
-    kill(static_cast<pid_t>(process.processId()), SIGINT);
+    kill(id, SIGINT);
     QTRY_COMPARE(process.state(), QProcess::NotRunning);
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
 }

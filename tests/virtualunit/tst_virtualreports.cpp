@@ -1,3 +1,4 @@
+#include "tests/support/rows.h"
 #include "tests/virtualunit/hidcalls.h"
 
 #include <QElapsedTimer>
@@ -127,38 +128,35 @@ void TestVirtualReports::nonblockingRead()
 
 void TestVirtualReports::blockedRead_data()
 {
-    QTest::addColumn<Waker>("wake");
-    QTest::addColumn<int>("result");
-    const auto row = [](const char* name, Waker wake, int result) { QTest::newRow(name) << wake << result; };
-    row(
-        "a report comes",
-        [](const OpenScript& unit) {
-            unit.script->say({1, 2, 3});
-        },
-        3);
-    row(
-        "the unit is unplugged", [](const OpenScript& unit) { virtualbus::unplug(unit.number); }, -1);
-    row(
-        "the handle is closed", [](const OpenScript& unit) { hid_close(unit.device); }, -1);
-    row(
-        "the bus is cleared", [](const OpenScript&) { virtualbus::clear(); }, -1);
+    const Rows<Waker, bool, int, int> row("wake", "hasTimeOut", "result", "closings"); // of -1 ms, if any
+    const Waker say = [](const OpenScript& unit) { unit.script->say({1, 2, 3}); };
+    const Waker unplug = [](const OpenScript& unit) { virtualbus::unplug(unit.number); };
+    const Waker close = [](const OpenScript& unit) { hid_close(unit.device); };
+    const Waker clear = [](const OpenScript&) { virtualbus::clear(); };
+    row("a report comes", say, false, 3, 0);
+    row("the unit is unplugged", unplug, true, -1, 0);
+    row("the handle is closed", close, true, -1, 1);
+    row("the bus is cleared", clear, false, -1, 0);
 }
 
 /// It waits until something wakes it.
 void TestVirtualReports::blockedRead()
 {
     QFETCH(Waker, wake);
+    QFETCH(bool, hasTimeOut);
     const OpenScript unit;
     std::atomic<int> result{99};
     std::thread reader([&] {
         unsigned char buffer[64];
-        result = hid_read(unit.device, buffer, sizeof buffer);
+        result = hasTimeOut ? hid_read_timeout(unit.device, buffer, sizeof buffer, -1)
+                            : hid_read(unit.device, buffer, sizeof buffer);
     });
     QTRY_VERIFY(unit.script->keepsSomebodyWaiting());
     QCOMPARE(result.load(), 99);
     wake(unit);
     reader.join();
     QTEST(result.load(), "result");
+    QTEST(unit.script->closings, "closings");
 }
 
 void TestVirtualReports::unpluggedDeviceGivesItsQueueFirst()
