@@ -155,8 +155,9 @@ canBeNamed() {
             return
             ;;
     esac
-    printf '%s' "$here" | iconv -f UTF-8 -t UTF-8 > /dev/null 2>&1 ||
+    if has iconv && ! printf '%s' "$here" | iconv -f UTF-8 -t UTF-8 > /dev/null 2>&1; then
         complain "the folder's name is not in UTF-8, and a menu entry can hold no other. Rename it."
+    fi
 }
 
 # ownFiles: what is copied to the user's data folder, by its path in share/. These names have no blanks.
