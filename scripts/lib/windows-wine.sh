@@ -2,7 +2,8 @@
 # Wine, as the tests want it. Sourced, not run, from the project's folder.
 # shellcheck disable=SC2154  # the folders are those of scripts/lib/windows.sh
 
-export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+# Wine takes Windows' code page from the locale.
+export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' LC_ALL=C.UTF-8
 
 # onScreen COMMAND...: runs it on a screen of its own; Wine wants one.
 onScreen() {
@@ -32,9 +33,9 @@ makePrefix() {
         onScreen timeout 300 wine wineboot --init &&
             wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f &&
             for font in 'MS Shell Dlg' 'MS Shell Dlg 2' 'Segoe UI' Tahoma; do
-                wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d 'DejaVu Sans' /f || return
+                wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d 'DejaVu Sans' /f || break
             done &&
-            wineserver -k && wineserver -w
+            { wineserver -k || true; } && wineserver -w # it may have ended by itself
     } < /dev/null > "$work/wine.log" 2>&1 || { cat "$work/wine.log" && return 1; }
     unset WINEPREFIX
     prefixKey > "$1.partial/made-from"

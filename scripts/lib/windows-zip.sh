@@ -56,7 +56,8 @@ sourceOf() {
 # builtUsing PACKAGE: likewise, of another one that it was built from as well.
 builtUsing() {
     # shellcheck disable=SC2016  # likewise
-    dpkg-query -W -f='${Built-Using}' "$1" | sed -n 's/^\([^ ]*\) (= \([^ )]*\))$/\1 \2/p' | grep .
+    dpkg-query -W -f='${Built-Using}' "$1" | sed -n 's/^\([^ ]*\) (= \([^ )]*\))$/\1 \2/p' | grep . ||
+        { echo "Debian's $1 does not say what single source it was built from." >&2 && return 1; }
 }
 
 # notices FOLDER: what comes from others, with its licences, where its source is, and what was changed in it.

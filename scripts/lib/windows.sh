@@ -65,8 +65,9 @@ fetchHidapi() {
     if [ -e "$kept" ] && hasDigest "$kept"; then
         return 0
     fi
+    mkdir -p "$qtCache" || return
     find "$qtCache" -maxdepth 1 -name 'fetching.*' -mmin +60 -exec rm -rf {} + # whoever made these was ended
-    mkdir -p "$qtCache" && fetched=$(mktemp -d "$qtCache/fetching.XXXXXX") &&
+    fetched=$(mktemp -d "$qtCache/fetching.XXXXXX") &&
         (cd "$fetched" && npm pack --silent "$hidapiPackage@$hidapiPackageVersion") > /dev/null || return
     if ! hasDigest "$fetched/${kept##*/}"; then
         echo "$hidapiPackage@$hidapiPackageVersion is not what it was." >&2
@@ -100,9 +101,9 @@ step_program() {
 
 step_zip() {
     local zip
-    zip=$(zipName "$windowsProgram").zip &&
+    zip=$(zipName "$windowsProgram").zip && rm -f "$zips"/*.zip &&
         packZip "$windowsProgram" "$work/packed" && checkZip "$work/packed/$zip" &&
-        mkdir -p "$zips" && rm -f "$zips"/*.zip && cp "$work/packed/$zip" "$zips" && (cd "$zips" && sha256sum "$zip")
+        mkdir -p "$zips" && cp "$work/packed/$zip" "$zips" && (cd "$zips" && sha256sum "$zip")
 }
 
 # Builds and packs once more, from a copy in another folder: the bytes have to be the same.
@@ -143,6 +144,7 @@ step_tests() {
 
 # The prefix that every run under Wine copies.
 step_prefix() {
+    find "$windowsLibraries" -maxdepth 1 -name "${winePrefix##*/}-??????" -mmin +90 -exec rm -rf {} + # of ended tests
     prefixIsMade "$winePrefix" || makePrefix "$winePrefix"
 }
 
@@ -176,12 +178,14 @@ checkTestList() {
 }
 
 # underWine STEP BUILD LABEL [COMMAND...]: runs the tests of a build folder that have the label, by a command if there is
-# one; and says what they left out. A test that fails has a second attempt, and ctest prints both: now and then Wine 8
-# does not tell a program that a connection was reset (1 of some 200 rows of tst_answers that end so waits in vain).
+# one; and says what they left out. A test that fails has a second attempt, because Wine 8 is not Windows: now and then it
+# does not tell a program that a connection was reset (1 of some 200 rows of tst_answers that end so waits in vain), or
+# draws a box too small for its buttons. Which ones needed it is said, too.
 underWine() {
     local result=0
     TALVEX_WINE_PREFIX=$winePrefix "${@:4}" ctest --test-dir "$2" -L "^$3\$" --no-tests=error --output-on-failure \
-        --repeat until-pass:2 --output-junit "$junit/windows-$1.xml" -j "$testJobs" || result=1
+        --repeat until-pass:2 --output-junit "$junit/windows-$1.xml" -j "$testJobs" | tee "$work/$1.log" || result=1
+    sed -n 's/^.*Test *#[0-9]*: \([^ ]*\) .*\*\*\*.*/Failed at least once: \1/p' "$work/$1.log" | sort -u
     tr -d '\r' < "$2/Testing/Temporary/LastTest.log" | grep -E '^(Left out: |SKIP )' || true
     return "$result"
 }

@@ -198,7 +198,7 @@ void tst_windows::sessionEnds()
     program.watchEnd();
     QProcess logOut;
     wine::start(logOut, {"wineboot", "--end-session"});
-    // Until then Windows has yet to tell the program, and the time is not the program's.
+    // Nothing shows when Windows tells the program, so how long the window takes to close is not measured.
     QVERIFY(waitUntil([&] {
         program.watchEnd();
         return !desktop.screen().originOf(window);
@@ -212,7 +212,8 @@ void tst_windows::sessionEnds()
 /// Windows is told to ask a script for the proxy, and there is no such script.
 void tst_windows::proxyScriptCannotBeHad()
 {
-    UpdateServer empty; // the program waits for it, and so does a look at the program
+    UpdateServer
+        empty; // in a process of its own: until it has answered, the program and the probe are blocked
     MUST(empty.start());
     Program program(desktop);
     program.setVariable("TALVEX_PROXY_SCRIPT", empty.proxy() + "/proxy.pac");

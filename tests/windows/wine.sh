@@ -16,6 +16,7 @@ IFS=: read -ra folders <<< "$TALVEX_WINE_PATH"
 for folder in "${folders[@]}"; do
     windowsPath+="Z:${folder//\//\\};"
 done
+export LC_ALL=C.UTF-8 # from which Wine takes Windows' code page
 export WINEPREFIX=$prefix WINEPATH=$windowsPath WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 # Wine keeps QT_* from the program.
 export WINEQT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} WINEQT_QPA_FONTDIR='Z:\usr\share\fonts\truetype\dejavu'

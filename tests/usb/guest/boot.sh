@@ -56,7 +56,7 @@ printf '%q ' "$@" >> "$out/command"
 # No hardware virtualisation: machines that run tests rarely have any that works. Emulated, one processor does the
 # same work for half the price of two; clearing all memory and asking an emulated clock chip for the time cost more
 # than they are worth. Wine returns from its system calls by iretq, for which QEMU 7.2 reads the program's stack as the
-# kernel, and that an smap processor would not let it do.
+# kernel, which a processor with SMAP forbids.
 timeout --kill-after=10 "$limit" qemu-system-x86_64 \
     -accel tcg,thread=single -cpu max,smap=off -smp 1 -m 2048 -nographic -no-reboot -nodefaults -serial stdio \
     -kernel "$kernel" -initrd "$work/initramfs" \

@@ -24,7 +24,7 @@ cp -a "$prefix" "$TALVEX_WINE_PREFIX"
 (
     export WINEPREFIX=$TALVEX_WINE_PREFIX WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
     wine reg add 'HKLM\System\CurrentControlSet\Services\winebus' /v 'Enable SDL' /t REG_DWORD /d 0 /f
-    wineserver -k
+    wineserver -k || true # it may have ended by itself
     wineserver -w
 )
 startScreen
