@@ -1,6 +1,6 @@
 #include "tests/net/scene.h"
-#ifdef Q_OS_LINUX
 #include "tests/support/filecontent.h"
+#ifdef Q_OS_LINUX
 #include "tests/support/httpthreads.h"
 #endif
 #include "tests/support/programfiles.h"
