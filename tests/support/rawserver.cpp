@@ -87,7 +87,8 @@ private:
     {
         waiting = false;
         if (next == answer.pieces.size()) {
-            finish();
+            finishing = true;
+            wrote();
             return;
         }
         send(answer.pieces[next++]);
@@ -105,12 +106,6 @@ private:
         socket->write(bytes);
         socket->flush();
         server.sent += bytes.size();
-    }
-
-    void finish()
-    {
-        finishing = true;
-        wrote();
     }
 
     /// Goes on behind the last piece once enough of it has left.

@@ -57,7 +57,7 @@ private slots:
     void killedAtAnyCall();
 
 private:
-    void place(const ImageFiles& files) const;
+    void place(const ImageFiles& files) const { QVERIFY(files.placeAt(name)); }
     [[nodiscard]] ImageFiles found() const { return ImageFiles::at(name); }
     [[nodiscard]] bool isKilledAtCall(int nthCall);
 
@@ -69,11 +69,6 @@ void TestImageStore::init()
 {
     folder = std::make_unique<QTemporaryDir>();
     name = folder->filePath(filename::image);
-}
-
-void TestImageStore::place(const ImageFiles& files) const
-{
-    QVERIFY(files.placeAt(name));
 }
 
 void TestImageStore::stores_data()
