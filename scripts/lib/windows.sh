@@ -179,8 +179,7 @@ checkTestList() {
 
 # underWine STEP BUILD LABEL [COMMAND...]: runs the tests of a build folder that have the label, by a command if there is
 # one; and says what they left out. A test that fails has a second attempt, because Wine 8 is not Windows: now and then it
-# does not tell a program that a connection was reset (1 of some 200 rows of tst_answers that end so waits in vain), or
-# draws a box too small for its buttons. Which ones needed it is said, too.
+# draws a box too small for its buttons, or a program waits in vain. Which tests needed it is said, too.
 underWine() {
     local result=0
     TALVEX_WINE_PREFIX=$winePrefix "${@:4}" ctest --test-dir "$2" -L "^$3\$" --no-tests=error --output-on-failure \

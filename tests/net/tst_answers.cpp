@@ -63,6 +63,10 @@ void TestAnswers::bad()
 {
     QFETCH(Request, request);
     QFETCH(Answer, answer);
+#ifdef Q_OS_WIN
+    if (answer.end == End::reset && answer.pieces.isEmpty())
+        QSKIP("now and then Wine 8 does not tell of a reset that comes before any byte");
+#endif
     scene.server.setAnswer(Scene::path(request), answer);
     scene.ask(request);
     QTRY_VERIFY(scene.rests(scene.networkError(request).size()));
