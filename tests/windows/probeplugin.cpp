@@ -9,7 +9,7 @@ class ProbePlugin : public QGenericPlugin
 
 public:
     /// Qt complains of nothing at all.
-    QObject* create(const QString& /*key*/, const QString& /*specification*/) override { return new QObject; }
+    QObject* create(const QString& /*key*/, const QString& /*settings*/) override { return new QObject; }
 };
 
 #include "probeplugin.moc"
