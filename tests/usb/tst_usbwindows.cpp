@@ -1,8 +1,8 @@
 // The program for Windows with the real HID library, on Wine's HID devices over this machine's own USB bus:
 // an update of one model of each layout. tst_usblog downloads a log there, too.
 
-#include "tests/harness/updateserver.h"
 #include "tests/harness/wine.h"
+#include "tests/program/programtest.h"
 #include "tests/program/scenario.h"
 #include "tests/usb/pluggedunits.h"
 
@@ -20,26 +20,21 @@ QStringList withoutOpening(QStringList journal)
 
 } // namespace
 
-class tst_usbwindows : public QObject
+class tst_usbwindows : public ServedProgramTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-
     void wholeUpdate_data();
     void wholeUpdate();
 
-private:
-    Desktop desktop;
-    UpdateServer server;
+protected:
+    Outcome begin() override;
 };
 
-void tst_usbwindows::initTestCase()
+Outcome tst_usbwindows::begin()
 {
-    QVERIFY2(wine::isUsed(), "scripts/windows.sh --bus runs this test");
-    MUST(desktop.start());
-    MUST(server.start());
+    return wine::isUsed() ? ServedProgramTest::begin() : Outcome("scripts/windows.sh --bus runs this test");
 }
 
 void tst_usbwindows::wholeUpdate_data()
