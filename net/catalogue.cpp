@@ -4,12 +4,30 @@
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
-#include <QStringList>
 
 #include <algorithm>
 #include <array>
 
 namespace catalogue {
+
+namespace {
+
+/// Calls `use` with each Line. A list of all lines could take fifty times the catalogue's memory.
+template<typename Use> void forEachLine(const QByteArray& bytes, const Use& use)
+{
+    const QString text = QString::fromUtf8(bytes.constData()); // intentional: ends at the first NUL byte
+    int number = 0;
+    for (int start = 0, end = 0; end >= 0; start = end + 1) {
+        ++number;
+        end = text.indexOf('\n', start);
+        const QStringRef line = text.midRef(start, end < 0 ? -1 : end - start);
+        const int equals = line.indexOf('=');
+        if (equals >= 0)
+            use(Line{number, line.left(equals).toString(), line.mid(equals + 1).toString()});
+    }
+}
+
+} // namespace
 
 QByteArray withoutCarriageReturns(QByteArray bytes)
 {
@@ -20,23 +38,14 @@ QByteArray withoutCarriageReturns(QByteArray bytes)
 QVector<Line> readLines(const QByteArray& bytes)
 {
     QVector<Line> read;
-    const QString text = QString::fromUtf8(bytes.constData()); // intentional: ends at the first NUL byte
-    const QStringList lines = text.split('\n');
-    int number = 0;
-    for (const QString& line : lines) {
-        ++number;
-        const auto equals = line.indexOf('=');
-        if (equals >= 0)
-            read.append({number, line.left(equals), line.mid(equals + 1)});
-    }
+    forEachLine(bytes, [&read](const Line& line) { read.append(line); });
     return read;
 }
 
 Entries parse(const QByteArray& bytes)
 {
     Entries entries;
-    for (const Line& line : readLines(bytes))
-        entries.insert(line.key, line.value);
+    forEachLine(bytes, [&entries](const Line& line) { entries.insert(line.key, line.value); });
     return entries;
 }
 

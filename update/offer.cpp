@@ -8,6 +8,19 @@
 #include <QMessageBox>
 #include <QTextEdit>
 
+namespace {
+
+/// Of a change log, in UTF-16 units: far more than any has, and what Qt still lays out within a second, even
+/// if all of it is one line or nothing but line ends.
+constexpr int mostShown = 100'000;
+
+QString shownPart(const QString& changeLog)
+{
+    return changeLog.size() <= mostShown ? changeLog : changeLog.left(mostShown) + "\n[...]";
+}
+
+} // namespace
+
 /// Shows an offer and its change log. Neither: the program ended before the box was answered. Intentional:
 /// the texts of offers are not translated.
 MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeLog)
@@ -17,7 +30,7 @@ MainWindow::Answer MainWindow::offer(const QString& text, const QString& changeL
     box.setInformativeText("Would you like to update to latest version?");
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
-    box.setDetailedText(changeLog);
+    box.setDetailedText(shownPart(changeLog));
     if (auto* const details = box.findChild<QTextEdit*>())
         details->setFocusPolicy(Qt::StrongFocus); // Qt leaves it to the mouse, but long ones need keys
     switch (box.exec()) {

@@ -108,16 +108,21 @@ void TestOffer::updaterText()
 
 void TestOffer::box_data()
 {
-    const Rows<Offer, QString> row("offer", "changeLog");
-    row("firmware", &MainWindow::onFindNewVersion, "line 1\nline 2");
-    row("updater", &MainWindow::onFindMainNewVersion, "line 1\nline 2");
-    row("no change log", &MainWindow::onFindNewVersion, "");
+    const Rows<Offer, QString, QString> row("offer", "changeLog", "shown");
+    const Offer firmware = &MainWindow::onFindNewVersion;
+    row("firmware", firmware, "line 1\nline 2", "line 1\nline 2");
+    row("updater", &MainWindow::onFindMainNewVersion, "line 1\nline 2", "line 1\nline 2");
+    row("no change log", firmware, "", "");
+    const QString longest(100'000, 'x');
+    row("longest change log", firmware, longest, longest);
+    row("change log too long to be shown", firmware, longest + 'y', longest + "\n[...]");
 }
 
 void TestOffer::box()
 {
     QFETCH(Offer, offer);
     QFETCH(QString, changeLog);
+    QFETCH(QString, shown);
     OfferDesk desk;
     QVERIFY(QTest::qWaitForWindowActive(&*desk.window,
                                         limits::hangMs())); // an active window could become the box's parent
@@ -125,7 +130,7 @@ void TestOffer::box()
     offer(*desk.window, "12", changeLog);
     QCOMPARE(desk.window.boxes.seen().size(), std::size_t{1});
     const SeenBox& box = desk.window.boxes.seen().front();
-    QVERIFY2(box == offerBox(box.text, changeLog), qPrintable(box.line()));
+    QVERIFY2(box == offerBox(box.text, shown), qPrintable(box.line()));
     QVERIFY(!box.hasParent);
 }
 
