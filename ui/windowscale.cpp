@@ -11,6 +11,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace windowscale {
 
@@ -66,12 +67,13 @@ namespace {
 
 using windowscale::Need;
 
-/// Qt's offscreen platform has a default font that no user chose, larger than any desktop's; only its family
-/// is set. It must not stretch the layout; only a font whose size has been set may.
+/// Qt's platforms without a screen have a default font that no user chose, larger than any desktop's; only
+/// its family is set. It must not stretch the layout; only a font whose size has been set may.
 bool isFontChosen()
 {
-    return QGuiApplication::platformName() != "offscreen" ||
-           (QApplication::font().resolve() & QFont::SizeResolved) != 0;
+    const QString platform = QGuiApplication::platformName();
+    const bool hasScreen = platform != "offscreen" && platform != "minimal";
+    return hasScreen || (QApplication::font().resolve() & QFont::SizeResolved) != 0;
 }
 
 /// The height that a centred line needs: nothing is cut off while only the space above its highest and below
@@ -182,10 +184,16 @@ void WindowScale::apply()
 {
     const QSize before = settledSize;
     const double earlier = factor;
+    const double earlierRatio = std::exchange(pixelRatio, window.screen()->devicePixelRatio());
     applyWaits = false;
     const double ofScreen = windowscale::screenFactor(window.screen()->logicalDotsPerInchY());
     factor = isFontChosen() ? windowscale::layoutFactor(ofScreen, needs()) : ofScreen;
-    if (!qFuzzyCompare(factor, earlier))
+    const bool factorStays = qFuzzyCompare(factor, earlier);
+    if (factorStays && qFuzzyCompare(pixelRatio, earlierRatio)) {
+        noteSize(); // that of a window moved and resized at once is as the user wants it
+        return;
+    }
+    if (!factorStays)
         stretchControls();
     const bool asLaidOut = before == windowscale::stretched(windowSize, earlier);
     resizeWindow(asLaidOut ? windowscale::stretched(windowSize, factor)

@@ -72,6 +72,7 @@ private:
     int rowSpacing;
     QSize windowSize; ///< at 100 %
     double factor = 1;
+    double pixelRatio = 1;            ///< screen pixels in a widget pixel, as apply() last saw it
     QWindow* watchedWindow = nullptr; ///< only compared, never dereferenced
     QSize settledSize;                ///< the window's size before any change that waits for apply()
     bool applyWaits = false;

@@ -97,6 +97,7 @@ private slots:
     void windowThatFillsTheScreenStaysSo_data();
     void windowThatFillsTheScreenStaysSo();
     void looksAgainOnAnotherScreen();
+    void sizeGivenWithAnotherScreenStays();
     void fontThatNobodyChoseStretchesNothing();
 
 private:
@@ -270,6 +271,19 @@ void TestWindowScale::looksAgainOnAnotherScreen()
     QCOMPARE(factorOf(window), 1.0); // a text alone changes nothing
     emit window->windowHandle()->screenChanged(window->screen());
     QTRY_VERIFY(factorOf(window) > 1);
+}
+
+/// As a window manager does that moves the window into one half of the other screen.
+void TestWindowScale::sizeGivenWithAnotherScreenStays()
+{
+    TestWindow window;
+    window->resize(2 * layoutSize);
+    emit window->windowHandle()->screenChanged(window->screen());
+    QCoreApplication::processEvents();
+    QCOMPARE(window->size(), 2 * layoutSize);
+    const LargerFont font(24); // its share counts from there
+    QTRY_VERIFY(factorOf(window) > 2);
+    QTRY_COMPARE(window->size(), windowscale::stretched(2 * layoutSize, factorOf(window)));
 }
 
 void TestWindowScale::fontThatNobodyChoseStretchesNothing()
