@@ -24,8 +24,8 @@ public:
     /// earlier one that another program holds open (Windows).
     [[nodiscard]] bool writeDownload(const QByteArray& image) const;
 
-    /// Makes the image the backup and, if there is one that was `written`, the download the image. If there
-    /// was no image, no backup remains. False if an existing file could not be renamed.
+    /// Makes the image the backup and, if there is one that was `written`, the download the image. A backup
+    /// goes when the download becomes the first image. False if an existing file could not be renamed.
     [[nodiscard]] bool replaceImage(bool written) const;
 
     [[nodiscard]] bool hasImage() const;
