@@ -8,7 +8,7 @@ source scripts/lib/packages.sh
 source scripts/lib/signing.sh
 
 # Steps joined by + run in parallel, once what they need has been built.
-usualSteps=(shipped format scripts tests in-process+program+code threads fuzz usb)
+usualSteps=(shipped format scripts tests in-process+program+code threads+fuzz+usb)
 longSteps=(sanitized-program)
 quickSteps=(shipped format quick-in-process quick-program)
 
@@ -45,8 +45,12 @@ sources() {
     git ls-files --cached --others --exclude-standard -- "$@"
 }
 
+# Also what only some steps need: when they run in parallel, only one of them could install.
 step_packages() {
-    installMissing "${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}" "${guidePackages[@]}"
+    local needed=("${buildPackages[@]}" "${stagePackages[@]}" "${checkPackages[@]}" "${guidePackages[@]}")
+    [[ ${steps[*]:-} != *fuzz* ]] || needed+=("${fuzzPackages[@]}")
+    [[ ${steps[*]:-} != *usb* ]] || needed+=("${guestPackages[@]}")
+    installMissing "${needed[@]}"
 }
 
 step_shipped() {
@@ -67,19 +71,16 @@ step_tests() {
     build asan && build hidraw && buildSigned && build test
 }
 
-# tidy FOLDER: looks at the files named on standard input, as that build folder compiles them.
-tidy() {
-    xargs run-clang-tidy -quiet -p "$1" -j "$jobs"
-}
-
-# One file is compiled with a catalogue key only.
+# clang-tidy spends most of its time in the headers, so it gets the sources several at a time, as headers of a file that
+# includes them. One of them is compiled without a catalogue key only; clang-tidy takes the flags of its neighbours for it.
 step_code() {
-    local report=$junit/../tidy.log
-    build asan && buildSigned || return
+    local report=$junit/../tidy.log key
+    key=$(signingKey build-tidy) && build tidy "-DTALVEX_CATALOGUE_KEY=$key" || return
     if ! {
-        sources {app,base,log,net,ui,unit,update,vendor}/'*.cpp' | tidy build-asan &&
-            sources net/cataloguekey_minisign.cpp | tidy build-signed
-    } > "$report" 2>&1; then
+        run-clang-tidy -quiet -p build-tidy -j "$jobs" -extra-arg=-Xclang -extra-arg=-analyzer-opt-analyze-headers \
+            'Unity|net/cataloguekey_' &&
+            clang-tidy -quiet -p build-tidy net/cataloguekey_none.cpp
+    } > "$report" 2>&1 || ! grep -q 'talvex-core.*Unity' "$report"; then
         grep -E 'warning:|error:' -A 4 "$report" || cat "$report"
         return 1
     fi
