@@ -14,19 +14,20 @@ usage() {
 usage: scripts/test.sh [--all] [--no-install] [STEP...]
   without a STEP  all of: ${usualSteps[*]}
   quick           for use while you work: ${quickSteps[*]}
-  --all           also the long ones: ${longSteps[*]}; and every model on the USB bus with both flavours
+  --all           also the long ones: ${longSteps[*]}; and on the USB bus every row with both flavours
   --no-install    only say which packages are missing
 There is also a step "coverage". Each step first builds what it needs. Machine-readable results are in $junit.
 END
 }
 
 steps=()
-leftOut="${longSteps[*]}, half of the models with each flavour on the USB bus (scripts/test.sh --all)"
+leftOut="${longSteps[*]}; on the USB bus, with each flavour, half of the models, answers and endings, and images of 1 MB"
+leftOut+=" (scripts/test.sh --all)"
 for argument in "$@"; do
     case $argument in
         --all)
             steps=("${usualSteps[@]}" "${longSteps[@]}") && leftOut=
-            export TALVEX_USB_ALL_MODELS=ON
+            export TALVEX_USB_ALL=ON
             ;;
         --no-install) export TALVEX_NO_INSTALL=1 ;;
         --help) usage && exit 0 ;;

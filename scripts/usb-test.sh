@@ -15,7 +15,7 @@ lowestRatio=0.95
 build() {
     cmake -S . -B build && cmake --build build -j "$jobs"
     cmake --preset hidraw && cmake --build --preset hidraw -j "$jobs"
-    cmake --preset test "-DTALVEX_USB_ALL_MODELS=${TALVEX_USB_ALL_MODELS:-OFF}"
+    cmake --preset test "-DTALVEX_USB_ALL=${TALVEX_USB_ALL:-OFF}"
     cmake --build "$tests" -j "$jobs" --target usb-tests
 }
 
@@ -44,7 +44,7 @@ build
 SECONDS=0
 result=0
 rm -rf "$guests" # an earlier run's results must not pass for this one's
-ctest --test-dir "$tests" -L usb --no-tests=error --output-on-failure --output-junit "$junit/usb.xml" -j 2 || result=$?
+ctest --test-dir "$tests" -L usb --no-tests=error --output-on-failure --output-junit "$junit/usb.xml" -j 3 || result=$?
 printRates || result=1
 echo "USB tests: $SECONDS s"
 exit "$result"

@@ -141,3 +141,8 @@ QString flavour()
 {
     return qEnvironmentVariable("TALVEX_TEST_FLAVOUR");
 }
+
+bool takesRow(int row)
+{
+    return TALVEX_USB_ALL || row % 2 == (flavour() == "libusb" ? 0 : 1);
+}

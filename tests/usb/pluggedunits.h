@@ -55,3 +55,7 @@ Outcome connectOnceHeardOf(Program& program, const QString& message);
 /// The flavour of the HID library under test: "libusb" or "hidraw", from TALVEX_TEST_FLAVOUR in the
 /// environment.
 [[nodiscard]] QString flavour();
+
+/// Whether row `row` (from 0) of a table that has little to do with the flavour is for this one: every second
+/// row is, as each takes a guest 5 s or more; every row with TALVEX_USB_ALL.
+[[nodiscard]] bool takesRow(int row);

@@ -8,12 +8,6 @@
 
 #include <QtTest>
 
-namespace {
-
-constexpr bool allModels = TALVEX_USB_ALL_MODELS;
-
-} // namespace
-
 class tst_usbmodels : public ServedProgramTest
 {
     Q_OBJECT
@@ -30,10 +24,10 @@ private slots:
 void tst_usbmodels::everyModel_data()
 {
     QTest::addColumn<QByteArray>("name");
-    // Each flavour takes every second model unless told otherwise, as all of them take a minute in a guest.
-    const QList<models::Connection> connections = models::connections();
-    for (int i = allModels || flavour() == "libusb" ? 0 : 1; i < connections.size(); i += allModels ? 1 : 2)
-        QTest::newRow(connections[i].name) << connections[i].name;
+    int row = 0;
+    for (const models::Connection& connection : models::connections())
+        if (takesRow(row++))
+            QTest::newRow(connection.name) << connection.name;
 }
 
 void tst_usbmodels::everyModel()

@@ -185,13 +185,17 @@ void tst_usbunplug::endedInMidWork_data()
 {
     addWork();
     QTest::addColumn<int>("signal"); // 0: the window is closed
-    QTest::newRow("window closed, in the stream") << "" << Deed(streamImage) << scenario::longOnItsWay << 0;
-    QTest::newRow("window closed, during the installation")
-        << longInstallation << Deed(install) << shortImage << 0;
-    QTest::newRow("SIGTERM, idle") << "" << Deed(connectOnly) << shortImage << SIGTERM;
-    QTest::newRow("SIGINT, in the stream") << "" << Deed(streamImage) << scenario::longOnItsWay << SIGINT;
-    QTest::newRow("SIGHUP, during the installation")
-        << longInstallation << Deed(install) << shortImage << SIGHUP;
+    int row = 0;
+    const auto add = [&row](const char* name, const QString& more, const Deed& reach, int imageSize,
+                            int signal) {
+        if (takesRow(row++))
+            QTest::newRow(name) << more << reach << imageSize << signal;
+    };
+    add("window closed, in the stream", "", streamImage, scenario::longOnItsWay, 0);
+    add("SIGINT, in the stream", "", streamImage, scenario::longOnItsWay, SIGINT);
+    add("SIGHUP, during the installation", longInstallation, install, shortImage, SIGHUP);
+    add("window closed, during the installation", longInstallation, install, shortImage, 0);
+    add("SIGTERM, idle", "", connectOnly, shortImage, SIGTERM);
 }
 
 /// The unit stays plugged in, and the system has it again.

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr int wholeSize = 1'000'000;
+// Not 1 MB unless told so: each of those takes a guest half a minute.
+constexpr int wholeSize = TALVEX_USB_ALL ? 1'000'000 : 300'000;
 constexpr int wholeReports = wholeSize / 60 + 1;
 constexpr int bareReports = 3000;
 constexpr int smallSize = 6000;
@@ -105,9 +106,11 @@ void tst_usbupdate::wholeUpdate()
 void tst_usbupdate::otherAnswers_data()
 {
     QTest::addColumn<QString>("transfer"); // the label above the transfer's bar
+    int row = 0;
     for (const TransferFault& fault : transferFaults()) {
         const QString option = fault.option;
-        if (!option.startsWith("unplugged") && option != "takes-nothing") // these have tests of their own
+        const bool hasOwnTest = option.startsWith("unplugged") || option == "takes-nothing";
+        if (!hasOwnTest && takesRow(row++))
             QTest::newRow(fault.option) << (fault.transfer == nullptr ? text::transferIdle : fault.transfer);
     }
 }

@@ -1,9 +1,9 @@
 #!/bin/bash
-# run-tests.sh BUILD PROGRAM FLAVOUR HANG_LIMIT TEST...
+# run-tests.sh BUILD PROGRAM GUEST HANG_LIMIT [TEST...]
 # In the guest: runs tests on its USB bus, then those of access. BUILD is the build tree with the tests, PROGRAM the
-# updater to be tested, FLAVOUR the one of the HID library that PROGRAM uses, HANG_LIMIT how long a wait may take on a
-# real processor, in s. Each test's results become a file in /run/guest-out/results. Returns 0 once all have run,
-# whatever they found.
+# updater to be tested, GUEST the flavour of the HID library that PROGRAM uses, HANG_LIMIT how long a wait may take on a
+# real processor, in s. The GUEST "installation" runs those of the bundle's scripts instead. Each test's results become a
+# file in /run/guest-out/results. Returns 0 once all have run, whatever they found.
 set -euo pipefail
 
 build=$1
@@ -38,11 +38,11 @@ prepareMachine
 PATH=$build/bin:$build/tests/packaging/tst_installrule.dir:$PATH
 startScreen
 letIn "$build/bin" "$TALVEX_TEST_PROGRAM" "$here/../../../server"
+if [ "$TALVEX_TEST_FLAVOUR" = installation ]; then
+    testInstallation "$build" runTest
+    exit
+fi
 for name in "$@"; do
     runTest "$name"
 done
-rule=$here/../../../packaging/linux/70-talvex-updater.rules
-if [ "$TALVEX_TEST_FLAVOUR" = libusb ]; then # it makes no difference to the scripts
-    testInstallation "$build" runTest
-fi
-testAccess "$rule" runTest
+testAccess "$here/../../../packaging/linux/70-talvex-updater.rules" runTest
