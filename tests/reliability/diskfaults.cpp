@@ -20,6 +20,17 @@ Scenario at(Phase phase, const std::function<void()>& fault)
     return scenario;
 }
 
+constexpr unsigned long room = 10000; ///< in bytes: less than the image or the log takes
+
+/// The disk is full from the start: once the log is on its way, another thread stores it, and might be done
+/// first.
+Scenario logOnAFullDisk()
+{
+    Scenario scenario = roadTo(Phase::logParts);
+    scenario.beforeStart = [] { computer::fillDisk(room); };
+    return scenario;
+}
+
 /// A log's road whose directory takes no file from before the program starts.
 Scenario withoutLogFile()
 {
@@ -54,13 +65,13 @@ std::vector<FaultRow> diskFaults()
     constexpr auto written = "no file is written then";
     constexpr auto stored = "only storing a download uses this name";
     constexpr auto readOnce = "the image is read once, when Update Device is pressed";
-    const auto fill = [] { computer::fillDisk(10000); };
     const auto lose = [] { QFile::remove(beside(filename::image)); };
     return {
         {"disk",
          "is full",
          written,
-         {{at(Phase::store, fill), outcome::notSavedBackup}, {at(Phase::logParts, fill), outcome::cutLog}}},
+         {{at(Phase::store, [] { computer::fillDisk(room); }), outcome::notSavedBackup},
+          {logOnAFullDisk(), outcome::cutLog}}},
         {"disk",
          "accepts no new file (read-only directory)",
          "no file is created then; the log file is created when the program starts",
